@@ -1,0 +1,110 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "component/boolean.h"
+#include "reports/host_services.h"
+#include "vtrfile/document.h"
+#include "vtrfile/read_error.h"
+#include "vtrfile/recount.h"
+
+namespace trvtrout {
+
+struct DetailReport;
+struct Failure;
+
+// The output utility for VTR files: reads a file into records, keeps them between calls, and writes reports on them.
+//
+// No operation raises: a failure comes back as False, or as an error text where the result is a text, and what had been
+// written by then stays. Nothing is cleared between two reads on one object: a section that a file doesn't have keeps
+// what an earlier file left. Paths hold backslashes. One thread at a time may use an object.
+class TarvelVtrOut_InOut {
+ public:
+  // Nothing is touched at creation; an object that has read nothing reports empty lists.
+  explicit TarvelVtrOut_InOut(const HostServices& services);
+  TarvelVtrOut_InOut(const TarvelVtrOut_InOut&) = delete;
+  TarvelVtrOut_InOut& operator=(const TarvelVtrOut_InOut&) = delete;
+
+  // Reads binary VTR file into the structures. Returns True on success.
+  // The copies for a comparison go to the primary document (`IsSecondary` False) or the secondary one. For a damaged
+  // file and one that can't be opened `StructureList` gets the list of what was read and of what was not, and what was
+  // read stays; it isn't touched otherwise. A file that doesn't exist is created empty and refused. An unsupported
+  // version is told to the user.
+  Boolean ReadVTR(std::u16string& Fname, std::u16string& StructureList, Boolean& IsSecondary);
+
+  // Each writes one detail report on the document last read, as comma-separated text in the code page. `Fname` names
+  // the report and stands in its first row; `ASCIIFname` gets the report's path, also on failure. `IsTemp` asks for the
+  // name without the moment. About a file that stands there the user is asked: Yes replaces it, No asks for another
+  // path, Cancel leaves it untouched and the result is False. When the file is held by another program,
+  // ASCII_Output_Product tells the user.
+  Boolean ASCII_Output_Product(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp);
+  Boolean ASCII_Output_Table(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp);
+  Boolean ASCII_Output_Tree(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp);
+  Boolean ASCII_Output_Field(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp);
+  Boolean ASCII_Output_Lookup(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp);
+  Boolean ASCII_Output_CtrlTag(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp);
+  Boolean ASCII_Output_Lang(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp);
+  Boolean ASCII_Output_DSend(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp);
+
+  // The path for a workbook ("Statistics", "Compared"), a rewritten file ("Recovered") or a log ("Log") beside `Fname`;
+  // empty for any other `DescName` and on failure. `VTRFname` gets the base name of `Fname`. Asks about an existing
+  // file as the reports do; after Cancel the result is the path of that file, which nobody has touched.
+  std::u16string GetOutputFileName(const std::u16string& Fname, const std::u16string& DescName,
+                                   std::u16string& VTRFname);
+
+  // Removes a report file. False when it can't be removed; a missing file is told to the user.
+  Boolean Delete_ASCII(const std::u16string& ASCIIFname);
+
+  // What the document last read holds. Each list: its stored numbers, and in `size` the index of its last used slot,
+  // recounted. The result is "OK", or "Err..." when the list doesn't hold together; the stored numbers are set even
+  // then.
+  std::u16string GetProdInfo(std::u16string& Code, std::u16string& Description, std::u16string& Serial,
+                             std::u16string& Version, std::u16string& Database);
+  std::u16string GetInclInfo(std::int32_t& Count, std::int32_t& Current, std::int32_t& Max, std::int32_t& size);
+  std::u16string GetMdlInfo(std::int32_t& Count, std::int32_t& size);
+  std::u16string GetTreInfo(std::int32_t& Count, std::int32_t& Current, std::int32_t& Max, std::int32_t& size);
+  std::u16string GetTableInfo(std::int32_t& Count, std::int32_t& Current, std::int32_t& Max, std::int32_t& size);
+  // The fields of all tables.
+  std::u16string GetFieldsInfo(std::int32_t& size);
+  std::u16string GetLookupInfo(std::int32_t& Count, std::int32_t& Current, std::int32_t& Max, std::int32_t& size);
+  std::u16string GetTagInfo(std::int32_t& Count, std::int32_t& size);
+  std::u16string GetLanInfo(std::int32_t& Count, std::int32_t& size);
+  // `Count` definitions with `size` nodes in all, used or not.
+  std::u16string GetDsmInfo(std::int32_t& Count, std::u16string& file, std::u16string& Version, std::int32_t& size);
+  // "ErrHedInfo" when the header's text isn't a date; `Modified` stays as it was then. `size` is 0.
+  std::u16string GetHedInfo(Date& Modified, std::int32_t& size);
+  std::u16string GetDSNInfo(std::int32_t& Count, std::int32_t& size);
+  std::u16string GetExtInfo(std::int32_t& Count, std::int32_t& size);
+  std::u16string GetFmsInfo(std::int32_t& Count, std::int32_t& size);
+  std::u16string GetIncNewInfo(std::int32_t& Count, std::int32_t& size);
+  std::u16string GetRelInfo(std::int32_t& Count, std::int32_t& size);
+  std::u16string GetResiTblInfo(std::int32_t& Count, std::int32_t& size);
+  std::u16string GetHidLookInfo(std::int32_t& Count, std::int32_t& size);
+  std::u16string GetHidTableInfo(std::int32_t& Count, std::int32_t& Current, std::int32_t& Max, std::int32_t& size);
+  std::u16string GetHidFieldsInfo(std::int32_t& size);
+
+  // For a host in C++, beside the interface: the document last read, where and why its read broke off, and why the last
+  // operation that failed did so (UTF-8, for people). The references hold until the next operation.
+  const vtrfile::DocumentSlots& CurrentSlots() const noexcept { return current_; }
+  const std::optional<vtrfile::ReadError>& LastDamage() const noexcept { return damage_; }
+  const std::string& LastFailure() const noexcept { return last_failure_; }
+
+ private:
+  std::shared_ptr<const vtrfile::Image> load(const std::u16string& path);
+  Boolean write_report(const DetailReport& report, const std::u16string& fname, std::u16string& report_path,
+                       Boolean is_temp, bool tells_user = false);
+  Boolean fail(const Failure& failure);
+  void warn(const std::u16string& prompt);
+
+  HostServices services_;
+  vtrfile::DocumentSlots current_;
+  vtrfile::GroupSlots primary_;
+  vtrfile::GroupSlots secondary_;
+  std::optional<vtrfile::ReadError> damage_;
+  std::string last_failure_;
+};
+
+}  // namespace trvtrout

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "component/TarvelVtrOut_InOut.h"
+
+namespace trvtrout::host {
+
+// A text of the file, with its title for people and its key for programs.
+struct AccountText {
+  const char* title;
+  const char* key;
+  std::u16string text;
+};
+
+// What a list says of itself beside its recount; no value where the list has no such number.
+struct AccountList {
+  const char* title;
+  const char* key;
+  std::optional<std::int32_t> count, current, max;
+  std::int32_t size = 0;
+  std::u16string result;
+};
+
+// What the accessors tell of the document last read.
+struct DocumentAccount {
+  std::vector<AccountText> header;
+  std::vector<AccountText> product;
+  std::vector<AccountList> lists;
+};
+
+DocumentAccount account_for(TarvelVtrOut_InOut& utility, Locale& locale);
+
+}  // namespace trvtrout::host

@@ -1,0 +1,103 @@
+#include <algorithm>
+#include <iomanip>
+#include <nlohmann/json.hpp>
+
+#include "host/commands.h"
+#include "host/document_account.h"
+#include "platform/console/printable.h"
+#include "platform/text/utf8.h"
+
+namespace trvtrout::host {
+namespace {
+
+using platform::printable;
+
+constexpr int kTitleWidth = 25;
+
+std::string one_line(const std::u16string& text) {
+  std::string line = printable(text);
+  std::ranges::replace(line, '\n', ' ');
+  return line;
+}
+
+void print_line(const std::string& title, const std::string& value) {
+  std::cout << std::left << std::setw(kTitleWidth) << title << value << '\n';
+}
+
+void print(const DocumentAccount& account, const std::string& file) {
+  print_line("File", file);
+  for (const auto* values : {&account.header, &account.product}) {
+    for (const AccountText& value : *values) print_line(value.title, one_line(value.text));
+  }
+  std::cout << '\n' << std::left << std::setw(kTitleWidth) << "List" << std::right;
+  for (const char* head : {"Count", "Current", "Max", "Recounted"}) std::cout << std::setw(10) << head;
+  std::cout << "  Result\n";
+  for (const AccountList& list : account.lists) {
+    std::cout << std::left << std::setw(kTitleWidth) << list.title << std::right;
+    for (const auto& number : {list.count, list.current, list.max}) {
+      std::cout << std::setw(10) << (number ? std::to_string(*number) : "-");
+    }
+    std::cout << std::setw(10) << list.size << "  " << printable(list.result) << '\n';
+  }
+}
+
+using Json = nlohmann::ordered_json;
+
+Json to_json(const std::vector<AccountText>& values) {
+  Json object = Json::object();
+  for (const AccountText& value : values) object[value.key] = platform::to_utf8(value.text);
+  return object;
+}
+
+Json to_json(const AccountList& list) {
+  const auto number = [](const std::optional<std::int32_t>& value) { return value ? Json(*value) : Json(); };
+  return {{"count", number(list.count)},
+          {"current", number(list.current)},
+          {"max", number(list.max)},
+          {"recounted", list.size},
+          {"result", platform::to_utf8(list.result)}};
+}
+
+Json to_json(const vtrfile::ReadError& damage) {
+  return {{"offset", damage.offset()}, {"path", damage.path()}, {"found", damage.found()}};
+}
+
+void print_json(const DocumentAccount& account, const std::string& file, const std::u16string& structure_list,
+                const std::optional<vtrfile::ReadError>& damage) {
+  Json lists = Json::object();
+  for (const AccountList& list : account.lists) lists[list.key] = to_json(list);
+  const Json whole = {{"file", file},
+                      {"result", !damage},
+                      {"structureList", damage ? Json(platform::to_utf8(structure_list)) : Json()},
+                      {"damage", damage ? to_json(*damage) : Json()},
+                      {"header", to_json(account.header)},
+                      {"product", to_json(account.product)},
+                      {"lists", lists}};
+  // A file's name can hold bytes that are no UTF-8.
+  std::cout << whole.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+}  // namespace
+
+ExitStatus info(const Settings& settings, const std::string& file, bool json) {
+  Machine machine(settings);
+  TarvelVtrOut_InOut utility(machine.services());
+  std::u16string structure_list;
+  const ExitStatus status = read(utility, file, structure_list);
+  if (status == kTrouble) return status;
+
+  const DocumentAccount account = account_for(utility, machine.locale());
+  if (json) {
+    print_json(account, file, structure_list, utility.LastDamage());
+  } else {
+    print(account, file);
+    if (status == kRemarkable) std::cout << '\n' << printable(structure_list) << '\n';
+  }
+  if (status == kRemarkable) {
+    std::cout.flush();
+    complain(file + ": " + damage_text(*utility.LastDamage()));
+  }
+  return status;
+}
+
+}  // namespace trvtrout::host

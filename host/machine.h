@@ -1,0 +1,66 @@
+#pragma once
+
+#include <iostream>
+
+#include "component/TarvelVtrOut_InOut.h"
+#include "platform/console/console_message_box.h"
+#include "platform/console/console_save_dialog.h"
+#include "platform/console/quiet_message_loop.h"
+#include "platform/files/local_files.h"
+#include "platform/locale/us_locale.h"
+
+namespace trvtrout::host {
+
+// Exit statuses, and what a command returns.
+enum ExitStatus : int {
+  kFine = 0,
+  kRemarkable = 1,  // damaged, different, with losses
+  kTrouble = 2,     // one line on stderr says what, where and what to do
+};
+
+// Settings that all commands share.
+struct Settings {
+  int code_page = 1252;
+  platform::Overwrite overwrite = platform::Overwrite::kAsk;
+};
+
+// The stand-ins for the desktop on this machine. Questions go to the terminal, on stderr; data have stdout alone.
+class Machine {
+ public:
+  explicit Machine(const Settings& settings);
+  HostServices services() { return {files_, message_box_, save_dialog_, message_loop_, locale_}; }
+  Locale& locale() { return locale_; }
+
+ private:
+  platform::LocalFiles files_;
+  platform::ConsoleMessageBox message_box_;
+  platform::ConsoleSaveDialog save_dialog_;
+  platform::QuietMessageLoop message_loop_;
+  platform::UsLocale locale_;
+};
+
+// One line on stderr, with the program's name in front.
+void complain(const std::string& line);
+
+// What the host is doing, on one line of the terminal that each call replaces; nothing where stderr is no terminal.
+class Progress {
+ public:
+  Progress();
+  ~Progress() { show({}); }
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+  void show(const std::string& doing);
+
+ private:
+  bool on_terminal_;
+  bool shown_ = false;
+};
+
+// Reads `file` (a path of the machine) into `utility`. kFine, kRemarkable for a damaged file (`structure_list` has the
+// two lists), kTrouble for one that can't be read, of which the user has been told. Never creates the file.
+ExitStatus read(TarvelVtrOut_InOut& utility, const std::string& file, std::u16string& structure_list);
+
+// Where the reading of a damaged file broke off, for people.
+std::string damage_text(const vtrfile::ReadError& damage);
+
+}  // namespace trvtrout::host

@@ -1,0 +1,85 @@
+#include <CLI/CLI.hpp>
+#include <csignal>
+
+#include "host/commands.h"
+
+namespace {
+
+using namespace trvtrout::host;
+using trvtrout::platform::Overwrite;
+
+constexpr const char* kDescription =
+    "Examples:\n"
+    "  vtrout report plant.vtr          write the eight detail reports beside the file\n"
+    "  vtrout info plant.vtr            tell what the file holds\n"
+    "\n"
+    "Reads binary VTR files and writes reports on them as comma-separated text.\n"
+    "Exit status: 0 fine; 1 the file is damaged, and what could be read was used; 2 trouble, told on stderr.";
+
+void add_code_page(CLI::App& command, Settings& settings) {
+  command.add_option("--code-page", settings.code_page, "Code page of the texts in the file")->capture_default_str();
+}
+
+void add_overwrite(CLI::App& command, Settings& settings) {
+  auto* const yes = command.add_flag_callback(
+      "--yes", [&settings] { settings.overwrite = Overwrite::kYes; }, "Overwrite files that exist");
+  command
+      .add_flag_callback(
+          "--no-clobber", [&settings] { settings.overwrite = Overwrite::kNever; }, "Never overwrite a file")
+      ->excludes(yes);
+}
+
+int run(int argc, char** argv) {
+  CLI::App app(kDescription, "vtrout");
+  app.set_version_flag("--version", "vtrout " VTROUT_VERSION);
+  app.require_subcommand(1);
+  Settings settings;
+  std::string file;
+  ExitStatus status = kFine;
+
+  bool json = false;
+  auto* const info_command = app.add_subcommand("info", "Tell what a file holds, and whether its lists hold together");
+  info_command->add_option("FILE", file, "A VTR file")->required();
+  info_command->add_flag("--json", json, "For programs; docs/json.md tells the form");
+  add_code_page(*info_command, settings);
+  info_command->callback([&] { status = info(settings, file, json); });
+
+  std::vector<std::string> parts;
+  bool temporary = false;
+  auto* const report_command = app.add_subcommand("report", "Write detail reports beside a file; prints their paths");
+  report_command->add_option("FILE", file, "A VTR file")->required();
+  report_command->add_option("--part", parts, "Only this part; may be given several times")
+      ->check(CLI::IsMember(part_names()))
+      ->take_all()
+      ->expected(1);
+  report_command->add_flag("--temporary", temporary, "Ask for the temporary name, which has no date in it");
+  add_overwrite(*report_command, settings);
+  add_code_page(*report_command, settings);
+  report_command->callback([&] { status = report(settings, file, parts, temporary); });
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? kFine : kTrouble;
+  }
+  std::cout.flush();
+  if (!std::cout) {
+    complain("the output can't be written; check what stdout is connected to");
+    return kTrouble;
+  }
+  return status;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  // A limit on the size of files and a reader that went away come back as errors, which are told.
+  std::signal(SIGXFSZ, SIG_IGN);
+  std::signal(SIGPIPE, SIG_IGN);
+  try {
+    return run(argc, argv);
+  } catch (const std::exception& error) {
+    complain(error.what());
+    return kTrouble;
+  }
+}

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <iosfwd>
+#include <optional>
+#include <string>
+
+#include "reports/host_services.h"
+
+namespace trvtrout::platform {
+
+// What is answered to a question whether a file may be overwritten.
+enum class Overwrite { kAsk, kYes, kNever };
+
+// Message boxes as lines of a terminal. Without a person at it (`interactive` false) kAsk overwrites nothing.
+class ConsoleMessageBox : public MessageBox {
+ public:
+  ConsoleMessageBox(Overwrite overwrite, std::istream& in, std::ostream& out, bool interactive)
+      : overwrite_(overwrite), in_(in), out_(out), interactive_(interactive) {}
+
+  MessageAnswer Show(const std::u16string& prompt, MessageButtons buttons,
+                     const std::optional<std::u16string>& title) override;
+
+ private:
+  MessageAnswer answer(const std::string& question);
+
+  Overwrite overwrite_;
+  std::istream& in_;
+  std::ostream& out_;
+  bool interactive_;
+};
+
+}  // namespace trvtrout::platform

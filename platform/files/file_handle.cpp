@@ -1,0 +1,165 @@
+#include "platform/files/file_handle.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <iterator>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+
+#include "reports/host_services.h"
+
+namespace trvtrout::platform {
+namespace {
+
+struct ErrorRow {
+  int error;
+  int number;
+  const char* reason;  // null: the machine's own words
+};
+
+constexpr ErrorRow kErrors[] = {
+    {ENOENT, 53, "there is no such file"},
+    {ENOTDIR, 76, "its folder doesn't exist"},
+    {EAGAIN, kErrorFileHeld, "it's held by another program"},
+    {EACCES, kErrorFileHeld, nullptr},
+    {EPERM, kErrorFileHeld, nullptr},
+    {EROFS, kErrorFileHeld, nullptr},
+    {ETXTBSY, kErrorFileHeld, "it's a program that is running"},
+    {EBUSY, kErrorFileHeld, nullptr},
+    {EISDIR, 58, "a folder has that name"},
+    {EEXIST, 58, "a file of that name exists"},
+    {ENXIO, 75, "it's a folder, a pipe or a device"},
+    {ENOSPC, 61, "the disk is full"},
+    {EDQUOT, 61, "the disk quota is used up"},
+    {EFBIG, 61, "the file would be larger than is allowed"},
+    {EMFILE, 67, nullptr},
+    {ENFILE, 67, nullptr},
+    {ENAMETOOLONG, 52, nullptr},
+    {EILSEQ, 52, "it can't be the name of a file"},
+};
+constexpr int kOtherError = 57;
+
+bool parent_exists(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  const std::string parent = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+  struct stat status {};
+  return stat(parent.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+}
+
+// O_NONBLOCK: opening a pipe must not wait for the other end.
+int open_once(const std::string& path, int flags) {
+  for (;;) {
+    const int descriptor = open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666);
+    if (descriptor >= 0 || errno != EINTR) return descriptor;
+  }
+}
+
+int open_descriptor(const std::string& path, Access access, Creation creation) {
+  const int flags = access == Access::kRead ? O_RDONLY : O_WRONLY;
+  if (creation == Creation::kOnlyNew) return open_once(path, flags | O_CREAT | O_EXCL);
+  // Creating only in a second step: with O_CREAT the system refuses another user's file in a shared sticky folder
+  // even to those who may open it.
+  const int descriptor = open_once(path, flags);
+  if (descriptor >= 0 || errno != ENOENT || creation == Creation::kNever) return descriptor;
+  return open_once(path, flags | O_CREAT);
+}
+
+int regular_file_error(int descriptor) {
+  struct stat status {};
+  if (fstat(descriptor, &status) != 0) return errno;
+  return S_ISREG(status.st_mode) ? 0 : ENXIO;
+}
+
+int lock_error() {
+  const bool held = errno == EAGAIN || errno == EACCES;
+  const bool no_locks_here = errno == ENOLCK || errno == EOPNOTSUPP || errno == EINVAL;
+  return held ? EAGAIN : no_locks_here ? 0 : errno;
+}
+
+// The two kinds of lock don't see each other, and programs use either.
+int lock(int descriptor, Access access) {
+  const bool reading = access == Access::kRead;
+  if (flock(descriptor, (reading ? LOCK_SH : LOCK_EX) | LOCK_NB) != 0) {
+    if (const int error = lock_error(); error != 0) return error;
+  }
+  struct flock whole_file {};
+  whole_file.l_type = reading ? F_RDLCK : F_WRLCK;
+  whole_file.l_whence = SEEK_SET;
+  return fcntl(descriptor, F_OFD_SETLK, &whole_file) == 0 ? 0 : lock_error();
+}
+
+}  // namespace
+
+void raise_file_error(int error, const std::string& path, const char* verb) {
+  if (error == ENOENT && !parent_exists(path)) error = ENOTDIR;
+  const auto* row = std::find_if(std::begin(kErrors), std::end(kErrors),
+                                 [error](const ErrorRow& candidate) { return candidate.error == error; });
+  const bool found = row != std::end(kErrors);
+  const std::string reason = found && row->reason ? row->reason : std::generic_category().message(error);
+  throw ServiceError(found ? row->number : kOtherError, std::string("can't ") + verb + " \"" + path + "\": " + reason);
+}
+
+FileHandle::FileHandle(std::string path, const char* verb, Access access, Creation creation)
+    : path_(std::move(path)), verb_(verb) {
+  if (path_.find('\0') != std::string::npos) raise(EILSEQ);
+  descriptor_ = open_descriptor(path_, access, creation);
+  if (descriptor_ < 0) raise(errno);
+  int error = regular_file_error(descriptor_);
+  if (error == 0) error = lock(descriptor_, access);
+  if (error == 0) return;
+  close();
+  raise(error);
+}
+
+FileHandle::FileHandle(FileHandle&& other) noexcept
+    : path_(std::move(other.path_)), verb_(other.verb_), descriptor_(std::exchange(other.descriptor_, -1)) {}
+
+std::uint64_t FileHandle::size() const {
+  struct stat status {};
+  if (fstat(descriptor_, &status) != 0) raise(errno);
+  return static_cast<std::uint64_t>(status.st_size);
+}
+
+std::size_t FileHandle::read(std::span<unsigned char> into) const {
+  std::size_t filled = 0;
+  while (filled < into.size()) {
+    const ssize_t count = ::read(descriptor_, into.data() + filled, into.size() - filled);
+    if (count == 0) break;
+    if (count > 0) {
+      filled += static_cast<std::size_t>(count);
+    } else if (errno != EINTR) {
+      raise(errno);
+    }
+  }
+  return filled;
+}
+
+void FileHandle::truncate() const {
+  if (ftruncate(descriptor_, 0) != 0) raise(errno);
+}
+
+int FileHandle::write(std::string_view bytes) const noexcept {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(descriptor_, bytes.data(), bytes.size());
+    if (count >= 0) {
+      bytes.remove_prefix(static_cast<std::size_t>(count));
+    } else if (errno != EINTR) {
+      return errno;
+    }
+  }
+  return 0;
+}
+
+int FileHandle::close() noexcept {
+  const int descriptor = std::exchange(descriptor_, -1);
+  // An interrupted close has closed.
+  return descriptor < 0 || ::close(descriptor) == 0 || errno == EINTR ? 0 : errno;
+}
+
+void FileHandle::raise(int error) const { raise_file_error(error, path_, verb_); }
+
+}  // namespace trvtrout::platform

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <string_view>
+
+namespace trvtrout::platform {
+
+enum class Access { kRead, kWrite };
+enum class Creation { kNever, kIfMissing, kOnlyNew };
+
+// A regular file of the machine, locked against other programs while it is open. `verb` is what a message says
+// couldn't be done with the file.
+class FileHandle {
+ public:
+  // Changes nothing in a file that exists. Raises ServiceError.
+  FileHandle(std::string path, const char* verb, Access access, Creation creation);
+  ~FileHandle() { close(); }
+  FileHandle(FileHandle&& other) noexcept;
+  FileHandle(const FileHandle&) = delete;
+  FileHandle& operator=(const FileHandle&) = delete;
+
+  // Length in bytes. Raises ServiceError.
+  std::uint64_t size() const;
+  // Returns fewer bytes than asked only at the end of the file. Raises ServiceError.
+  std::size_t read(std::span<unsigned char> into) const;
+  // Raises ServiceError.
+  void truncate() const;
+  // The error number of the machine, 0 for none; after an error some of the bytes may have been written.
+  int write(std::string_view bytes) const noexcept;
+  // The error number of the machine, 0 for none; closing again does nothing.
+  int close() noexcept;
+
+  // Raises the ServiceError for an error number of the machine.
+  [[noreturn]] void raise(int error) const;
+
+ private:
+  std::string path_;
+  const char* verb_;
+  int descriptor_ = -1;
+};
+
+// Raises the ServiceError for an error number of the machine.
+[[noreturn]] void raise_file_error(int error, const std::string& path, const char* verb);
+
+}  // namespace trvtrout::platform

@@ -1,0 +1,21 @@
+#include "platform/files/path.h"
+
+#include <algorithm>
+
+#include "platform/text/utf8.h"
+
+namespace trvtrout::platform {
+
+std::string machine_path(const std::u16string& path) {
+  std::string bytes = to_utf8(path);
+  std::replace(bytes.begin(), bytes.end(), '\\', '/');
+  return bytes;
+}
+
+std::u16string class_path(std::string_view machine_path) {
+  std::u16string path = from_utf8(machine_path);
+  std::replace(path.begin(), path.end(), u'/', u'\\');
+  return path;
+}
+
+}  // namespace trvtrout::platform

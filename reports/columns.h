@@ -1,0 +1,220 @@
+#pragma once
+
+#include <array>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "reports/cells.h"
+#include "vtrfile/records/data_send.h"
+#include "vtrfile/records/language.h"
+#include "vtrfile/records/lists.h"
+#include "vtrfile/records/lookups.h"
+#include "vtrfile/records/module.h"
+#include "vtrfile/records/schema.h"
+#include "vtrfile/records/tables.h"
+#include "vtrfile/records/tree.h"
+
+// The columns of the reports, a table for each list: what stands over a column, and how its cell comes from an item.
+namespace trvtrout {
+
+template <class Item>
+struct Column {
+  std::string_view head;
+  void (*append)(std::string& row, const Item& item);
+};
+
+// The column of a member, or of what a lambda takes from the item.
+template <class Item, auto Member, Form form = Form::kAsStored>
+constexpr Column<Item> column(std::string_view head) {
+  return {head, [](std::string& row, const Item& item) { append_cell(row, std::invoke(Member, item), form); }};
+}
+
+// "Filter" of a field: the words of the flags that are set, then the cleaned text, each with a blank behind it.
+inline void append_filter(std::string& row, const vtrfile::FIELDS_ITEM_STRUCT& field) {
+  using Filter = vtrfile::FIELD_FILTER_STRUCT;
+  static constexpr struct {
+    vtrfile::Flag Filter::*flag;
+    std::string_view word;
+  } kWords[] = {{&Filter::FilterFlagY, "Y "},      {&Filter::FilterFlagYDL, "Y-DL "},
+                {&Filter::FilterFlagYSL, "Y-SL "}, {&Filter::FilterFlagCur, "Cur "},
+                {&Filter::FilterFlagSum, "Sum "},  {&Filter::FilterFlag999, "{999} "}};
+  for (const auto& [flag, word] : kWords) {
+    if (field.Filter.*flag) row += word;
+  }
+  append_text(row, field.Filter.FilterText.bytes(), Form::kCleanedThenBlank);
+}
+
+// One of the sixteen texts of a language item.
+template <std::size_t Place>
+constexpr Column<vtrfile::LANGUAGE_ITEM_STRUCT> language(std::string_view head) {
+  return column<vtrfile::LANGUAGE_ITEM_STRUCT, [](const auto& item) { return item.Texts[Place]; }>(head);
+}
+
+// The product's values, one under the other, each behind its label.
+inline constexpr auto kProductLabels = [] {
+  using P = vtrfile::PRODUCT_STRUCT;
+  return std::array{
+      column<P, &P::Code>("Code:"),
+      column<P, &P::Description>("Description:"),
+      column<P, &P::SerialIndex>("SerialIndex:"),
+      column<P, &P::Version>("Version:"),
+      column<P, &P::Database>("Database:"),
+      column<P, &P::SQLInitialize, Form::kCleaned>("SQLInitialize:"),
+      column<P, &P::SQLControlTags, Form::kCleaned>("SQLControlTags:"),
+      column<P, &P::SQLTermination, Form::kCleaned>("SQLTermination:"),
+      column<P, &P::SQLUserList, Form::kCleaned>("SQLUserList:"),
+  };
+}();
+
+inline constexpr auto kIncludeFileColumns = [] {
+  using I = vtrfile::INCLUDEFILE_ITEM_STRUCT;
+  return std::array{column<I, &I::FileName>("FileName:")};
+}();
+
+inline constexpr auto kModuleColumns = [] {
+  using I = vtrfile::MODULE_ITEM_STRUCT;
+  return std::array{
+      column<I, &I::Id>("Id:"),
+      column<I, &I::Description>("Description"),
+      column<I, &I::ControlTag>("ControlTag"),
+      column<I, &I::ProductIDScipt, Form::kCleaned>("ProductIDScipt"),
+      column<I, &I::Password>("Password"),
+      column<I, &I::Attributes>("Attributes"),
+      column<I, &I::GlobalAttributes>("GlobalAttributes"),
+  };
+}();
+
+inline constexpr auto kTableColumns = [] {
+  using I = vtrfile::TABLES_ITEM_STRUCT;
+  return std::array{
+      column<I, &I::Tid>("Tid"),
+      column<I, &I::Attribute>("Attribute"),
+      column<I, &I::Name, Form::kCleaned>("Name"),
+      column<I, &I::UserCode>("UserCode"),
+      column<I, &I::InternalCode, Form::kCleaned>("InternalCode"),
+      column<I, &I::RootWHERE, Form::kCleaned>("RootWHERE"),
+      column<I, &I::WHERE, Form::kCleaned>("WHERE"),
+      column<I, &I::JoinClause, Form::kCleaned>("JoinClause"),
+      column<I, [](const I& table) { return table.Fields.Current; }>("Current"),
+      column<I, [](const I& table) { return table.Fields.Count; }>("Count"),
+      column<I, [](const I& table) { return table.Fields.Max; }>("Max"),
+  };
+}();
+
+// Behind "Tid", which is the table's.
+inline constexpr auto kFieldColumns = [] {
+  using I = vtrfile::FIELDS_ITEM_STRUCT;
+  return std::array{
+      column<I, &I::Fid>("Fid"),
+      column<I, &I::Attribute>("Attribute"),
+      column<I, &I::InternalCode>("InternalCode"),
+      column<I, &I::SQLField, Form::kCleaned>("SQLField"),
+      column<I, &I::Description, Form::kCleaned>("Description"),
+      column<I, &I::vbVarType>("vbVarType"),
+      column<I, &I::Lenght>("Lenght"),
+      column<I, &I::SQLType>("SQLType"),
+      column<I, &I::Select>("Select"),
+      Column<I>{"Filter", append_filter},
+      column<I, &I::Lookups>("Lookups"),
+      column<I, &I::LookupsID>("LookupsID"),
+      column<I, &I::SQLJoinClause, Form::kCleaned>("SQLJoinClause"),
+  };
+}();
+
+inline constexpr auto kLookupColumns = [] {
+  using I = vtrfile::LOOKUPS_ITEM_STRUCT;
+  return std::array{
+      column<I, &I::Id>("Id"),
+      column<I, &I::Code>("Code"),
+      column<I, &I::Description, Form::kCleaned>("Description"),
+      column<I, &I::Type>("Type"),
+  };
+}();
+
+inline constexpr auto kTreeColumns = [] {
+  using I = vtrfile::TREE_HIERARCHY_ITEM_STRUCT;
+  return std::array{
+      column<I, &I::Description, Form::kCleanedThenBlank>("Description"),
+      column<I, &I::Level>("Level"),
+      column<I, &I::Control>("Control"),
+      column<I, &I::Tid>("Tid"),
+      column<I, &I::TableInternalCode>("TableInternalCode"),
+      column<I, &I::Filter, Form::kWithoutCommas>("Filter"),
+      column<I, &I::ParentCodePath>("ParentCodePath"),
+      column<I, &I::CodePath>("CodePath"),
+  };
+}();
+
+inline constexpr auto kControlTagColumns = [] {
+  using I = vtrfile::CONTROLTAG_ITEM_STRUCT;
+  return std::array{
+      column<I, &I::ControlTag, Form::kCleaned>("ControlTag"),
+      column<I, &I::Tagvalue, Form::kCleaned>("Tagvalue"),
+  };
+}();
+
+inline constexpr auto kLanguageColumns = [] {
+  using I = vtrfile::LANGUAGE_ITEM_STRUCT;
+  return std::array{
+      column<I, &I::Code>("Code"),
+      column<I, &I::Category>("Category"),
+      column<I, &I::GlobalAttribute>("GlobalAttribute"),
+      language<0>("English"),
+      language<1>("Japanese"),
+      language<2>("Spanish"),
+      language<3>("German"),
+      language<4>("French"),
+      language<5>("Italian"),
+      language<6>("Chinese S"),
+      language<7>("Chinese T"),
+      language<8>("Korean"),
+      language<9>("Indonesian"),
+      language<10>("Greek"),
+      language<11>("Portuguese"),
+      language<12>("Other 1"),
+      language<13>("Other 2"),
+      language<14>("Other 3"),
+      language<15>("Other 4"),
+  };
+}();
+
+// Behind "Header", which is the definition's place in the list.
+inline constexpr auto kDefinitionColumns = [] {
+  using I = vtrfile::DATASEND_ITEM_STRUCT;
+  return std::array{
+      column<I, [](const I& item) { return item.Header.TypeCategory; }>("TypeCategory"),
+      column<I, [](const I& item) { return item.Header.Version; }>("Version"),
+      column<I, [](const I& item) { return item.Header.StructureName; }>("StructureName"),
+      column<I, &I::Count>("Count"),
+  };
+}();
+
+// Behind "Header", which is the place of the node's definition.
+inline constexpr auto kNodeColumns = [] {
+  using I = vtrfile::DATASEND_NODE_STRUCT;
+  return std::array{
+      column<I, &I::Index>("Index"),
+      column<I, &I::ParentIndex>("Parent Index"),
+      column<I, &I::LanguageKey>("LanguageKey"),
+      column<I, &I::Description>("Description"),
+      column<I, &I::XMLTag>("XMLTag"),
+      column<I, &I::DefaultValue>("DefaultValue"),
+      column<I, &I::MinOccur>("MinOccur"),
+      column<I, &I::MaxOccur>("MaxOccur"),
+      column<I, &I::DataType>("DataType"),
+      column<I, &I::MaxLength>("MaxLength"),
+      column<I, &I::Precision>("Precision"),
+      column<I, &I::OutputFormat>("OutputFormat"),
+      column<I, &I::VitrionCodePathFixedlookup>("VitrionCodePathFixedlookup"),
+      column<I, &I::VitrionTableFixedLookup>("VitrionTableFixedLookup"),
+      column<I, &I::VitrionCodePathLookup>("VitrionCodePathLookup"),
+      column<I, &I::VitrionTableLookup>("VitrionTableLookup"),
+      column<I, &I::Visible>("Visible"),
+      column<I, &I::IsHeaderOnly>("IsHeaderOnly"),
+      column<I, &I::IsDriver>("IsDriver"),
+      column<I, &I::IsKey>("IsKey"),
+  };
+}();
+
+}  // namespace trvtrout

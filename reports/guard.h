@@ -1,0 +1,30 @@
+#pragma once
+
+#include <exception>
+#include <string>
+#include <utility>
+
+#include "reports/host_services.h"
+
+namespace trvtrout {
+
+// Why an operation failed.
+struct Failure {
+  int number = 0;    // 0 for an error that bears none
+  std::string what;  // for people
+};
+
+// The failure path of an operation: returns body(), or failed(Failure) when it raises. What the body opened is closed
+// and released by then.
+template <class Body, class Failed>
+auto guarded(Body&& body, Failed&& failed) -> decltype(body()) {
+  try {
+    return std::forward<Body>(body)();
+  } catch (const ServiceError& error) {
+    return std::forward<Failed>(failed)(Failure{error.number(), error.what()});
+  } catch (const std::exception& error) {
+    return std::forward<Failed>(failed)(Failure{0, error.what()});
+  }
+}
+
+}  // namespace trvtrout

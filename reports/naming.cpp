@@ -1,0 +1,98 @@
+#include "reports/naming.h"
+
+#include <algorithm>
+#include <stdexcept>
+#include <string_view>
+
+#include "reports/guard.h"
+
+namespace trvtrout {
+namespace {
+
+constexpr std::u16string_view kReportExtension = u".CSV";
+
+struct SourcePath {
+  std::u16string directory;  // with its last backslash
+  std::u16string file_name;
+  std::u16string base_name;
+};
+
+SourcePath split(const std::u16string& fname) {
+  const std::size_t name_at = fname.rfind(u'\\') + 1;  // 0 without a backslash: npos + 1
+  SourcePath source{fname.substr(0, name_at), fname.substr(name_at), {}};
+  const std::size_t stop = source.file_name.find(u'.');
+  if (stop == std::u16string::npos) throw std::invalid_argument("the name of the file has no extension");
+  source.base_name = source.file_name.substr(0, stop);
+  return source;
+}
+
+std::u16string stamp(Locale& locale) {
+  std::u16string text = locale.StampDate(locale.Now());
+  std::ranges::replace(text, u':', u'-');
+  return text;
+}
+
+// Puts the question about an existing file and goes by its answer.
+OutputName settle(const HostServices& services, FileSystemObject& file_system, const SourcePath& source,
+                  const std::u16string& path, std::u16string_view extension) {
+  OutputName name{path, source.base_name};
+  if (!file_system.FileExists(path)) return name;
+  const MessageAnswer answer = services.message_box.Show(
+      u"File " + path + u" already exists. Do you want to overwite it?", MessageButtons::kYesNoCancel, std::nullopt);
+  if (answer == MessageAnswer::kCancel) name.abandoned = true;
+  if (answer == MessageAnswer::kNo) {
+    const std::u16string pattern = u"*" + std::u16string(extension);
+    services.save_dialog.SetFilter(u"All Files (*.*)|*.*|VTR Files (" + pattern + u")|" + pattern);
+    services.save_dialog.SetFilterIndex(2);
+    services.save_dialog.SetText(source.file_name);
+    services.save_dialog.ShowSave();
+    name.path = services.save_dialog.FileName();
+  }
+  return name;
+}
+
+std::u16string_view extension_of(std::u16string_view desc_name) {
+  if (desc_name == u"Statistics" || desc_name == u"Compared") return u".XLS";
+  if (desc_name == u"Recovered") return u".VTR";
+  if (desc_name == u"Log") return u".txt";
+  return {};
+}
+
+}  // namespace
+
+OutputName GetReportFileName(const HostServices& services, const std::u16string& fname, const std::u16string& desc_name,
+                             bool is_temp) {
+  return guarded(
+      [&] {
+        const std::u16string moment = stamp(services.locale);
+        const auto file_system = services.files.CreateFileSystemObject();
+        const SourcePath source = split(fname);
+        const std::u16string name = is_temp ? u"~tmp" + source.base_name + u"_" + desc_name
+                                            : source.base_name + u"_" + desc_name + u"_" + moment;
+        const std::u16string path = source.directory + name + std::u16string(kReportExtension);
+        return settle(services, *file_system, source, path, kReportExtension);
+      },
+      [](const Failure&) { return OutputName(); });
+}
+
+OutputName GetOutputFileName(const HostServices& services, const std::u16string& fname,
+                             const std::u16string& desc_name) {
+  std::u16string base_name;
+  return guarded(
+      [&] {
+        const std::u16string moment = stamp(services.locale);
+        const auto file_system = services.files.CreateFileSystemObject();
+        const SourcePath source = split(fname);
+        base_name = source.base_name;
+        const std::u16string_view extension = extension_of(desc_name);
+        if (extension.empty()) return OutputName{{}, base_name};
+        const std::u16string path =
+            source.directory + source.base_name + u"_" + desc_name + u"_" + moment + std::u16string(extension);
+        return settle(services, *file_system, source, path, extension);
+      },
+      [&](const Failure&) {
+        return OutputName{{}, base_name};
+      });
+}
+
+}  // namespace trvtrout

@@ -1,0 +1,60 @@
+#include "reports/detail_reports.h"
+
+namespace trvtrout {
+namespace {
+
+using namespace vtrfile;
+
+constexpr auto kTableNumbers = std::array{
+    column<TABLES_STRUCT, &TABLES_STRUCT::Current>("Current:"),
+    column<TABLES_STRUCT, &TABLES_STRUCT::Count>("Count:"),
+    column<TABLES_STRUCT, &TABLES_STRUCT::Max>("Max:"),
+};
+constexpr ListBlock<TABLES_STRUCT, TABLES_ITEM_STRUCT> kTables{
+    .title = "TABLES STRUCTURE",
+    .numbers = kTableNumbers,
+    .uncounted = "Error",
+    .item_title = ",TABLES ITEM STRUCTURE,,,,,,,,,FIELDS STRUCTURE",
+    .columns = kTableColumns,
+};
+
+constexpr auto kLookupNumbers = std::array{
+    column<LOOKUPS_STRUCT, &LOOKUPS_STRUCT::Current>("Current:"),
+    column<LOOKUPS_STRUCT, &LOOKUPS_STRUCT::Count>("Count:"),
+    column<LOOKUPS_STRUCT, &LOOKUPS_STRUCT::Max>("Max:"),
+};
+constexpr ListBlock<LOOKUPS_STRUCT, LOOKUPS_ITEM_STRUCT> kLookups{
+    .title = "LOOKUPS STRUCTURE",
+    .numbers = kLookupNumbers,
+    .uncounted = "",
+    .item_title = ",LOOKUPS ITEM STRUCTURE",
+    .columns = kLookupColumns,
+};
+
+// One flat list of the fields of all tables.
+void write_fields(ReportWriter& out, const DocumentSlots& document) {
+  const TABLES_STRUCT& tables = document.Schema->Tables;
+  const std::span<const Column<FIELDS_ITEM_STRUCT>> columns = kFieldColumns;
+  out.counted(recount_fields(tables));
+  out.line("FIELDS ITEM STRUCTURE");
+  out.heads(",Tid,", columns);
+  for_each_item(tables.Items, tables.Count, [&](const TABLES_ITEM_STRUCT& table, std::int32_t) {
+    const std::string lead = "," + std::string(table.Tid.bytes()) + ",";
+    for_each_item(table.Fields.Items, table.Fields.Count,
+                  [&](const FIELDS_ITEM_STRUCT& field, std::int32_t) { out.item(lead, columns, field, ","); });
+  });
+}
+
+}  // namespace
+
+const DetailReport kTableReport{u"Table", [](ReportWriter& out, const DocumentSlots& document) {
+                                  write_list(out, kTables, document.Schema->Tables);
+                                }};
+
+const DetailReport kFieldReport{u"Field", write_fields};
+
+const DetailReport kLookupReport{u"Lookup", [](ReportWriter& out, const DocumentSlots& document) {
+                                   write_list(out, kLookups, document.Schema->Lookups);
+                                 }};
+
+}  // namespace trvtrout

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "reports/host_services.h"
+#include "vtrfile/elements.h"
+
+namespace trvtrout {
+
+// The heads of the four script columns of a definition.
+inline constexpr std::string_view kScriptHeads =
+    ",VBS Definition Load,VBS Post Execution,VBS Name in Run Script Dialog,VBS Include file";
+
+// The script texts of a definition as cells: the elements 0 to 3 of `vbs_info` joined by commas; four commas, one cell
+// more, for Empty. Raises SubscriptOutOfRange for anything else.
+std::string script_text(vtrfile::Var vbs_info, Locale& locale);
+
+}  // namespace trvtrout

@@ -1,0 +1,184 @@
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <sstream>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "tests/fakes/temporary_folder.h"
+#include "tests/support.h"
+
+// The command, as a person runs it: real files in an empty folder, output through pipes.
+namespace trvtrout::tests {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Outcome {
+  int status;
+  std::string out, err;
+};
+
+class Command : public testing::Test {
+ protected:
+  void put(const std::string& name, const std::string& bytes) {
+    std::ofstream(folder_ / name, std::ios::binary) << bytes;
+  }
+
+  // Runs `vtrout ARGUMENTS` in the folder, by a shell.
+  Outcome vtrout(const std::string& arguments) {
+    const std::string command = "cd '" + folder_.string() + "' && '" VTROUT "' " + arguments + " >../" +
+                                out_.filename().string() + " 2>../" + err_.filename().string() + " </dev/null";
+    const int status = std::system(command.c_str());
+    return {WEXITSTATUS(status), file_bytes(out_.string()), file_bytes(err_.string())};
+  }
+
+  static std::vector<std::string> lines(const std::string& text) {
+    std::vector<std::string> all;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line);) all.push_back(line);
+    return all;
+  }
+
+  fakes::TemporaryFolder temporary_;
+  fs::path folder_ = fs::path(temporary_.at("work"));
+  fs::path out_ = temporary_.at("out");
+  fs::path err_ = temporary_.at("err");
+  bool made_ = fs::create_directory(folder_);
+};
+
+TEST_F(Command, ReportsEverySampleAsApproved) {
+  for (const std::string& name : sample_names()) {
+    const fs::path expected = fs::path(SAMPLES) / "expected" / name;
+    if (!fs::exists(expected / "report-product.csv")) continue;
+    const std::string bytes = sample(name);
+    put("s.vtr", bytes);
+    const Outcome run = vtrout("report s.vtr --temporary --yes");
+    bool fails = false;
+    for (const auto& [part, file] : std::map<std::string, std::string>{{"product", "Product"},
+                                                                       {"table", "Table"},
+                                                                       {"field", "Field"},
+                                                                       {"tree", "Tree"},
+                                                                       {"lookup", "Lookup"},
+                                                                       {"ctrltag", "CtrlTag"},
+                                                                       {"lang", "Lang"},
+                                                                       {"dsend", "DSend"}}) {
+      std::string wanted = file_bytes((expected / ("report-" + part + ".csv")).string());
+      std::string written = file_bytes((folder_ / ("~tmps_" + file + ".CSV")).string());
+      wanted = std::regex_replace(wanted, std::regex("@FNAME@"), "s.vtr");
+      written = std::regex_replace(written, std::regex("created:,[0-9/]+( [0-9:]+ [AP]M)?\r"), "created:,@DATE@\r");
+      EXPECT_EQ(written, wanted) << name << " " << part;
+      const bool part_fails = fs::exists(expected / ("report-" + part + ".result"));
+      EXPECT_EQ(run.out.find("~tmps_" + file + ".CSV\n") == std::string::npos, part_fails) << name << " " << part;
+      EXPECT_EQ(run.err.find("no whole report on " + part) != std::string::npos, part_fails) << name << " " << part;
+      fails = fails || part_fails;
+    }
+    const bool damaged = file_bytes((expected / "read.txt").string()).starts_with("result: False");
+    EXPECT_EQ(run.status, fails ? 2 : damaged ? 1 : 0) << name << run.err;
+    EXPECT_EQ(file_bytes((folder_ / "s.vtr").string()), bytes);
+  }
+}
+
+TEST_F(Command, NamesTheReportsItWrites) {
+  put("Pl\xC3\xA4nt one.vtr", sample("plant.vtr"));
+  const Outcome run = vtrout("report 'Pl\xC3\xA4nt one.vtr' --part tree --part product --part tree");
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(run.err, "") << "no progress in a pipe";
+  const auto paths = lines(run.out);
+  ASSERT_EQ(paths.size(), 2U);
+  EXPECT_TRUE(std::regex_match(
+      paths[0], std::regex("Pl\xC3\xA4nt one_Product_[0-9]{1,2}-[A-Z][a-z]{2}-[0-9]{2} [0-9]{2}-[0-9]{2} [AP]M.CSV")))
+      << paths[0];
+  for (const auto& path : paths) EXPECT_TRUE(fs::exists(folder_ / path));
+}
+
+TEST_F(Command, OverwritesOnlyWhenTold) {
+  put("p.vtr", sample("plant.vtr"));
+  put("~tmpp_Tree.CSV", "mine");
+  for (const char* how : {"", " --no-clobber"}) {
+    const Outcome run = vtrout(std::string("report p.vtr --temporary --part tree") + how);
+    EXPECT_EQ(run.status, 2);
+    EXPECT_EQ(run.out, "");
+    EXPECT_NE(run.err.find("~tmpp_Tree.CSV"), std::string::npos);
+    EXPECT_EQ(file_bytes((folder_ / "~tmpp_Tree.CSV").string()), "mine");
+  }
+  EXPECT_EQ(vtrout("report p.vtr --temporary --part tree --yes").status, 0);
+  EXPECT_NE(file_bytes((folder_ / "~tmpp_Tree.CSV").string()), "mine");
+}
+
+TEST_F(Command, InfoTellsPeopleAndPrograms) {
+  put("p.vtr", sample("plant.vtr"));
+  const Outcome people = vtrout("info p.vtr");
+  EXPECT_EQ(people.status, 0);
+  EXPECT_NE(people.out.find("01.02.00"), std::string::npos);
+  EXPECT_NE(people.out.find("6/2/2004 9:05:00 AM"), std::string::npos);
+  EXPECT_TRUE(std::regex_search(people.out, std::regex("Tables +6 +6 +10 +6  OK\n"))) << people.out;
+  EXPECT_TRUE(std::regex_search(people.out, std::regex("Language texts +12 +- +- +12  OK\n"))) << people.out;
+
+  const auto whole = nlohmann::json::parse(vtrout("info --json p.vtr").out);
+  EXPECT_EQ(whole["result"], true);
+  EXPECT_TRUE(whole["structureList"].is_null());
+  EXPECT_EQ(whole["product"]["code"], "PLANT");
+  EXPECT_EQ(whole["lists"]["tables"],
+            nlohmann::json::parse(R"({"count": 6, "current": 6, "max": 10, "recounted": 6, "result": "OK"})"));
+}
+
+TEST_F(Command, InfoOnADamagedFileShowsTheListsAndWhere) {
+  put("d.vtr", sample("damaged/bad-variant-in-hidden.vtr"));
+  const Outcome people = vtrout("info d.vtr");
+  EXPECT_EQ(people.status, 1);
+  EXPECT_NE(people.out.find("List of the structures that were sucessfuly read: \nHEADER_STRUCT\n"), std::string::npos);
+  ASSERT_EQ(lines(people.err).size(), 1U);
+  EXPECT_TRUE(std::regex_search(people.err, std::regex("d.vtr: damaged at byte [0-9]+, Hidden/"))) << people.err;
+
+  const Outcome programs = vtrout("info d.vtr --json");
+  EXPECT_EQ(programs.status, 1);
+  const auto account = nlohmann::json::parse(programs.out);
+  EXPECT_EQ(account["result"], false);
+  const std::string expected = file_bytes(SAMPLES "/expected/damaged/bad-variant-in-hidden.vtr/read.txt");
+  EXPECT_EQ("result: False\r\nStructureList:\r\n" + account["structureList"].get<std::string>() + "\r\n", expected);
+  EXPECT_EQ(account["damage"]["path"].get<std::string>().substr(0, 7), "Hidden/");
+}
+
+TEST_F(Command, TroubleIsOneLineAndExitStatusTwo) {
+  put("new.vtr", sample("odd/version-01.02.01.vtr"));
+  put("empty.vtr", "");
+  put("noextension", sample("plant.vtr"));
+  fs::create_directory(folder_ / "folder.vtr");
+  for (const char* command : {"info new.vtr", "info missing.vtr", "info nowhere/missing.vtr", "info folder.vtr",
+                              "info empty.vtr", "info new.vtr --json", "report missing.vtr", "report noextension",
+                              "report new.vtr", "report p.vtr --part nothing", "info /dev/null"}) {
+    const Outcome run = vtrout(command);
+    EXPECT_EQ(run.status, 2) << command;
+    EXPECT_EQ(run.out, "") << command;
+    EXPECT_GE(lines(run.err).size(), 1U) << command;
+    EXPECT_LE(lines(run.err).size(), std::string(command).find("--part") != std::string::npos ? 2U : 1U) << run.err;
+  }
+  EXPECT_FALSE(fs::exists(folder_ / "missing.vtr")) << "no file is created";
+  EXPECT_EQ(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()), 4);
+}
+
+TEST_F(Command, HelpOpensWithExamples) {
+  const Outcome help = vtrout("--help");
+  EXPECT_EQ(help.status, 0);
+  EXPECT_TRUE(help.out.starts_with("Examples:\n  vtrout ")) << help.out;
+  EXPECT_EQ(vtrout("--version").out.substr(0, 7), "vtrout ");
+  EXPECT_EQ(vtrout("").status, 2);
+}
+
+TEST_F(Command, AFullDiskIsToldAndTheOtherReportsAreStillWritten) {
+  put("p.vtr", sample("plant.vtr"));
+  // A limit on the size of files that only the largest report exceeds; a shell counts it in blocks of 512 bytes.
+  const Outcome run = vtrout("--version; ulimit -f 4; '" VTROUT "' report p.vtr --temporary");
+  EXPECT_EQ(run.status, 2);
+  EXPECT_NE(run.err.find("no whole report on field"), std::string::npos) << run.err;
+  EXPECT_NE(run.out.find("~tmpp_DSend.CSV"), std::string::npos);
+}
+
+}  // namespace
+}  // namespace trvtrout::tests

@@ -1,0 +1,90 @@
+#include <algorithm>
+#include <gtest/gtest.h>
+
+#include "tests/support.h"
+#include "vtrfile/recount.h"
+
+// Damages every sample in every way that is cheap to name, and counts what survives.
+namespace trvtrout::tests {
+namespace {
+
+using namespace vtrfile;
+
+// What a damaged reading still has to deliver, taken from the whole file.
+void expect_sections_before(const Reading& reading, const std::string& whole, const std::vector<SectionPlace>& places,
+                            std::size_t damage_at, const std::string& what) {
+  for (const SectionPlace& place : places) {
+    if (place.end > damage_at) break;
+    const bool again = std::ranges::count(places, place.tag, &SectionPlace::tag) > 1;
+    if (!again) {
+      ASSERT_TRUE(section_bytes(reading, place.tag) == whole.substr(place.begin, place.end - place.begin))
+          << place.tag << ": " << what;
+    }
+  }
+}
+
+// The items of a list in front of the cut are those of the whole file.
+template <class Item, class Key>
+void expect_items_before(const Array<Item>& items, const Array<Item>& whole, std::string_view image, std::size_t cut,
+                         Key key) {
+  for (std::int64_t index = 1; index < whole.size(); ++index) {
+    const std::string next = std::string(key(whole.at(index + 1)).bytes());
+    const std::size_t next_at = image.find(next);
+    if (next.empty() || next_at == std::string_view::npos || next_at > cut) break;
+    ASSERT_EQ(key(items.at(index)).bytes(), key(whole.at(index)).bytes()) << "cut at " << cut;
+  }
+}
+
+TEST(Damage, AFileCutAnywhereDeliversWhatWasWhole) {
+  for (const std::string& name : sample_names()) {
+    const std::string whole = sample(name);
+    const auto places = section_places(whole);
+    Reading intact;
+    intact.read(whole);
+    if (!intact.complete && !intact.damage) continue;  // an unsupported version
+    for (std::size_t cut = 0; cut < whole.size(); ++cut) {
+      Reading reading;
+      reading.read(std::string_view(whole).substr(0, cut));
+      // A file whose last tag has lost what stands behind its name is still complete.
+      const bool has_end_tag = intact.complete && cut + 6 >= whole.size();
+      ASSERT_EQ(reading.complete, has_end_tag) << name << " cut at " << cut;
+      const bool at_border =
+          std::ranges::any_of(places, [&](const SectionPlace& p) { return cut == p.end || cut == p.begin + 1; });
+      if (at_border) expect_sections_before(reading, whole, places, cut, name + " cut at " + std::to_string(cut));
+      if (cut % 16 == 0 && !places.empty() && places[0].tag == "Schema" && intact.complete) {
+        const auto tid = [](const TABLES_ITEM_STRUCT& table) { return table.Tid; };
+        if (cut > places[0].begin) {
+          expect_items_before(reading.current.Schema->Tables.Items, intact.current.Schema->Tables.Items, whole, cut,
+                              tid);
+        }
+      }
+    }
+  }
+}
+
+TEST(Damage, AFlippedBitEndsInAResultAndSparesTheSectionsBefore) {
+  for (const char* name : {"odd/header-and-eof.vtr", "damaged/no-eof.vtr", "dense-next.vtr"}) {
+    const std::string whole = sample(name);
+    const auto places = section_places(whole);
+    // Every bit of the smallest file, and of the others one bit of each byte, a different one from byte to byte.
+    const std::size_t step = whole.size() < 1000 ? 1 : 8;
+    std::string flipped = whole;
+    for (std::size_t bit = 0; bit < 8 * whole.size(); bit += step) {
+      const std::size_t at = step == 1 ? bit / 8 : bit / 8;
+      const auto mask = static_cast<char>(1 << (step == 1 ? bit % 8 : (bit / 8) % 8));
+      flipped[at] = static_cast<char>(flipped[at] ^ mask);
+      Reading reading;
+      reading.read(flipped);
+      if (reading.complete || reading.damage) {
+        const auto in_section = std::ranges::find_if(places, [&](const SectionPlace& p) { return at < p.end; });
+        const bool at_first_byte = in_section != places.end() && at == in_section->begin;
+        if (at_first_byte) expect_sections_before(reading, whole, places, at, name);
+      }
+      recount_fields(reading.current.Schema->Tables);
+      flipped[at] = whole[at];
+    }
+  }
+}
+
+}  // namespace
+}  // namespace trvtrout::tests

@@ -1,0 +1,96 @@
+#include <atomic>
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <malloc.h>
+#include <new>
+
+#include "tests/support.h"
+#include "vtrfile/recount.h"
+
+// What reading takes at its peak, by every byte that operator new hands out.
+namespace {
+std::atomic<std::size_t> g_now = 0;
+std::atomic<std::size_t> g_peak = 0;
+}  // namespace
+
+void* operator new(std::size_t size) {
+  void* const memory = std::malloc(size > 0 ? size : 1);
+  if (!memory) throw std::bad_alloc();
+  const std::size_t now = g_now += malloc_usable_size(memory);
+  std::size_t peak = g_peak;
+  while (now > peak && !g_peak.compare_exchange_weak(peak, now)) {
+  }
+  return memory;
+}
+void operator delete(void* memory) noexcept {
+  g_now -= memory ? malloc_usable_size(memory) : 0;
+  std::free(memory);
+}
+void operator delete(void* memory, std::size_t) noexcept { operator delete(memory); }
+
+namespace trvtrout::tests {
+namespace {
+
+using namespace vtrfile;
+using namespace std::string_literals;
+
+std::size_t peak_of_reading(const std::string& bytes) {
+  const std::size_t before = g_now;
+  g_peak = before;
+  Reading reading;
+  reading.read(bytes);
+  recount_fields(reading.current.Schema->Tables);
+  return g_peak - before;
+}
+
+std::string repeated(const std::string& unit, std::size_t times) {
+  std::string all;
+  all.reserve(unit.size() * times);
+  for (std::size_t n = 0; n < times; ++n) all += unit;
+  return all;
+}
+
+std::string list(std::uint32_t count) {
+  std::string descriptor = "\x01\0....\x01\0\0\0"s;
+  std::memcpy(descriptor.data() + 2, &count, 4);
+  return descriptor;
+}
+
+TEST(Memory, StaysInProportionForHostileFiles) {
+  constexpr std::uint32_t kAll = 0xFFFFFFFF;
+  // An empty schema ends in the numbers and unallocated arrays of tables and lookups, three texts, four bytes, 20
+  // slots.
+  const std::size_t kProductBytes = bytes_of(SCHEMA_STRUCT{}).size() - (6 + 2 + 12 + 2 + 6 + 4 + 40);
+  const std::string numbers = "\x01\0\x01\0\x01\0"s;
+  const std::string schema = FileBuilder().tag("Schema").bytes() + std::string(kProductBytes, '\0');
+  const std::vector<std::pair<const char*, std::string>> files = {
+      {"sixty-four bytes of four thousand million tables", schema + numbers + list(kAll)},
+      {"empty tables without end", schema + numbers + list(kAll) + std::string(1 << 20, '\0')},
+      {"tables in front of lists without end", schema + numbers + list(9000) + repeated(list(9000), 100'000)},
+      {"language texts without a byte",
+       FileBuilder().tag("Language").bytes() + "\0\0\0\0"s + list(60'000) + std::string(60'000 * 40, '\0')},
+      {"variants in variants",
+       FileBuilder().tag("Module").bytes() + "\0\0\0\0\0\0"s + repeated("\x0C\x20\x01\0\x01\0\0\0\0\0\0\0"s, 100'000)},
+      {"definitions, nodes and extras", FileBuilder().tag("TarvelDefinitionHeader").bytes() + std::string(38, '\0') +
+                                            "\xFF\x7F"s + list(kAll) + std::string(1 << 20, '\0')},
+      {"many sections", FileBuilder().tag("DSNList", 32'767).bytes() + std::string(1 << 20, '\0')},
+      {"bytes of an import file", FileBuilder().tag("IncludeFileNew").bytes() + "\x01\0"s + list(1) +
+                                      std::string(12, '\0') + list(kAll) + std::string(1 << 20, 'x')},
+      {"hidden lookups three deep", FileBuilder().tag("Hidden").bytes() + std::string(8, '\0') + "\0\0\0\0\0\0"s +
+                                        list(kAll) + repeated("\0\0\0\0\0\0\0\0\0\0\0\0\0\0"s + list(kAll), 50'000)},
+  };
+  for (const auto& [what, bytes] : files) {
+    EXPECT_LE(peak_of_reading(bytes), (std::size_t{64} << 20) + 40 * bytes.size()) << what;
+  }
+  EXPECT_LE(peak_of_reading(files[0].second), std::size_t{64} << 10) << "refused at once";
+}
+
+TEST(Memory, OfASampleIsAFewTimesItsSize) {
+  for (const std::string& name : sample_names()) {
+    const std::string bytes = sample(name);
+    EXPECT_LE(peak_of_reading(bytes), 12 * bytes.size() + (64 << 10)) << name;
+  }
+}
+
+}  // namespace
+}  // namespace trvtrout::tests

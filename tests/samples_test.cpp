@@ -1,0 +1,72 @@
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+
+#include "component/TarvelVtrOut_InOut.h"
+#include "tests/fakes/fake_services.h"
+#include "tests/support.h"
+
+// What every operation makes of the sample documents, byte for byte, beside the approved texts in samples/expected.
+namespace trvtrout::tests {
+namespace {
+
+using Operation = Boolean (TarvelVtrOut_InOut::*)(std::u16string&, std::u16string&, Boolean&);
+
+constexpr std::pair<const char*, Operation> kReports[] = {
+    {"product", &TarvelVtrOut_InOut::ASCII_Output_Product}, {"table", &TarvelVtrOut_InOut::ASCII_Output_Table},
+    {"tree", &TarvelVtrOut_InOut::ASCII_Output_Tree},       {"field", &TarvelVtrOut_InOut::ASCII_Output_Field},
+    {"lookup", &TarvelVtrOut_InOut::ASCII_Output_Lookup},   {"ctrltag", &TarvelVtrOut_InOut::ASCII_Output_CtrlTag},
+    {"lang", &TarvelVtrOut_InOut::ASCII_Output_Lang},       {"dsend", &TarvelVtrOut_InOut::ASCII_Output_DSend},
+};
+
+class Samples : public testing::TestWithParam<std::string> {
+ protected:
+  static std::string expected(const std::string& file) { return SAMPLES "/expected/" + GetParam() + "/" + file; }
+};
+
+void replace(std::string& text, const std::string& mark, const std::string& by) {
+  if (const std::size_t at = text.find(mark); at != std::string::npos) text.replace(at, mark.size(), by);
+}
+
+TEST_P(Samples, AreReadAndReported) {
+  fakes::Machine machine;
+  std::u16string fname = u"C:\\Data\\Sample.VTR";
+  machine.memory.files[fname] = sample(GetParam());
+  TarvelVtrOut_InOut utility(machine.services());
+
+  std::u16string list = u"unchanged";
+  Boolean secondary = False;
+  const Boolean result = utility.ReadVTR(fname, list, secondary);
+  std::string account = std::string("result: ") + (result ? "True" : "False") +
+                        "\r\nStructureList:" + (list == u"unchanged" ? " " : "\r\n") + platform::to_utf8(list) + "\r\n";
+  for (const auto& call : machine.message_box.calls) {
+    account += "message:\r\n" + platform::to_utf8(call.prompt) + "\r\n";
+    EXPECT_EQ(call.title, u"VTR Output Warning");
+  }
+  EXPECT_EQ(account, file_bytes(expected("read.txt")));
+  EXPECT_EQ(machine.memory.files[fname], sample(GetParam())) << "the input is never written";
+
+  for (const auto& [part, report] : kReports) {
+    const std::string path = expected(std::string("report-") + part + ".csv");
+    if (!std::filesystem::exists(path)) continue;
+    std::string wanted = file_bytes(path);
+    replace(wanted, "@FNAME@", "C:\\Data\\Sample.VTR");
+    replace(wanted, "@DATE@", "6/1/2004 2:11:05 PM");
+    std::u16string report_path;
+    Boolean temporary = True;
+    const Boolean written = (utility.*report)(fname, report_path, temporary);
+    EXPECT_EQ(machine.memory.files[report_path], wanted) << part;
+    const bool fails = std::filesystem::exists(expected(std::string("report-") + part + ".result"));
+    EXPECT_EQ(bool(written), !fails) << part;
+  }
+  EXPECT_EQ(machine.memory.open_objects(), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Samples, testing::ValuesIn(sample_names()), [](const auto& name) {
+  std::string id = name.param;
+  for (char& c : id) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';
+  return id;
+});
+
+}  // namespace
+}  // namespace trvtrout::tests

@@ -1,0 +1,166 @@
+#include "tests/support.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <map>
+#include <sstream>
+
+#include "vtrfile/record_reader.h"
+
+namespace trvtrout::tests {
+
+using namespace vtrfile;
+
+std::string file_bytes(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  EXPECT_TRUE(file) << path;
+  std::ostringstream bytes;
+  bytes << file.rdbuf();
+  return bytes.str();
+}
+
+const std::vector<std::string>& sample_names() {
+  static const std::vector<std::string> names = [] {
+    std::vector<std::string> found;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(SAMPLES)) {
+      const auto path = std::filesystem::relative(entry.path(), SAMPLES);
+      if (entry.is_regular_file() && path.extension() == ".vtr") found.push_back(path.string());
+    }
+    std::ranges::sort(found);
+    return found;
+  }();
+  return names;
+}
+
+std::string sample(const std::string& name) { return file_bytes(SAMPLES "/" + name); }
+
+std::shared_ptr<const Image> image_of(std::string_view bytes) {
+  return vtrfile::image_of({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()});
+}
+
+namespace {
+
+const unsigned char* keep(std::string bytes) {
+  static std::deque<std::string> kept;
+  return reinterpret_cast<const unsigned char*>(kept.emplace_back(std::move(bytes)).data());
+}
+
+std::string length_and(std::string_view bytes) {
+  return {static_cast<char>(bytes.size() & 0xFF), static_cast<char>(bytes.size() >> 8)};
+}
+
+}  // namespace
+
+Text text(std::string_view bytes) {
+  return bytes.empty() ? Text() : Text(keep(length_and(bytes) + std::string(bytes)));
+}
+
+Var var(std::string_view tag_and_body) { return Var(keep(std::string(tag_and_body))); }
+
+FileBuilder::FileBuilder(std::string_view version) {
+  HEADER_STRUCT header{};
+  header.Version = text(version);
+  record(header);
+}
+
+FileBuilder& FileBuilder::tag(std::string_view name, std::int16_t count) {
+  SECTION_TAG_STRUCT tag{};
+  tag.Tag = text(name);
+  tag.Count = count;
+  return record(tag);
+}
+
+void Reading::read(std::string_view bytes) {
+  DocumentReader reader(current, group, schema_old);
+  damage.reset();
+  complete = false;
+  try {
+    complete = reader.read(image_of(bytes));
+  } catch (const ReadError& error) {
+    damage = std::make_unique<ReadError>(error);
+  }
+  structure_list = reader.structure_list();
+}
+
+namespace {
+
+struct KnownSection {
+  std::function<std::string(const Reading&)> bytes;
+  std::function<void(RecordReader&)> skip;
+};
+
+template <class Record>
+void skip(RecordReader& reader) {
+  std::pmr::monotonic_buffer_resource memory;
+  Record record{};
+  reader.read(record, memory);
+}
+
+template <auto Member>
+KnownSection known() {
+  return {[](const Reading& reading) { return bytes_of(*(reading.current.*Member)); },
+          skip<std::remove_cvref_t<decltype(*(std::declval<DocumentSlots&>().*Member))>>};
+}
+
+const KnownSection& known_section(std::string_view tag, bool old_format) {
+  static const KnownSection none;
+  static const KnownSection old_schema = {[](const Reading& reading) { return bytes_of(*reading.schema_old); },
+                                          skip<SCHEMA_STRUCT_OLD1>};
+  static const std::map<std::string, KnownSection, std::less<>> sections = {
+      {"Schema", known<&DocumentSlots::Schema>()},
+      {"Relation", known<&DocumentSlots::Relation>()},
+      {"Hidden", known<&DocumentSlots::Hidden>()},
+      {"TreeHierarchy", known<&DocumentSlots::Tree>()},
+      {"Language", known<&DocumentSlots::Language>()},
+      {"Module", known<&DocumentSlots::Module>()},
+      {"TarvelDefinitionHeader", known<&DocumentSlots::DataSend>()},
+      {"TarvelFieldMatchHeader", known<&DocumentSlots::FieldMatches>()},
+      {"Extended", known<&DocumentSlots::Extended>()},
+      {"IncludeFile", known<&DocumentSlots::IncludeFile>()},
+      {"ControlTag", known<&DocumentSlots::ControlTag>()},
+      {"DSNList", known<&DocumentSlots::DSNList>()},
+      {"IncludeFileNew", known<&DocumentSlots::ImportFiles>()},
+      {"ResidualTable", known<&DocumentSlots::ResidualTable>()},
+  };
+  if (old_format && tag == "Schema") return old_schema;
+  const auto found = sections.find(tag);
+  return found == sections.end() ? none : found->second;
+}
+
+bool is_old(const HEADER_STRUCT& header) { return classify(header.Version.bytes()) == FormatClass::kOld; }
+
+}  // namespace
+
+std::string section_bytes(const Reading& reading, std::string_view tag) {
+  return known_section(tag, is_old(*reading.current.Header)).bytes(reading);
+}
+
+std::vector<SectionPlace> section_places(std::string_view bytes) {
+  const auto image = image_of(bytes);
+  RecordReader reader(*image);
+  std::pmr::monotonic_buffer_resource memory;
+  HEADER_STRUCT header{};
+  reader.read(header, memory);
+  std::vector<SectionPlace> places;
+  try {
+    while (!reader.at_end()) {
+      SECTION_TAG_STRUCT tag{};
+      const std::size_t tag_begin = reader.offset();
+      reader.read(tag, memory);
+      std::size_t begin = reader.offset();
+      const KnownSection& section = known_section(tag.Tag.bytes(), is_old(header));
+      if (!section.skip) break;
+      for (int number = 0; number < tag.Count; ++number) {
+        begin = reader.offset();
+        section.skip(reader);
+      }
+      places.push_back({std::string(tag.Tag.bytes()), tag_begin, begin, reader.offset()});
+    }
+  } catch (const ReadError&) {
+  }
+  return places;
+}
+
+}  // namespace trvtrout::tests

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <span>
+
+namespace trvtrout::vtrfile {
+
+// The bytes of one file (or of a few records that the system made itself), held in memory once, whole and unchanged.
+// Records point into it, so whoever holds records holds the image with them. Behind the last byte stand kSlack zero
+// bytes, so that a plain number may be loaded at any offset up to the end.
+class Image {
+ public:
+  static constexpr std::size_t kSlack = 64;
+
+  // An image of `size` bytes that the caller fills through writable() before anybody reads it.
+  explicit Image(std::size_t size);
+
+  std::span<unsigned char> writable() noexcept { return {bytes_.get(), size_}; }
+  // Keeps the first `size` bytes, where the file turned out to be shorter; before anybody reads the image.
+  void shorten(std::size_t size) noexcept;
+  const unsigned char* begin() const noexcept { return bytes_.get(); }
+  const unsigned char* end() const noexcept { return bytes_.get() + size_; }
+  std::size_t size() const noexcept { return size_; }
+
+ private:
+  std::unique_ptr<unsigned char[]> bytes_;
+  std::size_t size_;
+};
+
+// An image that holds a copy of `bytes`.
+std::shared_ptr<const Image> image_of(std::span<const unsigned char> bytes);
+
+}  // namespace trvtrout::vtrfile

@@ -1,0 +1,208 @@
+#include "vtrfile/reader.h"
+
+#include <algorithm>
+#include <array>
+#include <type_traits>
+#include <utility>
+
+#include "vtrfile/upgrade.h"
+
+namespace trvtrout::vtrfile {
+namespace {
+
+constexpr std::string_view kLineEnd = "\r\n";
+constexpr std::string_view kEndTag = "EOF";
+constexpr std::string_view kHeaderName = "HEADER_STRUCT";
+constexpr std::string_view kOldHeaderName = "HEADER_STRUCT_OLD1";
+
+void replace_all(std::string& text, std::string_view what, std::string_view by) {
+  for (std::size_t at = text.find(what); at != std::string::npos; at = text.find(what, at + by.size())) {
+    text.replace(at, what.size(), by);
+  }
+}
+
+std::string entry(std::string_view name) { return std::string(name) + ", "; }
+
+std::string not_read(std::string_view header, std::string_view last) {
+  return "List of the structures that were not sucessfuly read: " + entry(header) +
+         "SCHEMA_STRUCT, "
+         "LOOKUPS_STRUCT, TABLES_STRUCT, FIELDS_STRUCT, RELATION_STRUCT, HIDETABLES_STRUCT, TREE_HIERARCHY_STRUCT, "
+         "LANGUAGE_STRUCT, MODULE_STRUCT, DATASEND_STRUCT, FIELD_MATCHES_STRUCT, EXTENDED_STORAGE_STRUCT, "
+         "INCLUDEFILE_STRUCT, CONTROLTAG_STRUCT, DSNMAIN_STRUCT, " +
+         std::string(last) + "EOF";
+}
+
+template <class Class, class Member>
+Class class_of(Member Class::*);
+
+// Whether the group of a comparison has a slot for this member of a document.
+template <auto Member>
+constexpr bool kInGroup = std::is_same_v<decltype(class_of(Member)), GroupSlots>;
+
+// A tag as people may see it in a message, whatever bytes a damaged file put there.
+std::string shown(std::string_view tag) {
+  constexpr std::size_t kMost = 32;
+  std::string text;
+  for (const char c : tag.substr(0, kMost)) text += c >= ' ' && c <= '~' ? c : '?';
+  return '"' + text + (tag.size() > kMost ? "...\"" : "\"");
+}
+
+}  // namespace
+
+FormatClass classify(std::string_view version) noexcept {
+  if (version == kOldFormatVersion) return FormatClass::kOld;
+  return version > kOldFormatVersion && version <= kCurrentFormatVersion ? FormatClass::kCurrent
+                                                                         : FormatClass::kUnsupported;
+}
+
+struct DocumentReader::Section {
+  std::string_view tag;
+  std::string_view name;  // in the status lists
+  void (DocumentReader::*read)(int count);
+  bool in_old_format = true;
+};
+
+const DocumentReader::Section DocumentReader::kSections[] = {
+    {"Schema", "SCHEMA_STRUCT", &DocumentReader::read_section<&DocumentSlots::Schema>},
+    {"Relation", "RELATION_STRUCT", &DocumentReader::read_section<&DocumentSlots::Relation>},
+    {"Hidden", "HIDETABLES_STRUCT", &DocumentReader::read_section<&DocumentSlots::Hidden>},
+    {"TreeHierarchy", "TREE_HIERARCHY_STRUCT", &DocumentReader::read_section<&DocumentSlots::Tree>},
+    {"Language", "LANGUAGE_STRUCT", &DocumentReader::read_section<&DocumentSlots::Language>},
+    {"Module", "MODULE_STRUCT", &DocumentReader::read_section<&DocumentSlots::Module>},
+    {"TarvelDefinitionHeader", "DATASEND_STRUCT", &DocumentReader::read_section<&DocumentSlots::DataSend>},
+    {"TarvelFieldMatchHeader", "FIELD_MATCHES_STRUCT", &DocumentReader::read_section<&DocumentSlots::FieldMatches>},
+    {"Extended", "EXTENDED_STORAGE_STRUCT", &DocumentReader::read_section<&DocumentSlots::Extended>},
+    {"IncludeFile", "INCLUDEFILE_STRUCT", &DocumentReader::read_section<&DocumentSlots::IncludeFile>},
+    {"ControlTag", "CONTROLTAG_STRUCT", &DocumentReader::read_section<&DocumentSlots::ControlTag>},
+    {"DSNList", "DSNMAIN_STRUCT", &DocumentReader::read_section<&DocumentSlots::DSNList>},
+    {"IncludeFileNew", "IMPORT_FILES", &DocumentReader::read_section<&DocumentSlots::ImportFiles>, false},
+    {"ResidualTable", "RESIDUAL_TABLES_STRUCT", &DocumentReader::read_section<&DocumentSlots::ResidualTable>, false},
+};
+
+DocumentReader::DocumentReader(DocumentSlots& current, GroupSlots& group, Slot<SCHEMA_STRUCT_OLD1>& schema_old)
+    : current_(current),
+      group_(group),
+      schema_old_(schema_old),
+      read_list_("List of the structures that were sucessfuly read: \r\n"),
+      not_read_list_(not_read(kHeaderName, "RESIDUAL_TABLES_STRUCT, IMPORT_FILES, ")),
+      old_not_read_list_(not_read(kOldHeaderName, "")) {}
+
+bool DocumentReader::read(std::shared_ptr<const Image> image) {
+  image_ = std::move(image);
+  records_ = std::make_unique<RecordReader>(*image_);
+  try {
+    read_records(current_.Header, 1);
+  } catch (ReadError& error) {
+    error.enter("Header");
+    throw;
+  }
+  (read_list_ += kHeaderName) += kLineEnd;
+  replace_all(not_read_list_, entry(kHeaderName), "");
+  replace_all(old_not_read_list_, entry(kOldHeaderName), "");
+  group_.Header = current_.Header;
+
+  const FormatClass format = classify(current_.Header->Version.bytes());
+  if (format == FormatClass::kUnsupported) return false;
+  if (format == FormatClass::kOld) not_read_list_ = old_not_read_list_;
+  read_sections(format == FormatClass::kOld);
+  return true;
+}
+
+void DocumentReader::read_sections(bool old_format) {
+  for (int number = 1; number <= kMaxTags; ++number) {
+    const std::uint64_t offset = records_->offset();
+    const std::string_view tag = next_tag(number);
+    if (tag == kEndTag) {
+      (read_list_ += kEndTag) += kLineEnd;
+      return;
+    }
+    const auto* const section = std::ranges::find_if(
+        kSections, [&](const Section& known) { return known.tag == tag && (known.in_old_format || !old_format); });
+    if (section == std::end(kSections)) {
+      if (unknown_tag_number_ == 0) {
+        unknown_tag_number_ = number;
+        unknown_tag_offset_ = offset;
+        unknown_tag_ = tag;
+      }
+      continue;
+    }
+    try {
+      const int count = current_.SectionTag->Count;
+      if (old_format && section->read == kSections[0].read) {
+        read_old_schema(count);
+      } else {
+        (this->*section->read)(count);
+      }
+    } catch (ReadError& error) {
+      error.enter(std::string(section->tag));
+      throw;
+    }
+    account(*section, old_format);
+  }
+  give_up();
+}
+
+std::string_view DocumentReader::next_tag(int number) {
+  // What the end of the file left of one tag's name may be the name of another.
+  const bool name_is_cut = records_->next_text_is_cut();
+  try {
+    read_records(current_.SectionTag, 1);
+  } catch (ReadError& error) {
+    error.enter(static_cast<std::uint64_t>(number));
+    error.enter("SectionTag");
+    throw;
+  }
+  return name_is_cut ? std::string_view() : current_.SectionTag->Tag.bytes();
+}
+
+template <class Record>
+void DocumentReader::read_records(Slot<Record>& slot, int count) {
+  for (int number = 1; number <= count; ++number) {
+    // A record that was read isn't given up for one that the file only announces.
+    if (number > 1 && records_->at_end()) break;
+    slot.clear();
+    slot.renew({image_}, [this](Record& record, std::pmr::memory_resource& memory) { records_->read(record, memory); });
+  }
+}
+
+template <auto Member>
+void DocumentReader::read_section(int count) {
+  read_records(current_.*Member, count);
+  if constexpr (kInGroup<Member>) {
+    if (classify(current_.Header->Version.bytes()) == FormatClass::kCurrent) group_.*Member = current_.*Member;
+  }
+}
+
+void DocumentReader::read_old_schema(int count) {
+  read_records(schema_old_, count);
+  UpgradeSchema(kOldFormatVersion, schema_old_, current_.Schema);
+  group_.Schema = current_.Schema;
+}
+
+void DocumentReader::account(const Section& section, bool old_format) {
+  const bool is_schema = section.read == kSections[0].read;
+  read_list_ += section.name;
+  if (is_schema && old_format) read_list_ += "_OLD1";
+  read_list_ += kLineEnd;
+  replace_all(not_read_list_, entry(section.name), "");
+  if (!is_schema) return;
+  // The schema's record holds three collections. The blank in front keeps "TABLES_STRUCT, " from cutting into
+  // "HIDETABLES_STRUCT, " and "RESIDUAL_TABLES_STRUCT, ".
+  read_list_ += "LOOKUPS_STRUCT\r\nTABLES_STRUCT\r\nFIELDS_STRUCT\r\n";
+  replace_all(not_read_list_, " TABLES_STRUCT, ", " ");
+  replace_all(not_read_list_, "LOOKUPS_STRUCT, ", "");
+  replace_all(not_read_list_, "FIELDS_STRUCT, ", "");
+}
+
+void DocumentReader::give_up() const {
+  const bool at_end = unknown_tag_offset_ == image_->size() || (unknown_tag_.empty() && records_->at_end());
+  ReadError error(unknown_tag_number_ ? unknown_tag_offset_ : records_->offset(),
+                  !unknown_tag_number_ ? "more than " + std::to_string(kMaxTags) + " section tags"
+                  : at_end             ? std::string("the file ends here, without its \"EOF\" tag")
+                                       : shown(unknown_tag_) + " where the tag of a section was due");
+  error.enter(static_cast<std::uint64_t>(unknown_tag_number_ ? unknown_tag_number_ : kMaxTags + 1));
+  error.enter("SectionTag");
+  throw error;
+}
+
+}  // namespace trvtrout::vtrfile

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "vtrfile/document.h"
+#include "vtrfile/record_reader.h"
+
+namespace trvtrout::vtrfile {
+
+// What a format version means for the reader.
+enum class FormatClass { kCurrent, kOld, kUnsupported };
+FormatClass classify(std::string_view version) noexcept;
+
+// Walks the sections of one file into the slots of a document, and keeps the account of what was read.
+class DocumentReader {
+ public:
+  // A file holds at most so many section tags, the last one ("EOF") included.
+  static constexpr int kMaxTags = 50;
+
+  // All three must outlive the reader. `group` gets a copy of the records that it has a slot for; `schema_old` is the
+  // scratch record for the schema of an old format.
+  DocumentReader(DocumentSlots& current, GroupSlots& group, Slot<SCHEMA_STRUCT_OLD1>& schema_old);
+
+  // Reads to the "EOF" tag; False when the version is unsupported, and nothing but the header was read. Raises
+  // ReadError for damage: the sections before it are in place, and the record that it stands in holds what was read.
+  // Nothing is cleared first: a section that the file doesn't have keeps what its slot held.
+  bool read(std::shared_ptr<const Image> image);
+
+  // The two status lists, at any moment: the structures that were read, a blank line, those that were not.
+  std::string structure_list() const { return read_list_ + "\r\n" + not_read_list_; }
+
+ private:
+  struct Section;
+  static const Section kSections[];
+
+  template <auto Member>
+  void read_section(int count);
+  void read_old_schema(int count);
+  template <class Record>
+  void read_records(Slot<Record>& slot, int count);
+  void read_sections(bool old_format);
+  std::string_view next_tag(int number);
+  void account(const Section& section, bool old_format);
+  [[noreturn]] void give_up() const;
+
+  DocumentSlots& current_;
+  GroupSlots& group_;
+  Slot<SCHEMA_STRUCT_OLD1>& schema_old_;
+  std::shared_ptr<const Image> image_;
+  std::unique_ptr<RecordReader> records_;
+  std::string read_list_;
+  std::string not_read_list_;
+  std::string old_not_read_list_;
+  // The first tag that names no section: where the walk lost its way.
+  std::uint64_t unknown_tag_offset_ = 0;
+  int unknown_tag_number_ = 0;
+  std::string unknown_tag_;
+};
+
+}  // namespace trvtrout::vtrfile

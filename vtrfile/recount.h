@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+
+#include "vtrfile/document.h"
+
+namespace trvtrout::vtrfile {
+
+// What a list says of itself and what a recount of its used slots finds, which doesn't trust the list's numbers.
+struct ListInfo {
+  std::int32_t count = 0;
+  std::int32_t current = 0;  // 0 in a list that has no such number
+  std::int32_t max = 0;      // the same
+  // Index of the last used slot, counted from 1; what the recount had reached when it failed.
+  std::int32_t size = 0;
+  // False: the list doesn't hold together (an array that was announced and isn't there, no used slot in it, a lower
+  // bound other than 1).
+  bool ok = false;
+};
+
+ListInfo recount(const INCLUDEFILE_STRUCT& list);
+ListInfo recount(const MODULE_STRUCT& list);
+ListInfo recount(const TREE_HIERARCHY_STRUCT& list);
+ListInfo recount(const TABLES_STRUCT& list);
+ListInfo recount(const LOOKUPS_STRUCT& list);
+ListInfo recount(const CONTROLTAG_STRUCT& list);
+ListInfo recount(const LANGUAGE_STRUCT& list);
+ListInfo recount(const DSNMAIN_STRUCT& list);
+ListInfo recount(const EXTENDED_STORAGE_STRUCT& list);
+ListInfo recount(const FIELD_MATCHES_STRUCT& list);
+ListInfo recount(const IMPORT_FILES& list);
+ListInfo recount(const RELATION_LIST_STRUCT& list);
+ListInfo recount(const RESIDUAL_TABLES_STRUCT& list);
+ListInfo recount(const HIDDEN_LOOKUP_LIST_STRUCT& list);
+
+// The used slots of the fields of all tables; only `size` and `ok` are set.
+ListInfo recount_fields(const TABLES_STRUCT& tables);
+
+// The nodes of all definitions, used or not; `count` is the number of definitions.
+ListInfo recount_nodes(const DATASEND_STRUCT& definitions);
+
+}  // namespace trvtrout::vtrfile
