@@ -76,8 +76,8 @@ DocumentAccount account_for(Utility& utility, Locale& locale) {
     AccountList& entry = account.lists.emplace_back(AccountList{.title = list.title, .key = list.key});
     std::visit(Ask{utility, entry}, list.accessor);
   }
-  // Definitions are counted, their nodes recounted.
-  AccountList& nodes = account.lists.emplace_back(AccountList{.title = "Data send nodes", .key = "dataSendNodes"});
+  // The stored number is that of the definitions, the recount that of their nodes.
+  AccountList& nodes = account.lists.emplace_back(AccountList{.title = "Data send items, nodes", .key = "dataSend"});
   nodes.count = 0;
   std::u16string file, version;
   nodes.result = utility.GetDsmInfo(*nodes.count, file, version, nodes.size);

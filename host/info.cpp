@@ -83,7 +83,7 @@ ExitStatus info(const Settings& settings, const std::string& file, bool json) {
   Machine machine(settings);
   TarvelVtrOut_InOut utility(machine.services());
   std::u16string structure_list;
-  const ExitStatus status = read(utility, file, structure_list);
+  const ExitStatus status = read(machine, utility, file, structure_list);
   if (status == kTrouble) return status;
 
   const DocumentAccount account = account_for(utility, machine.locale());

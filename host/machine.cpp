@@ -38,7 +38,9 @@ void Progress::show(const std::string& doing) {
   shown_ = !doing.empty();
 }
 
-ExitStatus read(TarvelVtrOut_InOut& utility, const std::string& file, std::u16string& structure_list) {
+ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file,
+                std::u16string& structure_list) {
+  machine.speak_of(file);
   if (const std::string why = obstacle(file); !why.empty()) {
     complain(file + ": " + why);
     return kTrouble;

@@ -30,6 +30,8 @@ class Machine {
   explicit Machine(const Settings& settings);
   HostServices services() { return {files_, message_box_, save_dialog_, message_loop_, locale_}; }
   Locale& locale() { return locale_; }
+  // Messages name this file (a path of the machine) from now on.
+  void speak_of(const std::string& file) { message_box_.set_subject("vtrout: " + file); }
 
  private:
   platform::LocalFiles files_;
@@ -58,7 +60,8 @@ class Progress {
 
 // Reads `file` (a path of the machine) into `utility`. kFine, kRemarkable for a damaged file (`structure_list` has the
 // two lists), kTrouble for one that can't be read, of which the user has been told. Never creates the file.
-ExitStatus read(TarvelVtrOut_InOut& utility, const std::string& file, std::u16string& structure_list);
+ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file,
+                std::u16string& structure_list);
 
 // Where the reading of a damaged file broke off, for people.
 std::string damage_text(const vtrfile::ReadError& damage);

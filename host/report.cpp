@@ -40,7 +40,7 @@ ExitStatus report(const Settings& settings, const std::string& file, const std::
   Machine machine(settings);
   TarvelVtrOut_InOut utility(machine.services());
   std::u16string structure_list;
-  ExitStatus status = read(utility, file, structure_list);
+  ExitStatus status = read(machine, utility, file, structure_list);
   if (status == kTrouble) return status;
   if (status == kRemarkable) {
     complain(file + ": " + damage_text(*utility.LastDamage()) + "; the reports hold what could be read before it");

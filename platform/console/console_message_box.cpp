@@ -11,7 +11,8 @@ namespace trvtrout::platform {
 MessageAnswer ConsoleMessageBox::Show(const std::u16string& prompt, MessageButtons buttons,
                                       const std::optional<std::u16string>& title) {
   if (buttons == MessageButtons::kYesNoCancel) return answer(printable(prompt));
-  if (title && !title->empty()) out_ << printable(*title) << ": ";
+  const std::string lead = subject_.empty() && title ? printable(*title) : subject_;
+  if (!lead.empty()) out_ << lead << ": ";
   // One line for each message, as programs and people expect of stderr.
   std::string line = printable(prompt);
   std::ranges::replace(line, '\n', ' ');

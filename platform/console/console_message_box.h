@@ -3,6 +3,7 @@
 #include <iosfwd>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "reports/host_services.h"
 
@@ -17,6 +18,9 @@ class ConsoleMessageBox : public MessageBox {
   ConsoleMessageBox(Overwrite overwrite, std::istream& in, std::ostream& out, bool interactive)
       : overwrite_(overwrite), in_(in), out_(out), interactive_(interactive) {}
 
+  // What the messages are about; stands in front of them in place of their titles.
+  void set_subject(std::string subject) { subject_ = std::move(subject); }
+
   MessageAnswer Show(const std::u16string& prompt, MessageButtons buttons,
                      const std::optional<std::u16string>& title) override;
 
@@ -27,6 +31,7 @@ class ConsoleMessageBox : public MessageBox {
   std::istream& in_;
   std::ostream& out_;
   bool interactive_;
+  std::string subject_;
 };
 
 }  // namespace trvtrout::platform
