@@ -27,6 +27,10 @@ void TarvelVtrOut_InOut::warn(const std::u16string& prompt) {
   services_.message_box.Show(prompt, MessageButtons::kOk, u"VTR Output Warning");
 }
 
+void TarvelVtrOut_InOut::warn_of_file_in_use(const std::u16string& path) {
+  warn(u"Can not create file: " + path + u"\r\nFile is in use. Please close file and try again.");
+}
+
 std::shared_ptr<const vtrfile::Image> TarvelVtrOut_InOut::load(const std::u16string& path) {
   const auto file = services_.files.OpenBinary(path);
   services_.message_loop.DoEvents();
@@ -68,9 +72,7 @@ Boolean TarvelVtrOut_InOut::write_report(const DetailReport& report, const std::
         return written ? True : fail({0, "the file that stands there was left as it is"});
       },
       [&](const Failure& failure) {
-        if (tells_user && failure.number == kErrorFileHeld) {
-          warn(u"Can not create file: " + report_path + u"\r\nFile is in use. Please close file and try again.");
-        }
+        if (tells_user && failure.number == kErrorFileHeld) warn_of_file_in_use(report_path);
         return fail(failure);
       });
 }

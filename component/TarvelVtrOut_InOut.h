@@ -4,15 +4,17 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
+#include "compare/comparison_counts.h"
 #include "component/boolean.h"
 #include "reports/host_services.h"
 #include "vtrfile/document.h"
 #include "vtrfile/read_error.h"
-#include "vtrfile/recount.h"
 
 namespace trvtrout {
 
+struct Comparison;
 struct DetailReport;
 struct Failure;
 
@@ -86,18 +88,39 @@ class TarvelVtrOut_InOut {
   std::u16string GetHidTableInfo(std::int32_t& Count, std::int32_t& Current, std::int32_t& Max, std::int32_t& size);
   std::u16string GetHidFieldsInfo(std::int32_t& size);
 
+  // Each compares one part of the two documents read and writes one report under the temporary name of `PrimFname`,
+  // with the rows labelled that changed, were deleted or added. `ASCIIFname` gets the report's path, also on failure.
+  // The names serve the report's name and head alone. About a file that stands there, and about one of the same name
+  // beside `SecFname`, the user is asked; Cancel leaves both untouched and the result is False. When the file is held
+  // by another program the user is told.
+  Boolean Compare_Product(std::u16string& PrimFname, std::u16string& SecFname, std::u16string& ASCIIFname);
+  Boolean Compare_Tree(std::u16string& PrimFname, std::u16string& SecFname, std::u16string& ASCIIFname);
+  Boolean Compare_Table(std::u16string& PrimFname, std::u16string& SecFname, std::u16string& ASCIIFname);
+  Boolean Compare_Field(std::u16string& PrimFname, std::u16string& SecFname, std::u16string& ASCIIFname);
+  Boolean Compare_Lookup(std::u16string& PrimFname, std::u16string& SecFname, std::u16string& ASCIIFname);
+  Boolean Compare_CtrlTag(std::u16string& PrimFname, std::u16string& SecFname, std::u16string& ASCIIFname);
+  Boolean Compare_Lang(std::u16string& PrimFname, std::u16string& SecFname, std::u16string& ASCIIFname);
+  Boolean Compare_DSend(std::u16string& PrimFname, std::u16string& SecFname, std::u16string& ASCIIFname);
+
   // For a host in C++, beside the interface: the document last read, where and why its read broke off, and why the last
   // operation that failed did so (UTF-8, for people). The references hold until the next operation.
   const vtrfile::DocumentSlots& CurrentSlots() const noexcept { return current_; }
   const std::optional<vtrfile::ReadError>& LastDamage() const noexcept { return damage_; }
   const std::string& LastFailure() const noexcept { return last_failure_; }
+  // The rows of the last comparison, as far as it came.
+  const ComparisonCounts& LastCounts() const noexcept { return counts_; }
+  // The keys that occur more than once in the part that was last compared, of the primary or the `secondary` document.
+  std::vector<std::u16string> RepeatedKeys(bool secondary) const;
 
  private:
   std::shared_ptr<const vtrfile::Image> load(const std::u16string& path);
   Boolean write_report(const DetailReport& report, const std::u16string& fname, std::u16string& report_path,
                        Boolean is_temp, bool tells_user = false);
+  Boolean compare(const Comparison& comparison, const std::u16string& primary_fname,
+                  const std::u16string& secondary_fname, std::u16string& report_path);
   Boolean fail(const Failure& failure);
   void warn(const std::u16string& prompt);
+  void warn_of_file_in_use(const std::u16string& path);
 
   HostServices services_;
   vtrfile::DocumentSlots current_;
@@ -105,6 +128,8 @@ class TarvelVtrOut_InOut {
   vtrfile::GroupSlots secondary_;
   std::optional<vtrfile::ReadError> damage_;
   std::string last_failure_;
+  const Comparison* last_comparison_ = nullptr;
+  ComparisonCounts counts_;
 };
 
 }  // namespace trvtrout

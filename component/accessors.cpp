@@ -1,5 +1,6 @@
 #include "component/TarvelVtrOut_InOut.h"
 #include "reports/guard.h"
+#include "vtrfile/recount.h"
 
 // The accessors: what the document last read holds.
 namespace trvtrout {

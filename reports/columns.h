@@ -18,16 +18,29 @@
 // The columns of the reports, a table for each list: what stands over a column, and how its cell comes from an item.
 namespace trvtrout {
 
+// What a column is for a comparison.
+enum class Mark {
+  kCompared,
+  kKey,         // by which records find their partners
+  kPrinted,     // a difference in it makes no change
+  kReportOnly,  // not in a comparison
+};
+
 template <class Item>
 struct Column {
   std::string_view head;
   void (*append)(std::string& row, const Item& item);
+  // By the stored values, before any cleaning.
+  bool (*same)(const Item& one, const Item& other);
+  Mark mark;
 };
 
 // The column of a member, or of what a lambda takes from the item.
 template <class Item, auto Member, Form form = Form::kAsStored>
-constexpr Column<Item> column(std::string_view head) {
-  return {head, [](std::string& row, const Item& item) { append_cell(row, std::invoke(Member, item), form); }};
+constexpr Column<Item> column(std::string_view head, Mark mark = Mark::kCompared) {
+  return {head, [](std::string& row, const Item& item) { append_cell(row, std::invoke(Member, item), form); },
+          [](const Item& one, const Item& other) { return std::invoke(Member, one) == std::invoke(Member, other); },
+          mark};
 }
 
 // "Filter" of a field: the words of the flags that are set, then the cleaned text, each with a blank behind it.
@@ -69,13 +82,13 @@ inline constexpr auto kProductLabels = [] {
 
 inline constexpr auto kIncludeFileColumns = [] {
   using I = vtrfile::INCLUDEFILE_ITEM_STRUCT;
-  return std::array{column<I, &I::FileName>("FileName:")};
+  return std::array{column<I, &I::FileName>("FileName:", Mark::kKey)};
 }();
 
 inline constexpr auto kModuleColumns = [] {
   using I = vtrfile::MODULE_ITEM_STRUCT;
   return std::array{
-      column<I, &I::Id>("Id:"),
+      column<I, &I::Id>("Id:", Mark::kKey),
       column<I, &I::Description>("Description"),
       column<I, &I::ControlTag>("ControlTag"),
       column<I, &I::ProductIDScipt, Form::kCleaned>("ProductIDScipt"),
@@ -88,7 +101,7 @@ inline constexpr auto kModuleColumns = [] {
 inline constexpr auto kTableColumns = [] {
   using I = vtrfile::TABLES_ITEM_STRUCT;
   return std::array{
-      column<I, &I::Tid>("Tid"),
+      column<I, &I::Tid>("Tid", Mark::kKey),
       column<I, &I::Attribute>("Attribute"),
       column<I, &I::Name, Form::kCleaned>("Name"),
       column<I, &I::UserCode>("UserCode"),
@@ -96,9 +109,9 @@ inline constexpr auto kTableColumns = [] {
       column<I, &I::RootWHERE, Form::kCleaned>("RootWHERE"),
       column<I, &I::WHERE, Form::kCleaned>("WHERE"),
       column<I, &I::JoinClause, Form::kCleaned>("JoinClause"),
-      column<I, [](const I& table) { return table.Fields.Current; }>("Current"),
+      column<I, [](const I& table) { return table.Fields.Current; }>("Current", Mark::kReportOnly),
       column<I, [](const I& table) { return table.Fields.Count; }>("Count"),
-      column<I, [](const I& table) { return table.Fields.Max; }>("Max"),
+      column<I, [](const I& table) { return table.Fields.Max; }>("Max", Mark::kReportOnly),
   };
 }();
 
@@ -106,7 +119,7 @@ inline constexpr auto kTableColumns = [] {
 inline constexpr auto kFieldColumns = [] {
   using I = vtrfile::FIELDS_ITEM_STRUCT;
   return std::array{
-      column<I, &I::Fid>("Fid"),
+      column<I, &I::Fid>("Fid", Mark::kKey),
       column<I, &I::Attribute>("Attribute"),
       column<I, &I::InternalCode>("InternalCode"),
       column<I, &I::SQLField, Form::kCleaned>("SQLField"),
@@ -115,7 +128,7 @@ inline constexpr auto kFieldColumns = [] {
       column<I, &I::Lenght>("Lenght"),
       column<I, &I::SQLType>("SQLType"),
       column<I, &I::Select>("Select"),
-      Column<I>{"Filter", append_filter},
+      Column<I>{"Filter", append_filter, nullptr, Mark::kPrinted},
       column<I, &I::Lookups>("Lookups"),
       column<I, &I::LookupsID>("LookupsID"),
       column<I, &I::SQLJoinClause, Form::kCleaned>("SQLJoinClause"),
@@ -125,7 +138,7 @@ inline constexpr auto kFieldColumns = [] {
 inline constexpr auto kLookupColumns = [] {
   using I = vtrfile::LOOKUPS_ITEM_STRUCT;
   return std::array{
-      column<I, &I::Id>("Id"),
+      column<I, &I::Id>("Id", Mark::kKey),
       column<I, &I::Code>("Code"),
       column<I, &I::Description, Form::kCleaned>("Description"),
       column<I, &I::Type>("Type"),
@@ -137,7 +150,7 @@ inline constexpr auto kTreeColumns = [] {
   return std::array{
       column<I, &I::Description, Form::kCleanedThenBlank>("Description"),
       column<I, &I::Level>("Level"),
-      column<I, &I::Control>("Control"),
+      column<I, &I::Control>("Control", Mark::kKey),
       column<I, &I::Tid>("Tid"),
       column<I, &I::TableInternalCode>("TableInternalCode"),
       column<I, &I::Filter, Form::kWithoutCommas>("Filter"),
@@ -149,7 +162,7 @@ inline constexpr auto kTreeColumns = [] {
 inline constexpr auto kControlTagColumns = [] {
   using I = vtrfile::CONTROLTAG_ITEM_STRUCT;
   return std::array{
-      column<I, &I::ControlTag, Form::kCleaned>("ControlTag"),
+      column<I, &I::ControlTag, Form::kCleaned>("ControlTag", Mark::kKey),
       column<I, &I::Tagvalue, Form::kCleaned>("Tagvalue"),
   };
 }();
@@ -157,7 +170,7 @@ inline constexpr auto kControlTagColumns = [] {
 inline constexpr auto kLanguageColumns = [] {
   using I = vtrfile::LANGUAGE_ITEM_STRUCT;
   return std::array{
-      column<I, &I::Code>("Code"),
+      column<I, &I::Code>("Code", Mark::kKey),
       column<I, &I::Category>("Category"),
       column<I, &I::GlobalAttribute>("GlobalAttribute"),
       language<0>("English"),
@@ -186,7 +199,7 @@ inline constexpr auto kDefinitionColumns = [] {
       column<I, [](const I& item) { return item.Header.TypeCategory; }>("TypeCategory"),
       column<I, [](const I& item) { return item.Header.Version; }>("Version"),
       column<I, [](const I& item) { return item.Header.StructureName; }>("StructureName"),
-      column<I, &I::Count>("Count"),
+      column<I, &I::Count>("Count", Mark::kPrinted),
   };
 }();
 
@@ -194,10 +207,10 @@ inline constexpr auto kDefinitionColumns = [] {
 inline constexpr auto kNodeColumns = [] {
   using I = vtrfile::DATASEND_NODE_STRUCT;
   return std::array{
-      column<I, &I::Index>("Index"),
+      column<I, &I::Index>("Index", Mark::kKey),
       column<I, &I::ParentIndex>("Parent Index"),
       column<I, &I::LanguageKey>("LanguageKey"),
-      column<I, &I::Description>("Description"),
+      column<I, &I::Description>("Description", Mark::kPrinted),
       column<I, &I::XMLTag>("XMLTag"),
       column<I, &I::DefaultValue>("DefaultValue"),
       column<I, &I::MinOccur>("MinOccur"),

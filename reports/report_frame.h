@@ -29,10 +29,10 @@ class ReportWriter {
   // A row for each label, with the values of `record`.
   template <class Record>
   void labels(std::span<const Column<Record>> labels, const Record& record) {
-    for (const auto& [head, append] : labels) {
+    for (const auto& column : labels) {
       scratch_.clear();
-      append(scratch_, record);
-      label(head, scratch_);
+      column.append(scratch_, record);
+      label(column.head, scratch_);
     }
   }
   // The label of a recount, from `prefix` on, and what it found; `failed` when the list doesn't hold together.

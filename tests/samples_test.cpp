@@ -62,6 +62,47 @@ TEST_P(Samples, AreReadAndReported) {
   EXPECT_EQ(machine.memory.open_objects(), 0);
 }
 
+using ComparisonOperation = Boolean (TarvelVtrOut_InOut::*)(std::u16string&, std::u16string&, std::u16string&);
+
+constexpr std::pair<const char*, ComparisonOperation> kComparisons[] = {
+    {"product", &TarvelVtrOut_InOut::Compare_Product}, {"table", &TarvelVtrOut_InOut::Compare_Table},
+    {"tree", &TarvelVtrOut_InOut::Compare_Tree},       {"field", &TarvelVtrOut_InOut::Compare_Field},
+    {"lookup", &TarvelVtrOut_InOut::Compare_Lookup},   {"ctrltag", &TarvelVtrOut_InOut::Compare_CtrlTag},
+    {"lang", &TarvelVtrOut_InOut::Compare_Lang},       {"dsend", &TarvelVtrOut_InOut::Compare_DSend},
+};
+
+class SamplePairs : public testing::TestWithParam<std::pair<const char*, const char*>> {};
+
+TEST_P(SamplePairs, AreCompared) {
+  const std::string primary = GetParam().first, secondary = GetParam().second;
+  fakes::Machine machine;
+  std::u16string first = u"C:\\Data\\" + platform::from_utf8(primary);
+  std::u16string second = u"C:\\Next\\" + platform::from_utf8(secondary);
+  machine.memory.files = {{first, sample(primary)}, {second, sample(secondary)}};
+  TarvelVtrOut_InOut utility(machine.services());
+  std::u16string list;
+  Boolean no = False, yes = True;
+  ASSERT_TRUE(utility.ReadVTR(second, list, yes));
+  ASSERT_TRUE(utility.ReadVTR(first, list, no));
+
+  for (const auto& [part, compare] : kComparisons) {
+    std::string wanted = file_bytes(SAMPLES "/expected/" + primary + "~" + secondary + "/compare-" + part + ".csv");
+    replace(wanted, "@PRIMFNAME@", platform::to_utf8(first));
+    replace(wanted, "@SECFNAME@", platform::to_utf8(second));
+    replace(wanted, "@DATE@", "6/1/2004 2:11:05 PM");
+    std::u16string path;
+    const std::string result = SAMPLES "/expected/" + primary + "~" + secondary + "/compare-" + part + ".result";
+    EXPECT_EQ(bool((utility.*compare)(first, second, path)), !std::filesystem::exists(result)) << part;
+    EXPECT_EQ(machine.memory.files[path], wanted) << part;
+    EXPECT_TRUE(path.starts_with(u"C:\\Data\\~tmp")) << platform::to_utf8(path);
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, SamplePairs,
+                         testing::Values(std::pair("plant.vtr", "plant-next.vtr"),
+                                         std::pair("dense.vtr", "dense-next.vtr"),
+                                         std::pair("plant-old-format.vtr", "plant.vtr")));
+
 INSTANTIATE_TEST_SUITE_P(All, Samples, testing::ValuesIn(sample_names()), [](const auto& name) {
   std::string id = name.param;
   for (char& c : id) c = std::isalnum(static_cast<unsigned char>(c)) ? c : '_';

@@ -1,0 +1,54 @@
+#include "compare/comparisons.h"
+
+#include <unordered_map>
+
+#include "reports/naming.h"
+
+namespace trvtrout {
+namespace {
+
+void write_head(ReportWriter& out, const ComparedDocuments& documents) {
+  Locale& locale = out.locale();
+  out.line(",Compared Statistic for files: ," + locale.Encode(documents.primary_fname));
+  out.line(",," + locale.Encode(documents.secondary_fname));
+  out.line(",Date and time created:," + locale.Encode(locale.GeneralDate(locale.Now())));
+  out.gap();
+}
+
+}  // namespace
+
+bool write_comparison(const HostServices& services, const Comparison& comparison, const ComparedDocuments& documents,
+                      std::u16string& report_path, ComparisonCounts& counts) {
+  counts = {};
+  const std::u16string desc_name(comparison.desc_name);
+  const OutputName secondary = GetReportFileName(services, documents.secondary_fname, desc_name, true);
+  report_path = secondary.path;
+  if (secondary.abandoned) return false;
+  // The report bears the primary file's name; of the secondary one only the base name is used.
+  const OutputName primary = GetReportFileName(services, documents.primary_fname, desc_name, true);
+  report_path = primary.path;
+  if (primary.abandoned) return false;
+  if (report_path == documents.primary_fname || report_path == documents.secondary_fname) return false;
+
+  const auto file_system = services.files.CreateFileSystemObject();
+  const auto stream = file_system->CreateTextFile(report_path, true, false);
+  ReportWriter out(*stream, services.locale);
+  write_head(out, documents);
+  const std::string primary_name = services.locale.Encode(primary.base_name);
+  const std::string secondary_name = services.locale.Encode(secondary.base_name);
+  ComparisonWriter writer(out, primary_name, secondary_name, counts);
+  comparison.write(writer, documents.primary, documents.secondary);
+  stream->Close();
+  return true;
+}
+
+std::vector<std::string> repeated_keys(const Comparison& comparison, const vtrfile::GroupSlots& document) {
+  std::unordered_map<std::string, int> times;
+  std::vector<std::string> repeated;
+  comparison.keys(document, [&](std::string key) {
+    if (++times[key] == 2) repeated.push_back(std::move(key));
+  });
+  return repeated;
+}
+
+}  // namespace trvtrout

@@ -1,0 +1,116 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string_view>
+#include <unordered_map>
+#include <utility>
+#include <vector>
+
+// How the records of two lists find their partners. The rows come out exactly as from a nested scan that takes, for
+// each primary record in turn, the first fitting record of a working list of the secondary ones and removes it; but
+// the work is linear in the number of records, whatever their order and however often a key occurs.
+//
+// Records are known by their numbers, counted from 1 as in the stored lists; 0 is none.
+namespace trvtrout {
+
+// What two records must have in common to be partners: up to two texts and two numbers. The texts must outlive it.
+struct MatchKey {
+  std::string_view text;
+  std::string_view second_text;
+  std::int32_t number = 0;
+  std::int32_t second_number = 0;
+  bool operator==(const MatchKey&) const = default;
+};
+
+// Gives the key of a record by its number.
+using KeyOf = std::function<MatchKey(std::int32_t)>;
+
+// The secondary records that are still in the working list.
+class WorkingList {
+ public:
+  explicit WorkingList(std::int32_t count) : removed_(static_cast<std::size_t>(count), false) {}
+  std::int32_t count() const noexcept { return static_cast<std::int32_t>(removed_.size()); }
+  bool removed(std::int32_t number) const { return removed_[static_cast<std::size_t>(number - 1)]; }
+  void remove(std::int32_t number) { removed_[static_cast<std::size_t>(number - 1)] = true; }
+
+ private:
+  std::vector<bool> removed_;
+};
+
+// Finds secondary records by one kind of key.
+class MatchIndex {
+ public:
+  // key_of(number) gives the key of a secondary record, for each from 1 to the working list's count. `list` must
+  // outlive the index.
+  MatchIndex(const WorkingList& list, const KeyOf& key_of);
+
+  // The first record with this key that is still in the working list.
+  std::int32_t first_left(const MatchKey& key);
+  // The first record with this key, in the working list or not.
+  std::int32_t first(const MatchKey& key) const;
+
+ private:
+  struct Hash {
+    std::size_t operator()(const MatchKey& key) const noexcept;
+  };
+  struct Chain {
+    std::int32_t first;  // of all records with the key
+    std::int32_t left;   // no record in front of it is left
+  };
+
+  const WorkingList& list_;
+  std::unordered_map<MatchKey, Chain, Hash> chains_;
+  std::vector<std::int32_t> next_;  // by number - 1: the next record with the same key
+};
+
+// The walk. policy.partner(number) finds the partner of a primary record, policy.remove(number) takes what its rule
+// says out of policy.list(); rows.pair(primary, secondary), rows.deleted(primary) and rows.added(secondary) are called
+// in the order of the rows.
+template <class Policy, class Rows>
+void walk(std::int32_t primary_count, Policy& policy, Rows&& rows) {
+  for (std::int32_t number = 1; number <= primary_count; ++number) {
+    if (const std::int32_t partner = policy.partner(number)) {
+      rows.pair(number, partner);
+      policy.remove(number);
+    } else {
+      rows.deleted(number);
+    }
+  }
+  for (std::int32_t number = 1; number <= policy.list().count(); ++number) {
+    if (!policy.list().removed(number)) rows.added(number);
+  }
+}
+
+// Where a partner comes from.
+enum class PartnerFrom {
+  kWorkingList,  // each secondary record is partner once
+  kWholeList,    // the first record with the key, though it may be partner already
+};
+
+// Partners by key. Each match takes the first record with the key that is left out of the working list.
+class ByKey {
+ public:
+  ByKey(KeyOf primary_key, const KeyOf& secondary_key, std::int32_t secondary_count,
+        PartnerFrom from = PartnerFrom::kWorkingList)
+      : list_(secondary_count), index_(list_, secondary_key), primary_key_(std::move(primary_key)), from_(from) {}
+  ByKey(const ByKey&) = delete;  // the index knows the list by its address
+  ByKey& operator=(const ByKey&) = delete;
+
+  std::int32_t partner(std::int32_t primary) {
+    const MatchKey key = primary_key_(primary);
+    return from_ == PartnerFrom::kWholeList ? index_.first(key) : index_.first_left(key);
+  }
+  void remove(std::int32_t primary) {
+    if (const std::int32_t left = index_.first_left(primary_key_(primary))) list_.remove(left);
+  }
+  const WorkingList& list() const noexcept { return list_; }
+
+ private:
+  WorkingList list_;
+  MatchIndex index_;
+  KeyOf primary_key_;
+  PartnerFrom from_;
+};
+
+}  // namespace trvtrout
