@@ -28,14 +28,12 @@ bool write_comparison(const HostServices& services, const Comparison& comparison
   const OutputName primary = GetReportFileName(services, documents.primary_fname, desc_name, true);
   report_path = primary.path;
   if (primary.abandoned) return false;
-  if (report_path == documents.primary_fname || report_path == documents.secondary_fname) return false;
 
-  const auto file_system = services.files.CreateFileSystemObject();
-  const auto stream = file_system->CreateTextFile(report_path, true, false);
+  const auto stream = create_report(services, primary, {&documents.primary_fname, &documents.secondary_fname});
   ReportWriter out(*stream, services.locale);
   write_head(out, documents);
-  const std::string primary_name = services.locale.Encode(primary.base_name);
-  const std::string secondary_name = services.locale.Encode(secondary.base_name);
+  const std::string primary_name = services.locale.Encode(primary.base_name.value_or(u""));
+  const std::string secondary_name = services.locale.Encode(secondary.base_name.value_or(u""));
   ComparisonWriter writer(out, primary_name, secondary_name, counts);
   comparison.write(writer, documents.primary, documents.secondary);
   stream->Close();

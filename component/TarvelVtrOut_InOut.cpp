@@ -24,7 +24,9 @@ Boolean TarvelVtrOut_InOut::fail(const Failure& failure) {
 }
 
 void TarvelVtrOut_InOut::warn(const std::u16string& prompt) {
-  services_.message_box.Show(prompt, MessageButtons::kOk, u"VTR Output Warning");
+  // A warning stands on failure paths too, where a box that can't be shown must not raise.
+  guarded([&] { return services_.message_box.Show(prompt, MessageButtons::kOk, u"VTR Output Warning"); },
+          [](const Failure&) { return MessageAnswer::kOk; });
 }
 
 void TarvelVtrOut_InOut::warn_of_file_in_use(const std::u16string& path) {
@@ -105,7 +107,7 @@ Boolean TarvelVtrOut_InOut::ASCII_Output_DSend(std::u16string& Fname, std::u16st
 std::u16string TarvelVtrOut_InOut::GetOutputFileName(const std::u16string& Fname, const std::u16string& DescName,
                                                      std::u16string& VTRFname) {
   const OutputName name = trvtrout::GetOutputFileName(services_, Fname, DescName);
-  VTRFname = name.base_name;
+  if (name.base_name) VTRFname = *name.base_name;
   return name.path;
 }
 

@@ -52,7 +52,8 @@ class TarvelVtrOut_InOut {
   Boolean ASCII_Output_DSend(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp);
 
   // The path for a workbook ("Statistics", "Compared"), a rewritten file ("Recovered") or a log ("Log") beside `Fname`;
-  // empty for any other `DescName` and on failure. `VTRFname` gets the base name of `Fname`. Asks about an existing
+  // empty for any other `DescName` and on failure. `VTRFname` gets the base name of `Fname`, if it
+  // has one. Asks about an existing
   // file as the reports do; after Cancel the result is the path of that file, which nobody has touched.
   std::u16string GetOutputFileName(const std::u16string& Fname, const std::u16string& DescName,
                                    std::u16string& VTRFname);

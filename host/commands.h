@@ -10,11 +10,19 @@ namespace trvtrout::host {
 // `vtrout info`: what the file holds, and how each list's numbers stand beside a recount.
 ExitStatus info(const Settings& settings, const std::string& file, bool json);
 
-// The names that --part takes, in the order of the reports.
-std::vector<std::string> part_names();
-
 // `vtrout report`: the detail reports of `parts` (all when empty), beside the file.
 ExitStatus report(const Settings& settings, const std::string& file, const std::vector<std::string>& parts,
                   bool temporary);
+
+struct ComparisonTask {
+  std::string primary, secondary;
+  std::vector<std::string> parts;
+  bool json = false;
+  bool summary = false;  // the counts alone, no files
+};
+
+// `vtrout compare`: the comparisons of two documents, beside the primary one, and how many rows have which form.
+// kRemarkable when a row is labelled.
+ExitStatus compare(const Settings& settings, const ComparisonTask& task);
 
 }  // namespace trvtrout::host

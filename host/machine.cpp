@@ -1,52 +1,48 @@
 #include "host/machine.h"
 
-#include <filesystem>
+#include <algorithm>
 #include <unistd.h>
 
+#include "platform/console/printable.h"
 #include "platform/files/path.h"
+#include "platform/text/utf8.h"
 
 namespace trvtrout::host {
 namespace {
 
 bool person_is_there() { return isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILENO) != 0; }
 
-// Why `file` can't be read as a document at all; empty when it may be tried.
-std::string obstacle(const std::string& file) {
-  std::error_code error;
-  const auto status = std::filesystem::status(file, error);
-  if (status.type() == std::filesystem::file_type::not_found) return "there is no such file; check the path";
-  if (error) return error.message();
-  if (std::filesystem::is_directory(status)) return "this is a folder; name a VTR file in it";
-  return {};
-}
+// Puts the cursor on an empty line of the terminal.
+constexpr const char* kEraseLine = "\r\033[K";
+
+const char* line_start() { return isatty(STDERR_FILENO) != 0 ? kEraseLine : ""; }
 
 }  // namespace
 
-Machine::Machine(const Settings& settings)
-    : message_box_(settings.overwrite, std::cin, std::cerr, person_is_there()),
+Machine::Machine(const Settings& settings, Output output)
+    : output_(output),
+      message_box_(settings.overwrite, std::cin, std::cerr, person_is_there(), line_start()),
       save_dialog_(files_, std::cin, std::cerr, person_is_there()),
       locale_(settings.code_page) {}
 
-void complain(const std::string& line) { std::cerr << "vtrout: " << line << '\n'; }
+void complain(const std::string& line) {
+  std::string shown = platform::printable(platform::from_utf8(line));
+  std::ranges::replace(shown, '\n', ' ');
+  std::cerr << line_start() << "vtrout: " << shown << '\n';
+}
 
 Progress::Progress() : on_terminal_(isatty(STDERR_FILENO) != 0) {}
 
 void Progress::show(const std::string& doing) {
-  constexpr const char* kEraseLine = "\r\033[K";
   if (!on_terminal_ || (doing.empty() && !shown_)) return;
-  std::cerr << kEraseLine << doing << std::flush;
+  std::cerr << kEraseLine << platform::printable(platform::from_utf8(doing)) << std::flush;
   shown_ = !doing.empty();
 }
 
-ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file,
-                std::u16string& structure_list) {
+ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file, std::u16string& structure_list,
+                Boolean is_secondary) {
   machine.speak_of(file);
-  if (const std::string why = obstacle(file); !why.empty()) {
-    complain(file + ": " + why);
-    return kTrouble;
-  }
   std::u16string path = platform::class_path(file);
-  Boolean is_secondary = False;
   structure_list.clear();
   {
     Progress progress;
@@ -55,8 +51,13 @@ ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string
   }
   if (utility.LastDamage()) return kRemarkable;
   // Of an unsupported version the class has told the user itself.
-  if (!structure_list.empty()) complain(utility.LastFailure());
+  if (!structure_list.empty()) complain(file + ": " + utility.LastFailure());
   return kTrouble;
+}
+
+void complain_of_part(const char* what, const char* part, const std::u16string& path, const std::string& why) {
+  const std::string where = platform::machine_path(path);
+  complain(std::string("no whole ") + what + ' ' + part + (where.empty() ? "" : " in " + where) + ": " + why);
 }
 
 std::string damage_text(const vtrfile::ReadError& damage) {

@@ -6,8 +6,10 @@
 #include "platform/console/console_message_box.h"
 #include "platform/console/console_save_dialog.h"
 #include "platform/console/quiet_message_loop.h"
+#include "platform/files/discarding_files.h"
 #include "platform/files/local_files.h"
 #include "platform/locale/us_locale.h"
+#include "platform/text/utf8.h"
 
 namespace trvtrout::host {
 
@@ -24,17 +26,25 @@ struct Settings {
   platform::Overwrite overwrite = platform::Overwrite::kAsk;
 };
 
+// Whether operations write their files, or go through with them for their results alone.
+enum class Output { kFiles, kNone };
+
 // The stand-ins for the desktop on this machine. Questions go to the terminal, on stderr; data have stdout alone.
 class Machine {
  public:
-  explicit Machine(const Settings& settings);
-  HostServices services() { return {files_, message_box_, save_dialog_, message_loop_, locale_}; }
+  explicit Machine(const Settings& settings, Output output = Output::kFiles);
+  HostServices services() {
+    Files& files = output_ == Output::kFiles ? static_cast<Files&>(files_) : no_files_;
+    return {files, message_box_, save_dialog_, message_loop_, locale_};
+  }
   Locale& locale() { return locale_; }
   // Messages name this file (a path of the machine) from now on.
-  void speak_of(const std::string& file) { message_box_.set_subject("vtrout: " + file); }
+  void speak_of(const std::string& file) { message_box_.set_subject(u"vtrout: " + platform::from_utf8(file)); }
 
  private:
-  platform::LocalFiles files_;
+  Output output_;
+  platform::LocalFiles files_{platform::MissingFile::kRefuse};
+  platform::DiscardingFiles no_files_{files_};
   platform::ConsoleMessageBox message_box_;
   platform::ConsoleSaveDialog save_dialog_;
   platform::QuietMessageLoop message_loop_;
@@ -60,8 +70,11 @@ class Progress {
 
 // Reads `file` (a path of the machine) into `utility`. kFine, kRemarkable for a damaged file (`structure_list` has the
 // two lists), kTrouble for one that can't be read, of which the user has been told. Never creates the file.
-ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file,
-                std::u16string& structure_list);
+ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file, std::u16string& structure_list,
+                Boolean is_secondary = False);
+
+// One line on stderr: no whole `what` `part`, where its file is if there is one, and why.
+void complain_of_part(const char* what, const char* part, const std::u16string& path, const std::string& why);
 
 // Where the reading of a damaged file broke off, for people.
 std::string damage_text(const vtrfile::ReadError& damage);

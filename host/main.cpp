@@ -2,6 +2,7 @@
 #include <csignal>
 
 #include "host/commands.h"
+#include "host/parts.h"
 
 namespace {
 
@@ -11,10 +12,11 @@ using trvtrout::platform::Overwrite;
 constexpr const char* kDescription =
     "Examples:\n"
     "  vtrout report plant.vtr          write the eight detail reports beside the file\n"
-    "  vtrout info plant.vtr            tell what the file holds\n"
+    "  vtrout compare old.vtr new.vtr   tell, part by part, what changed between two files\n"
     "\n"
-    "Reads binary VTR files and writes reports on them as comma-separated text.\n"
-    "Exit status: 0 fine; 1 the file is damaged, and what could be read was used; 2 trouble, told on stderr.";
+    "Reads binary VTR files, reports on them and compares them as comma-separated text.\n"
+    "Exit status: 0 fine; 1 the files differ, or the file is damaged and what could be read was used; 2 trouble, told\n"
+    "on stderr.";
 
 void add_code_page(CLI::App& command, Settings& settings) {
   command.add_option("--code-page", settings.code_page, "Code page of the texts in the file")->capture_default_str();
@@ -27,6 +29,13 @@ void add_overwrite(CLI::App& command, Settings& settings) {
       .add_flag_callback(
           "--no-clobber", [&settings] { settings.overwrite = Overwrite::kNever; }, "Never overwrite a file")
       ->excludes(yes);
+}
+
+void add_parts(CLI::App& command, std::vector<std::string>& parts) {
+  command.add_option("--part", parts, "Only this part; may be given several times")
+      ->check(CLI::IsMember(part_names()))
+      ->take_all()
+      ->allow_extra_args(false);
 }
 
 int run(int argc, char** argv) {
@@ -48,19 +57,30 @@ int run(int argc, char** argv) {
   bool temporary = false;
   auto* const report_command = app.add_subcommand("report", "Write detail reports beside a file; prints their paths");
   report_command->add_option("FILE", file, "A VTR file")->required();
-  report_command->add_option("--part", parts, "Only this part; may be given several times")
-      ->check(CLI::IsMember(part_names()))
-      ->take_all()
-      ->expected(1);
+  add_parts(*report_command, parts);
   report_command->add_flag("--temporary", temporary, "Ask for the temporary name, which has no date in it");
   add_overwrite(*report_command, settings);
   add_code_page(*report_command, settings);
   report_command->callback([&] { status = report(settings, file, parts, temporary); });
 
+  ComparisonTask task;
+  auto* const compare_command =
+      app.add_subcommand("compare", "Compare two files part by part; prints the reports' paths, counts the rows");
+  compare_command->add_option("PRIMARY", task.primary, "The VTR file that came first")->required();
+  compare_command->add_option("SECONDARY", task.secondary, "The VTR file that came after it")->required();
+  add_parts(*compare_command, task.parts);
+  compare_command->add_flag("--summary", task.summary, "Write no files, print the counts alone");
+  compare_command->add_flag("--json", task.json, "The counts for programs; docs/json.md tells the form");
+  add_overwrite(*compare_command, settings);
+  add_code_page(*compare_command, settings);
+  compare_command->callback([&] { status = compare(settings, task); });
+
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? kFine : kTrouble;
+    if (error.get_exit_code() == 0) return app.exit(error);  // --help, --version
+    complain(std::string(error.what()) + "; see vtrout --help");
+    return kTrouble;
   }
   std::cout.flush();
   if (!std::cout) {

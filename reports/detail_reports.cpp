@@ -19,11 +19,9 @@ bool write_detail_report(const HostServices& services, const DocumentSlots& docu
                          const std::u16string& fname, bool is_temp, std::u16string& report_path) {
   const OutputName name = GetReportFileName(services, fname, std::u16string(report.desc_name), is_temp);
   report_path = name.path;
-  // The save dialog's answer isn't tested by anybody else, and the document itself must never be written over.
-  if (name.abandoned || name.path == fname) return false;
+  if (name.abandoned) return false;
 
-  const auto file_system = services.files.CreateFileSystemObject();
-  const auto stream = file_system->CreateTextFile(report_path, true, false);
+  const auto stream = create_report(services, name, {&fname});
   ReportWriter out(*stream, services.locale);
   write_head(out, fname);
   report.write(out, document);

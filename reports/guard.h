@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <new>
 #include <string>
 #include <utility>
 
@@ -22,6 +23,8 @@ auto guarded(Body&& body, Failed&& failed) -> decltype(body()) {
     return std::forward<Body>(body)();
   } catch (const ServiceError& error) {
     return std::forward<Failed>(failed)(Failure{error.number(), error.what()});
+  } catch (const std::bad_alloc&) {
+    return std::forward<Failed>(failed)(Failure{0, "there is not enough memory"});
   } catch (const std::exception& error) {
     return std::forward<Failed>(failed)(Failure{0, error.what()});
   }

@@ -78,6 +78,8 @@ class Files {
   // Opens for reading; a file that doesn't exist is created empty. A directory, a missing directory, a file that
   // another program holds raise ServiceError.
   virtual std::unique_ptr<BinaryFile> OpenBinary(const std::u16string& path) = 0;
+  // Whether both paths name one file that exists, by whatever name or link. Raises nothing.
+  virtual bool SameFile(const std::u16string& path, const std::u16string& other) = 0;
 };
 
 // Buttons and answers of the message box, with the platform's numbers.

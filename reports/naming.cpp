@@ -35,7 +35,7 @@ std::u16string stamp(Locale& locale) {
 // Puts the question about an existing file and goes by its answer.
 OutputName settle(const HostServices& services, FileSystemObject& file_system, const SourcePath& source,
                   const std::u16string& path, std::u16string_view extension) {
-  OutputName name{path, source.base_name};
+  OutputName name{path, source.base_name, false, {}};
   if (!file_system.FileExists(path)) return name;
   const MessageAnswer answer = services.message_box.Show(
       u"File " + path + u" already exists. Do you want to overwite it?", MessageButtons::kYesNoCancel, std::nullopt);
@@ -47,6 +47,7 @@ OutputName settle(const HostServices& services, FileSystemObject& file_system, c
     services.save_dialog.SetText(source.file_name);
     services.save_dialog.ShowSave();
     name.path = services.save_dialog.FileName();
+    name.failure = "no path was given";
   }
   return name;
 }
@@ -60,6 +61,17 @@ std::u16string_view extension_of(std::u16string_view desc_name) {
 
 }  // namespace
 
+std::unique_ptr<TextStream> create_report(const HostServices& services, const OutputName& name,
+                                          std::initializer_list<const std::u16string*> sources) {
+  if (name.path.empty()) throw std::invalid_argument(name.failure);
+  for (const std::u16string* source : sources) {
+    if (name.path == *source || services.files.SameFile(name.path, *source)) {
+      throw std::invalid_argument("that is the document itself, which is never written over");
+    }
+  }
+  return services.files.CreateFileSystemObject()->CreateTextFile(name.path, true, false);
+}
+
 OutputName GetReportFileName(const HostServices& services, const std::u16string& fname, const std::u16string& desc_name,
                              bool is_temp) {
   return guarded(
@@ -72,12 +84,14 @@ OutputName GetReportFileName(const HostServices& services, const std::u16string&
         const std::u16string path = source.directory + name + std::u16string(kReportExtension);
         return settle(services, *file_system, source, path, kReportExtension);
       },
-      [](const Failure&) { return OutputName(); });
+      [](const Failure& failure) {
+        return OutputName{{}, {}, false, failure.what};
+      });
 }
 
 OutputName GetOutputFileName(const HostServices& services, const std::u16string& fname,
                              const std::u16string& desc_name) {
-  std::u16string base_name;
+  std::optional<std::u16string> base_name;
   return guarded(
       [&] {
         const std::u16string moment = stamp(services.locale);
@@ -85,7 +99,7 @@ OutputName GetOutputFileName(const HostServices& services, const std::u16string&
         const SourcePath source = split(fname);
         base_name = source.base_name;
         const std::u16string_view extension = extension_of(desc_name);
-        if (extension.empty()) return OutputName{{}, base_name};
+        if (extension.empty()) return OutputName{{}, base_name, false, {}};
         const std::u16string path =
             source.directory + source.base_name + u"_" + desc_name + u"_" + moment + std::u16string(extension);
         return settle(services, *file_system, source, path, extension);

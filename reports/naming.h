@@ -1,5 +1,8 @@
 #pragma once
 
+#include <initializer_list>
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "reports/host_services.h"
@@ -8,11 +11,18 @@ namespace trvtrout {
 
 // What the naming step settled.
 struct OutputName {
-  std::u16string path;       // empty when the step failed
-  std::u16string base_name;  // the source file's name up to its first full stop
+  std::u16string path;  // empty when the step failed
+  // The source file's name up to its first full stop; none when it has no full stop.
+  std::optional<std::u16string> base_name;
   // The user answered Cancel about the file that stands at `path`: it must not be touched.
   bool abandoned = false;
+  std::string failure;  // why the path is empty, for people
 };
+
+// Creates the text file of a report under a settled name. Raises ServiceError and what keeps a name from being used: it
+// must not be empty, nor be one of the documents at `sources`, which are never written over.
+std::unique_ptr<TextStream> create_report(const HostServices& services, const OutputName& name,
+                                          std::initializer_list<const std::u16string*> sources);
 
 // The path of a report on the file `fname`: beside it, named after it, `desc_name` and (not `is_temp`) the moment. Asks
 // about an existing file; after No the path is what the save dialog gave, unchanged. Raises nothing: an `fname` without

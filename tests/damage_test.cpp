@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "tests/support.h"
-#include "vtrfile/recount.h"
 
 // Damages every sample in every way that is cheap to name, and counts what survives.
 namespace trvtrout::tests {
@@ -67,20 +66,20 @@ TEST(Damage, AFlippedBitEndsInAResultAndSparesTheSectionsBefore) {
     const std::string whole = sample(name);
     const auto places = section_places(whole);
     // Every bit of the smallest file, and of the others one bit of each byte, a different one from byte to byte.
-    const std::size_t step = whole.size() < 1000 ? 1 : 8;
+    const std::size_t step = whole.size() < 1000 ? 1 : 9;
     std::string flipped = whole;
     for (std::size_t bit = 0; bit < 8 * whole.size(); bit += step) {
-      const std::size_t at = step == 1 ? bit / 8 : bit / 8;
-      const auto mask = static_cast<char>(1 << (step == 1 ? bit % 8 : (bit / 8) % 8));
-      flipped[at] = static_cast<char>(flipped[at] ^ mask);
+      const std::size_t at = bit / 8;
+      flipped[at] = static_cast<char>(flipped[at] ^ (1 << bit % 8));
       Reading reading;
       reading.read(flipped);
-      if (reading.complete || reading.damage) {
-        const auto in_section = std::ranges::find_if(places, [&](const SectionPlace& p) { return at < p.end; });
-        const bool at_first_byte = in_section != places.end() && at == in_section->begin;
-        if (at_first_byte) expect_sections_before(reading, whole, places, at, name);
+      const bool unsupported = !reading.complete && !reading.damage;
+      if (unsupported) {
+        ASSERT_EQ(classify(reading.current.Header->Version.bytes()), FormatClass::kUnsupported)
+            << name << " bit " << bit;
+      } else {
+        expect_sections_before(reading, whole, places, at, name + (" bit " + std::to_string(bit)));
       }
-      recount_fields(reading.current.Schema->Tables);
       flipped[at] = whole[at];
     }
   }

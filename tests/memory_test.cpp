@@ -85,6 +85,21 @@ TEST(Memory, StaysInProportionForHostileFiles) {
   EXPECT_LE(peak_of_reading(files[0].second), std::size_t{64} << 10) << "refused at once";
 }
 
+// What a damaged file left announced must not become bytes when the next one is of the old format.
+TEST(Memory, AnUpgradeTakesNoRoomForItemsThatAreNotThere) {
+  SCHEMA_STRUCT schema{};
+  const std::string whole = bytes_of(schema);
+  const std::size_t product_list = whole.size() - (6 + 2 + 12 + 2 + 6 + 4 + 40) - (2 + 2 + 36) - 2;
+  Reading reading;
+  reading.read(FileBuilder().tag("Schema").bytes() + whole.substr(0, product_list) + list(100'000));
+  ASSERT_EQ(reading.current.Schema->Product.ProductList.Items.size(), 100'000);
+  const std::size_t before = g_now;
+  g_peak = before;
+  reading.read(FileBuilder("01.00.00").section("Schema", SCHEMA_STRUCT_OLD1{}).with_end());
+  EXPECT_LE(g_peak - before, std::size_t{64} << 10);
+  EXPECT_EQ(reading.current.Schema->Product.ProductList.Items.size(), 100'000);
+}
+
 TEST(Memory, OfASampleIsAFewTimesItsSize) {
   for (const std::string& name : sample_names()) {
     const std::string bytes = sample(name);

@@ -256,7 +256,7 @@ TEST(Console, SaveDialogNeverOverwritesUnasked) {
     dialog.SetFilterIndex(2);
     dialog.SetText(u"plant.vtr");
     dialog.ShowSave();
-    EXPECT_EQ(out.str().find("Path of the file to write, Values (*.csv), from plant.vtr; Enter for none: "),
+    EXPECT_EQ(out.str().find("Path of the file to write, Values, from plant.vtr; Enter for none: "),
               interactive ? 0 : std::string::npos);
     return dialog.FileName();
   };

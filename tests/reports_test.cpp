@@ -147,6 +147,8 @@ TEST_F(Reports, OutputFilesAreNamedByWhatTheyAre) {
   EXPECT_EQ(output_name(u"Compared"), path);
   machine.save_dialog.file_name = u"x";
   EXPECT_EQ(output_name(u"Compared"), u"x");
+  EXPECT_EQ(utility.GetOutputFileName(u"no stop", u"Log", base_name), u"");
+  EXPECT_EQ(base_name, u"Plant") << "only a name that was found is handed out";
   EXPECT_EQ(machine.save_dialog.calls[0], "SetFilter All Files (*.*)|*.*|VTR Files (*.XLS)|*.XLS");
 }
 
@@ -230,6 +232,7 @@ TEST_F(Reports, ReadingReportsWhatCanNotBeOpened) {
   EXPECT_FALSE(utility.ReadVTR(name, list, no));
   EXPECT_EQ(list, u"given");
   EXPECT_EQ(machine.files.calls(), 0);
+  EXPECT_EQ(machine.message_loop.count, 0);
 
   name = u"held.vtr";
   machine.memory.held = {name};
@@ -242,6 +245,7 @@ TEST_F(Reports, ReadingReportsWhatCanNotBeOpened) {
   list = u"given";
   EXPECT_FALSE(utility.ReadVTR(name, list, no));
   EXPECT_EQ(machine.memory.files.at(name), "") << "the open creates a missing file";
+  EXPECT_EQ(machine.message_loop.count, 1);
   EXPECT_EQ(list, u"given");
   EXPECT_EQ(machine.message_box.calls.back().prompt,
             u"Cannot open the VTR file. VTR Output does not support strcture version: \r\nPlease send the file to "
@@ -273,6 +277,22 @@ TEST_F(Reports, SurviveAFaultInAnyFileCall) {
   for (const Operation operation : kOperations) {
     EXPECT_GT(try_all([&] { return write(operation, path); }), 10);
   }
+  // A report that stands there is lost only when the user gave it up.
+  const std::u16string old = u"C:\\~tmpPlant_Tree.CSV";
+  machine.save_dialog.file_name = u"C:\\chosen.csv";
+  for (const MessageAnswer answer : {MessageAnswer::kCancel, MessageAnswer::kNo}) {
+    for (int call = 1; call < 40; ++call) {
+      machine.memory.files = {{path, document}, {old, "old"}};
+      machine.message_box.answers = {answer};
+      machine.files.fail_at(call);
+      const Boolean written = write(kOperations[2], path);
+      EXPECT_EQ(machine.memory.files[old], "old");
+      EXPECT_TRUE(!written || (answer == MessageAnswer::kNo && call > machine.files.calls()));
+    }
+  }
+  machine.files.fail_at(2);
+  EXPECT_EQ(output_name(u"Statistics"), u"");
+  EXPECT_EQ(machine.memory.open_objects(), 0);
   EXPECT_EQ(try_all([&] {
               machine.memory.files[u"C:\\made.csv"] = "report";
               const Boolean deleted = utility.Delete_ASCII(u"C:\\made.csv");

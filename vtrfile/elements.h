@@ -114,7 +114,8 @@ class Array {
   std::int64_t size() const noexcept { return block_ ? block_->count : 0; }
   std::int64_t lower() const noexcept { return block_ ? block_->lower : 0; }
   std::int64_t upper() const noexcept { return lower() + size() - 1; }
-  std::uint32_t stored() const noexcept { return block_ ? block_->stored : 0; }
+  // What the array was made of; only for one that is allocated.
+  const Block& block() const noexcept { return *block_; }
 
   // The element with this index, counted from lower(). Raises SubscriptOutOfRange.
   const Element& at(std::int64_t index) const {

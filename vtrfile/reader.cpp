@@ -111,7 +111,7 @@ bool DocumentReader::read(std::shared_ptr<const Image> image) {
 void DocumentReader::read_sections(bool old_format) {
   for (int number = 1; number <= kMaxTags; ++number) {
     const std::uint64_t offset = records_->offset();
-    const std::string_view tag = next_tag(number);
+    const std::string_view tag = next_tag();
     if (tag == kEndTag) {
       (read_list_ += kEndTag) += kLineEnd;
       return;
@@ -122,7 +122,8 @@ void DocumentReader::read_sections(bool old_format) {
       if (unknown_tag_number_ == 0) {
         unknown_tag_number_ = number;
         unknown_tag_offset_ = offset;
-        unknown_tag_ = tag;
+        unknown_tag_ = tag_is_cut_ ? "the file ends here, without its \"EOF\" tag"
+                                   : shown(tag) + " where the tag of a section was due";
       }
       continue;
     }
@@ -142,17 +143,11 @@ void DocumentReader::read_sections(bool old_format) {
   give_up();
 }
 
-std::string_view DocumentReader::next_tag(int number) {
+std::string_view DocumentReader::next_tag() {
   // What the end of the file left of one tag's name may be the name of another.
-  const bool name_is_cut = records_->next_text_is_cut();
-  try {
-    read_records(current_.SectionTag, 1);
-  } catch (ReadError& error) {
-    error.enter(static_cast<std::uint64_t>(number));
-    error.enter("SectionTag");
-    throw;
-  }
-  return name_is_cut ? std::string_view() : current_.SectionTag->Tag.bytes();
+  tag_is_cut_ = records_->at_end() || records_->next_text_is_cut();
+  read_records(current_.SectionTag, 1);
+  return tag_is_cut_ ? std::string_view() : current_.SectionTag->Tag.bytes();
 }
 
 template <class Record>
@@ -195,12 +190,10 @@ void DocumentReader::account(const Section& section, bool old_format) {
 }
 
 void DocumentReader::give_up() const {
-  const bool at_end = unknown_tag_offset_ == image_->size() || (unknown_tag_.empty() && records_->at_end());
-  ReadError error(unknown_tag_number_ ? unknown_tag_offset_ : records_->offset(),
-                  !unknown_tag_number_ ? "more than " + std::to_string(kMaxTags) + " section tags"
-                  : at_end             ? std::string("the file ends here, without its \"EOF\" tag")
-                                       : shown(unknown_tag_) + " where the tag of a section was due");
-  error.enter(static_cast<std::uint64_t>(unknown_tag_number_ ? unknown_tag_number_ : kMaxTags + 1));
+  const bool lost = unknown_tag_number_ != 0;
+  ReadError error(lost ? unknown_tag_offset_ : records_->offset(),
+                  lost ? unknown_tag_ : "more than " + std::to_string(kMaxTags) + " section tags");
+  error.enter(static_cast<std::uint64_t>(lost ? unknown_tag_number_ : kMaxTags + 1));
   error.enter("SectionTag");
   throw error;
 }

@@ -42,7 +42,7 @@ class DocumentReader {
   template <class Record>
   void read_records(Slot<Record>& slot, int count);
   void read_sections(bool old_format);
-  std::string_view next_tag(int number);
+  std::string_view next_tag();
   void account(const Section& section, bool old_format);
   [[noreturn]] void give_up() const;
 
@@ -54,7 +54,8 @@ class DocumentReader {
   std::string read_list_;
   std::string not_read_list_;
   std::string old_not_read_list_;
-  // The first tag that names no section: where the walk lost its way.
+  bool tag_is_cut_ = false;  // the tag last read, by the end of the file
+  // The first tag that names no section, where the walk lost its way, and what was found there.
   std::uint64_t unknown_tag_offset_ = 0;
   int unknown_tag_number_ = 0;
   std::string unknown_tag_;

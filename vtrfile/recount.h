@@ -14,7 +14,7 @@ struct ListInfo {
   // Index of the last used slot, counted from 1; what the recount had reached when it failed.
   std::int32_t size = 0;
   // False: the list doesn't hold together (an array that was announced and isn't there, no used slot in it, a lower
-  // bound other than 1).
+  // bound with which the walk comes to an index that the array doesn't have).
   bool ok = false;
 };
 

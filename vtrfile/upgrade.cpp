@@ -1,5 +1,6 @@
 #include "vtrfile/upgrade.h"
 
+#include <new>
 #include <span>
 #include <string>
 
@@ -8,6 +9,8 @@
 
 namespace trvtrout::vtrfile {
 
+using ProductItems = Array<PRODUCT_LIST_ITEM_STRUCT>;
+
 void UpgradeSchema(std::string_view version, const Slot<SCHEMA_STRUCT_OLD1>& schema_old, Slot<SCHEMA_STRUCT>& target) {
   if (version != kOldFormatVersion) return;
 
@@ -15,6 +18,15 @@ void UpgradeSchema(std::string_view version, const Slot<SCHEMA_STRUCT_OLD1>& sch
   SCHEMA_STRUCT staying = *target;
   staying.Tables = {};
   staying.Lookups = {};
+  // Items that were announced behind the end of the file before take no room here either.
+  auto& list = staying.Product.ProductList.Items;
+  const ProductItems announced = list;
+  ProductItems::Block stored{};
+  if (announced.allocated()) {
+    stored = announced.block();
+    stored.count = stored.stored;
+    list = ProductItems(&stored);
+  }
   std::string bytes;
   RecordWriter(bytes).write(staying);
   const auto image = image_of({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()});
@@ -27,6 +39,12 @@ void UpgradeSchema(std::string_view version, const Slot<SCHEMA_STRUCT_OLD1>& sch
     schema.Product.Text4 = stays.Text4;
     schema.Product.Text10 = stays.Text10;
     schema.Product.Raw4 = stays.Raw4;
+    if (announced.allocated()) {
+      auto& block = *new (memory.allocate(sizeof stored, alignof(ProductItems::Block)))
+                        ProductItems::Block(schema.Product.ProductList.Items.block());
+      block.count = announced.block().count;
+      schema.Product.ProductList.Items = ProductItems(&block);
+    }
     schema.Tables = schema_old->Tables;
     schema.Lookups = schema_old->Lookups;
   });

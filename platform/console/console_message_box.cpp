@@ -8,15 +8,23 @@
 
 namespace trvtrout::platform {
 
+namespace {
+
+// A message as a line for people; its paths are shown as the machine writes them.
+std::string one_line(std::u16string text) {
+  std::ranges::replace(text, u'\\', u'/');
+  std::string line = printable(text);
+  std::ranges::replace(line, '\n', ' ');
+  return line;
+}
+
+}  // namespace
+
 MessageAnswer ConsoleMessageBox::Show(const std::u16string& prompt, MessageButtons buttons,
                                       const std::optional<std::u16string>& title) {
-  if (buttons == MessageButtons::kYesNoCancel) return answer(printable(prompt));
-  const std::string lead = subject_.empty() && title ? printable(*title) : subject_;
-  if (!lead.empty()) out_ << lead << ": ";
-  // One line for each message, as programs and people expect of stderr.
-  std::string line = printable(prompt);
-  std::ranges::replace(line, '\n', ' ');
-  out_ << line << '\n' << std::flush;
+  if (buttons == MessageButtons::kYesNoCancel) return answer(one_line(prompt));
+  const std::u16string lead = subject_.empty() ? title.value_or(u"") : subject_;
+  out_ << line_start_ << one_line(lead.empty() ? prompt : lead + u": " + prompt) << '\n' << std::flush;
   return MessageAnswer::kOk;
 }
 
@@ -24,12 +32,12 @@ MessageAnswer ConsoleMessageBox::answer(const std::string& question) {
   if (overwrite_ == Overwrite::kYes) return MessageAnswer::kYes;
   if (overwrite_ == Overwrite::kNever || !interactive_) {
     const bool never = overwrite_ == Overwrite::kNever;
-    out_ << question << ' ' << (never ? "Not overwritten (--no-clobber)." : "Not overwritten: say --yes to overwrite.")
-         << '\n'
+    out_ << line_start_ << question << ' '
+         << (never ? "Not overwritten (--no-clobber)." : "Not overwritten: say --yes to overwrite.") << '\n'
          << std::flush;
     return MessageAnswer::kCancel;
   }
-  switch (ask_letter(in_, out_, question + " [y]es, [n]o (name another file), [c]ancel: ", "ync")) {
+  switch (ask_letter(in_, out_, line_start_ + question + " [y]es, [n]o (name another file), [c]ancel: ", "ync")) {
     case 'y':
       return MessageAnswer::kYes;
     case 'n':

@@ -15,11 +15,13 @@ enum class Overwrite { kAsk, kYes, kNever };
 // Message boxes as lines of a terminal. Without a person at it (`interactive` false) kAsk overwrites nothing.
 class ConsoleMessageBox : public MessageBox {
  public:
-  ConsoleMessageBox(Overwrite overwrite, std::istream& in, std::ostream& out, bool interactive)
-      : overwrite_(overwrite), in_(in), out_(out), interactive_(interactive) {}
+  // `line_start` goes out in front of each message: what clears the line where something may stand already.
+  ConsoleMessageBox(Overwrite overwrite, std::istream& in, std::ostream& out, bool interactive,
+                    std::string line_start = {})
+      : overwrite_(overwrite), in_(in), out_(out), interactive_(interactive), line_start_(std::move(line_start)) {}
 
   // What the messages are about; stands in front of them in place of their titles.
-  void set_subject(std::string subject) { subject_ = std::move(subject); }
+  void set_subject(std::u16string subject) { subject_ = std::move(subject); }
 
   MessageAnswer Show(const std::u16string& prompt, MessageButtons buttons,
                      const std::optional<std::u16string>& title) override;
@@ -31,7 +33,8 @@ class ConsoleMessageBox : public MessageBox {
   std::istream& in_;
   std::ostream& out_;
   bool interactive_;
-  std::string subject_;
+  std::string line_start_;
+  std::u16string subject_;
 };
 
 }  // namespace trvtrout::platform

@@ -39,9 +39,9 @@ void ConsoleSaveDialog::ShowSave() {
 // The source is told and never offered: Enter must not choose the file that is being read.
 std::string ConsoleSaveDialog::question() const {
   const std::vector<std::u16string> parts = split(filter_);
-  const auto chosen = static_cast<std::size_t>(filter_index_ > 0 ? filter_index_ - 1 : 0) * 2;
+  const auto chosen = static_cast<std::size_t>(filter_index_ > 0 ? filter_index_ - 1 : 0) * 2;  // its description
   std::string text = "Path of the file to write";
-  if (chosen + 1 < parts.size()) text += ", " + printable(parts[chosen]) + " (" + printable(parts[chosen + 1]) + ")";
+  if (chosen < parts.size()) text += ", " + printable(parts[chosen]);
   if (!source_.empty()) text += ", from " + printable(source_);
   return text + "; Enter for none: ";
 }

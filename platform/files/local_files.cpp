@@ -104,7 +104,15 @@ class LocalFileSystem : public FileSystemObject {
 std::unique_ptr<FileSystemObject> LocalFiles::CreateFileSystemObject() { return std::make_unique<LocalFileSystem>(); }
 
 std::unique_ptr<BinaryFile> LocalFiles::OpenBinary(const std::u16string& path) {
-  return std::make_unique<LocalBinaryFile>(FileHandle(machine_path(path), "read", Access::kRead, Creation::kIfMissing));
+  const Creation creation = missing_ == MissingFile::kCreate ? Creation::kIfMissing : Creation::kNever;
+  return std::make_unique<LocalBinaryFile>(FileHandle(machine_path(path), "read", Access::kRead, creation));
+}
+
+bool LocalFiles::SameFile(const std::u16string& path, const std::u16string& other) {
+  struct stat one {
+  }, two{};
+  return stat(machine_path(path).c_str(), &one) == 0 && stat(machine_path(other).c_str(), &two) == 0 &&
+         one.st_dev == two.st_dev && one.st_ino == two.st_ino;
 }
 
 }  // namespace trvtrout::platform

@@ -36,6 +36,7 @@ class MemoryFiles : public Files {
     files.try_emplace(path);
     return std::make_unique<Input>(*this, path);
   }
+  bool SameFile(const std::u16string& path, const std::u16string& other) override { return path == other; }
 
  private:
   static constexpr int kWriter = -1;

@@ -32,6 +32,9 @@ class FaultyFiles : public Files {
     count("OpenBinary");
     return std::make_unique<Input>(*this, inner_.OpenBinary(path));
   }
+  bool SameFile(const std::u16string& path, const std::u16string& other) override {
+    return inner_.SameFile(path, other);
+  }
 
  private:
   void count(const char* name) {

@@ -1,0 +1,120 @@
+#include <algorithm>
+#include <iomanip>
+#include <nlohmann/json.hpp>
+
+#include "host/commands.h"
+#include "host/parts.h"
+#include "platform/files/path.h"
+#include "platform/text/utf8.h"
+
+namespace trvtrout::host {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// What the comparison of one part came to.
+struct PartResult {
+  const char* name;
+  bool written;
+  std::string report;  // a path of the machine; empty when none was asked for
+  ComparisonCounts counts;
+  std::vector<std::u16string> repeated_in_primary, repeated_in_secondary;
+
+  bool different() const { return counts.changed + counts.deleted + counts.added > 0; }
+};
+
+// Reads one of the two documents; a damaged one isn't compared.
+bool read_whole(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file, Boolean is_secondary) {
+  std::u16string structure_list;
+  const ExitStatus status = read(machine, utility, file, structure_list, is_secondary);
+  if (status == kRemarkable) {
+    complain(file + ": " + damage_text(*utility.LastDamage()) + "; it can't be compared: see `vtrout info`, and " +
+             "`vtrout recover` for what can be saved");
+  }
+  return status == kFine;
+}
+
+void print_table(std::ostream& out, const std::vector<PartResult>& results) {
+  constexpr int kNameWidth = 10, kNumberWidth = 11;
+  out << std::left << std::setw(kNameWidth) << "part" << std::right;
+  for (const char* head : {"unchanged", "changed", "deleted", "added"}) out << std::setw(kNumberWidth) << head;
+  out << '\n';
+  for (const PartResult& result : results) {
+    const ComparisonCounts& counts = result.counts;
+    out << std::left << std::setw(kNameWidth) << result.name << std::right;
+    for (const std::size_t number : {counts.unchanged, counts.changed, counts.deleted, counts.added}) {
+      out << std::setw(kNumberWidth) << number;
+    }
+    out << (result.written ? "" : "  (not whole)") << '\n';
+  }
+}
+
+Json to_json(const std::vector<std::u16string>& keys) {
+  Json array = Json::array();
+  for (const auto& key : keys) array.push_back(platform::to_utf8(key));
+  return array;
+}
+
+Json to_json(const PartResult& result) {
+  return {{"result", result.written},
+          {"report", result.report.empty() ? Json() : Json(result.report)},
+          {"unchanged", result.counts.unchanged},
+          {"changed", result.counts.changed},
+          {"deleted", result.counts.deleted},
+          {"added", result.counts.added},
+          {"repeatedKeys",
+           {{"primary", to_json(result.repeated_in_primary)}, {"secondary", to_json(result.repeated_in_secondary)}}}};
+}
+
+void print_json(const std::string& primary, const std::string& secondary, bool different,
+                const std::vector<PartResult>& results) {
+  Json parts = Json::object();
+  for (const PartResult& result : results) parts[result.name] = to_json(result);
+  const Json whole = {{"primary", primary}, {"secondary", secondary}, {"different", different}, {"parts", parts}};
+  std::cout << whole.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+}  // namespace
+
+ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
+  if (!can_name_reports(task.primary) || !can_name_reports(task.secondary)) return kTrouble;
+  Machine machine(settings, task.summary ? Output::kNone : Output::kFiles);
+  TarvelVtrOut_InOut utility(machine.services());
+  if (!read_whole(machine, utility, task.primary, False) || !read_whole(machine, utility, task.secondary, True)) {
+    return kTrouble;
+  }
+
+  ExitStatus status = kFine;
+  std::vector<PartResult> results;
+  Progress progress;
+  std::u16string primary = platform::class_path(task.primary), secondary = platform::class_path(task.secondary);
+  for (const Part& part : parts_named(task.parts)) {
+    progress.show(std::string("Comparing ") + part.name);
+    std::u16string report;
+    const Boolean written = (utility.*part.compare)(primary, secondary, report);
+    progress.show({});
+    PartResult& result = results.emplace_back(PartResult{part.name, bool(written), {}, utility.LastCounts(), {}, {}});
+    if (!task.summary) result.report = platform::machine_path(report);
+    if (!written) {
+      complain_of_part("comparison of", part.name, report, utility.LastFailure());
+      status = kTrouble;
+    } else if (status == kFine && result.different()) {
+      status = kRemarkable;
+    }
+    if (task.json) {
+      result.repeated_in_primary = utility.RepeatedKeys(false);
+      result.repeated_in_secondary = utility.RepeatedKeys(true);
+    } else if (written && !task.summary) {
+      std::cout << result.report << std::endl;
+    }
+  }
+  if (task.json) {
+    const bool different = std::ranges::any_of(results, &PartResult::different);
+    print_json(task.primary, task.secondary, different, results);
+  } else {
+    print_table(task.summary ? std::cout : std::cerr, results);
+  }
+  return status;
+}
+
+}  // namespace trvtrout::host

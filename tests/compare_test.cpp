@@ -1,0 +1,325 @@
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <numeric>
+#include <random>
+#include <sstream>
+
+#include "compare/comparisons.h"
+#include "component/TarvelVtrOut_InOut.h"
+#include "tests/fakes/fake_services.h"
+#include "tests/support.h"
+
+namespace trvtrout::tests {
+namespace {
+
+using namespace vtrfile;
+
+// The rows of a walk, told by the numbers of the records.
+struct Row {
+  std::int32_t primary, secondary;
+  bool operator==(const Row&) const = default;
+};
+
+std::ostream& operator<<(std::ostream& out, const Row& row) { return out << row.primary << '/' << row.secondary; }
+
+struct RowLog {
+  std::vector<Row>& rows;
+  void pair(std::int32_t primary, std::int32_t secondary) { rows.push_back({primary, secondary}); }
+  void deleted(std::int32_t primary) { rows.push_back({primary, 0}); }
+  void added(std::int32_t secondary) { rows.push_back({0, secondary}); }
+};
+
+// The plain nested scan: a working list that is searched from its first entry, and loses one entry for each match.
+// matches(primary, entry) and leaves(primary, entry) are the two rules, on numbers from 1.
+std::vector<Row> nested_scan(std::int32_t primaries, std::int32_t secondaries, const auto& matches, const auto& leaves,
+                             bool whole_list = false) {
+  std::vector<std::int32_t> whole(static_cast<std::size_t>(secondaries));
+  std::iota(whole.begin(), whole.end(), 1);
+  std::vector<std::int32_t> working = whole;
+  std::vector<Row> rows;
+  for (std::int32_t primary = 1; primary <= primaries; ++primary) {
+    const auto& searched = whole_list ? whole : working;
+    const auto partner = std::ranges::find_if(searched, [&](std::int32_t entry) { return matches(primary, entry); });
+    if (partner == searched.end()) {
+      rows.push_back({primary, 0});
+      continue;
+    }
+    rows.push_back({primary, *partner});
+    const auto leaving = std::ranges::find_if(working, [&](std::int32_t entry) { return leaves(primary, entry); });
+    if (leaving != working.end()) working.erase(leaving);
+  }
+  for (const std::int32_t entry : working) rows.push_back({0, entry});
+  return rows;
+}
+
+class Walks : public testing::Test {
+ protected:
+  int upto(int most) { return std::uniform_int_distribution(0, most)(random_); }
+  std::vector<std::string> keys() {
+    std::vector<std::string> all(static_cast<std::size_t>(upto(12)));
+    for (auto& key : all) key = std::string(1, static_cast<char>('A' + upto(5)));
+    return all;
+  }
+
+  std::mt19937 random_{20040601};
+};
+
+TEST_F(Walks, ByKeyAreThoseOfTheNestedScan) {
+  for (int round = 0; round < 3000; ++round) {
+    const auto primary = keys(), secondary = keys();
+    const auto key_in = [](const std::vector<std::string>& list) {
+      return [&list](std::int32_t number) { return MatchKey{.text = list[static_cast<std::size_t>(number - 1)]}; };
+    };
+    const auto same = [&](std::int32_t one, std::int32_t other) {
+      return key_in(primary)(one) == key_in(secondary)(other);
+    };
+    const auto count = static_cast<std::int32_t>(primary.size()), others = static_cast<std::int32_t>(secondary.size());
+    for (const PartnerFrom from : {PartnerFrom::kWorkingList, PartnerFrom::kWholeList}) {
+      std::vector<Row> rows;
+      ByKey policy(key_in(primary), key_in(secondary), others, from);
+      walk(count, policy, RowLog{rows});
+      ASSERT_EQ(rows, nested_scan(count, others, same, same, from == PartnerFrom::kWholeList)) << "round " << round;
+    }
+  }
+}
+
+using Node = TREE_HIERARCHY_ITEM_STRUCT;
+
+bool tree_match(const Node& p, const Node& entry) {
+  if (!p.Tid.empty()) return entry.Tid == p.Tid && entry.Control == p.Control;
+  if (p.TableInternalCode.empty() && p.Control == 2) return entry.Control == 2;
+  if (p.Control == 1) return entry.Control == 1 && entry.TableInternalCode == p.TableInternalCode;
+  return false;
+}
+
+bool tree_leave(const Node& p, const Node& entry) {
+  if (p.Tid.empty() && p.Control == 2) return entry.Level == p.Level && entry.Control == p.Control;
+  if (!p.Tid.empty() && p.Control == 3) return entry.Tid == p.Tid;
+  return entry.Description == p.Description && entry.Tid == p.Tid;
+}
+
+class Comparing : public Walks {
+ protected:
+  void read(const std::u16string& name, const std::string& bytes, Boolean is_secondary) {
+    machine.memory.files[name] = bytes;
+    std::u16string fname = name, list;
+    ASSERT_TRUE(utility.ReadVTR(fname, list, is_secondary));
+  }
+  template <class Record>
+  void read_both(const char* tag, const Record& one, const Record& other) {
+    read(u"p.vtr", FileBuilder().section(tag, one).with_end(), False);
+    read(u"s.vtr", FileBuilder().section(tag, other).with_end(), True);
+  }
+  // The report's rows behind the column heads, which begin with `heads`.
+  std::vector<std::string> rows(Boolean (TarvelVtrOut_InOut::*operation)(std::u16string&, std::u16string&,
+                                                                         std::u16string&),
+                                const std::string& heads) {
+    machine.memory.files.erase(path);
+    result = (utility.*operation)(primary, secondary, path);
+    std::vector<std::string> all;
+    std::istringstream report(machine.memory.files[path]);
+    bool behind = false;
+    for (std::string line; std::getline(report, line);) {
+      if (line.ends_with('\r')) line.pop_back();
+      if (behind) all.push_back(line);
+      behind = behind || line.starts_with(heads);
+    }
+    return all;
+  }
+
+  fakes::Machine machine;
+  TarvelVtrOut_InOut utility{machine.services()};
+  std::u16string primary = u"p.vtr", secondary = u"s.vtr", path;
+  Boolean result = False;
+};
+
+TEST_F(Comparing, TreeWalksAreThoseOfTheNestedScan) {
+  const auto node = [&] {
+    const char* texts[] = {"", "a", "b"};
+    return Node{.Description = text(texts[upto(2)]),
+                .Level = static_cast<std::int16_t>(upto(1)),
+                .Control = static_cast<std::int16_t>(upto(3)),
+                .Tid = text(texts[upto(2)]),
+                .TableInternalCode = text(texts[upto(1)])};
+  };
+  for (int round = 0; round < 1000; ++round) {
+    TREE_HIERARCHY_STRUCT lists[2] = {};
+    for (auto& list : lists) {
+      std::vector<Node> nodes(static_cast<std::size_t>(upto(9)));
+      for (std::size_t at = 0; at < nodes.size(); ++at) {
+        nodes[at] = node();
+        nodes[at].CodePath = text(std::to_string(at + 1));
+      }
+      list.Count = static_cast<std::int16_t>(nodes.size());
+      list.Items = array(std::move(nodes));
+    }
+    const auto& [one, other] = lists;
+    const auto expected = nested_scan(
+        one.Count, other.Count, [&](auto p, auto s) { return tree_match(one.Items.at(p), other.Items.at(s)); },
+        [&](auto p, auto s) { return tree_leave(one.Items.at(p), other.Items.at(s)); });
+
+    // The last cell tells which node a row shows.
+    read_both("TreeHierarchy", one, other);
+    std::vector<Row> found;
+    for (const std::string& row : rows(&TarvelVtrOut_InOut::Compare_Tree, ",,,Description")) {
+      const std::int32_t number = std::stoi(row.substr(row.rfind(',') + 1));
+      if (row.starts_with("Changed")) {
+        found.back().secondary = number;
+      } else {
+        found.push_back(row.starts_with("Added") ? Row{0, number} : Row{number, 0});
+      }
+    }
+    ASSERT_EQ(found.size(), expected.size());
+    for (std::size_t at = 0; at < found.size(); ++at) {
+      ASSERT_EQ(found[at].primary, expected[at].primary) << "round " << round;
+      // Nodes differ in their CodePath, so an unlabelled row has a partner of the same number.
+      const bool labelled = found[at].secondary != 0 || expected[at].secondary == 0;
+      ASSERT_EQ(labelled ? found[at].secondary : found[at].primary, expected[at].secondary) << "round " << round;
+    }
+  }
+}
+
+LOOKUPS_STRUCT lookups(std::vector<LOOKUPS_ITEM_STRUCT> items) {
+  const auto count = static_cast<std::int32_t>(items.size());
+  return {.Count = count, .Items = array(std::move(items))};
+}
+
+TEST_F(Comparing, ComparesStoredValuesAndNotTheCells) {
+  SCHEMA_STRUCT one{}, other{};
+  const auto lookup = [](const char* id, const char* description) {
+    return LOOKUPS_ITEM_STRUCT{.Id = text(id), .Description = text(description)};
+  };
+  one.Lookups = lookups({lookup("K", "a,b"), lookup("k", "x"), lookup("K", "y"), lookup("D", "gone")});
+  other.Lookups = lookups({lookup("N", "new"), lookup("K", "a b"), lookup("k", "X")});
+  other.Lookups.Max = 99;
+  read_both("Schema", one, other);
+  EXPECT_EQ(rows(&TarvelVtrOut_InOut::Compare_Lookup, ",,,Id"),
+            (std::vector<std::string>{"Original in Primary,,,K,,a b,0", "Changed in Secondary,,,K,,a b,0",
+                                      "Original in Primary,,,k,,x,0", "Changed in Secondary,,,k,,X,0",
+                                      "Deleted from Primary,,,K,,y,0", "Deleted from Primary,,,D,,gone,0",
+                                      "Added in Secondary,,,N,,new,0"}));
+  EXPECT_EQ(utility.LastCounts().changed, 2U);
+  EXPECT_EQ(utility.LastCounts().deleted, 2U);
+  EXPECT_EQ(utility.RepeatedKeys(false), std::vector<std::u16string>{u"K"});
+  EXPECT_TRUE(utility.RepeatedKeys(true).empty());
+}
+
+TEST_F(Comparing, ModulesFindTheirPartnersInTheWholeList) {
+  const auto modules = [](std::vector<std::int32_t> ids) {
+    std::vector<MODULE_ITEM_STRUCT> items;
+    for (const auto id : ids) items.push_back({.Id = id});
+    return MODULE_STRUCT{.Count = static_cast<std::int32_t>(ids.size()), .Items = array(std::move(items))};
+  };
+  read_both("Module", modules({7, 7}), modules({7}));
+  EXPECT_EQ(rows(&TarvelVtrOut_InOut::Compare_Product, ",,,Id:"),
+            (std::vector<std::string>{",,,7,,,,,,0", ",,,7,,,,,,0"}));
+  read_both("Module", modules({7}), modules({7, 7}));
+  EXPECT_EQ(rows(&TarvelVtrOut_InOut::Compare_Product, ",,,Id:"),
+            (std::vector<std::string>{",,,7,,,,,,0", "Added in Secondary,,,7,,,,,,0"}));
+}
+
+TEST_F(Comparing, FieldsMoveBetweenTablesAsDeletedAndAdded) {
+  const auto table = [](const char* tid, std::vector<const char*> fids) {
+    TABLES_ITEM_STRUCT item{.Tid = text(tid)};
+    std::vector<FIELDS_ITEM_STRUCT> fields;
+    for (const char* fid : fids) fields.push_back({.Fid = text(fid)});
+    item.Fields = {.Count = static_cast<std::int16_t>(fids.size()), .Items = array(std::move(fields))};
+    return item;
+  };
+  SCHEMA_STRUCT one{}, other{};
+  one.Tables = {.Count = 3,
+                .Items = array<TABLES_ITEM_STRUCT>({table("A", {"x", "y"}), table("A", {"z"}), table("O", {"q"})})};
+  other.Tables = {.Count = 2, .Items = array<TABLES_ITEM_STRUCT>({table("N", {"q"}), table("A", {"w", "y", "x"})})};
+  read_both("Schema", one, other);
+  const auto found = rows(&TarvelVtrOut_InOut::Compare_Field, ",,Tid");
+  std::vector<std::string> starts;
+  for (const auto& row : found) starts.push_back(row.substr(0, row.find(",0,")));
+  EXPECT_EQ(starts, (std::vector<std::string>{",,A,x", ",,A,y", "Added in Secondary,,A,w", "Deleted from Primary,,A,z",
+                                              "Deleted from Primary,,O,q", "Added in Secondary,,N,q"}));
+  EXPECT_EQ(found[0], ",,A,x,0,,,,0,0,0,0, ,,,,");
+}
+
+TEST_F(Comparing, ScriptsOfTheSecondaryCountOnlyBesideScriptsOfThePrimary) {
+  using namespace std::string_literals;
+  const Var scripts = var("\x08\x20\x01\0\x04\0\0\0\0\0\0\0\x01\0a\0\0\0\0\0\0"s);
+  const auto list = [](Var vbs_info) {
+    DATASEND_ITEM_STRUCT item{};
+    item.Header.VBSInfo = vbs_info;
+    return DATASEND_STRUCT{.Count = 1, .Items = array<DATASEND_ITEM_STRUCT>({item})};
+  };
+  const auto header_rows = [&](Var one, Var other) {
+    read_both("TarvelDefinitionHeader", list(one), list(other));
+    auto all = rows(&TarvelVtrOut_InOut::Compare_DSend, ",,,Header");
+    all.resize(static_cast<std::size_t>(std::ranges::find(all, "\r") - all.begin()));
+    return all;
+  };
+  EXPECT_EQ(header_rows(Var(), scripts), std::vector<std::string>{",,,1,0,0,,0,,,,,"});
+  EXPECT_EQ(header_rows(scripts, scripts), std::vector<std::string>{",,,1,0,0,,0,a,,,"});
+  EXPECT_TRUE(header_rows(scripts, Var()).empty());
+  EXPECT_FALSE(result);
+  EXPECT_TRUE(machine.message_box.calls.empty());
+}
+
+TEST_F(Comparing, ADocumentAgainstItselfHasNoLabelledRow) {
+  const auto operations = {&TarvelVtrOut_InOut::Compare_Product, &TarvelVtrOut_InOut::Compare_Tree,
+                           &TarvelVtrOut_InOut::Compare_Table,   &TarvelVtrOut_InOut::Compare_Field,
+                           &TarvelVtrOut_InOut::Compare_Lookup,  &TarvelVtrOut_InOut::Compare_CtrlTag,
+                           &TarvelVtrOut_InOut::Compare_Lang,    &TarvelVtrOut_InOut::Compare_DSend};
+  for (const char* name : {"plant.vtr", "plant-next.vtr"}) {
+    read(u"p.vtr", sample(name), False);
+    read(u"s.vtr", sample(name), True);
+    for (const auto operation : operations) {
+      machine.memory.files.erase(path);
+      EXPECT_TRUE((utility.*operation)(primary, secondary, path));
+      const ComparisonCounts& counts = utility.LastCounts();
+      EXPECT_EQ(counts.changed + counts.deleted + counts.added, 0U) << name;
+      EXPECT_GT(counts.unchanged, 0U);
+    }
+  }
+}
+
+TEST_F(Comparing, QuestionsAndFaultsLoseNothing) {
+  read(u"C:\\p.vtr", sample("plant.vtr"), False);
+  read(u"D:\\s.vtr", sample("plant-next.vtr"), True);
+  primary = u"C:\\p.vtr";
+  secondary = u"D:\\s.vtr";
+  const std::u16string first = u"D:\\~tmps_Tree_Compared.CSV", second = u"C:\\~tmpp_Tree_Compared.CSV";
+  const auto compare = [&](std::deque<MessageAnswer> answers) {
+    machine.message_box.calls.clear();
+    machine.message_box.answers = std::move(answers);
+    machine.memory.files[first] = machine.memory.files[second] = "old";
+    return utility.Compare_Tree(primary, secondary, path);
+  };
+  // The first question is about a path that is dropped; Cancel to either ends it all.
+  EXPECT_FALSE(compare({MessageAnswer::kCancel}));
+  EXPECT_FALSE(compare({MessageAnswer::kYes, MessageAnswer::kCancel}));
+  EXPECT_EQ(machine.memory.files[second], "old");
+  EXPECT_EQ(path, second);
+  EXPECT_TRUE(compare({MessageAnswer::kYes, MessageAnswer::kYes}));
+  EXPECT_EQ(machine.memory.files[first], "old");
+  EXPECT_NE(machine.memory.files[second], "old");
+
+  machine.memory.files.erase(first);
+  machine.memory.files.erase(second);
+  machine.memory.held = {second};
+  machine.message_box.calls.clear();
+  EXPECT_FALSE(utility.Compare_Tree(primary, secondary, path));
+  ASSERT_EQ(machine.message_box.calls.size(), 1U);
+  EXPECT_EQ(machine.message_box.calls[0].prompt,
+            u"Can not create file: " + second + u"\r\nFile is in use. Please close file and try again.");
+  machine.memory.held.clear();
+
+  // A fault of the naming step for the path that is dropped fails nothing; that step makes two calls.
+  int call = 2;
+  for (Boolean done = False; !done;) {
+    machine.memory.files.erase(second);
+    machine.files.fail_at(++call);
+    done = utility.Compare_Tree(primary, secondary, path);
+    EXPECT_EQ(machine.memory.open_objects(), 0) << call;
+    EXPECT_EQ(machine.memory.files[primary], sample("plant.vtr"));
+  }
+  EXPECT_GT(call, 15);
+}
+
+}  // namespace
+}  // namespace trvtrout::tests
