@@ -8,12 +8,6 @@ namespace {
 using namespace vtrfile;
 using Definitions = Side<DATASEND_ITEM_STRUCT>;
 
-constexpr auto kFileLabels = std::array{
-    column<DATASEND_STRUCT, [](const auto& list) { return list.File.FileHeader; }>("FileHeader:"),
-    column<DATASEND_STRUCT, [](const auto& list) { return list.File.Version; }>("Version:"),
-    column<DATASEND_STRUCT, &DATASEND_STRUCT::Count>("Count:"),
-};
-
 Side<DATASEND_NODE_STRUCT> nodes_of(const DATASEND_ITEM_STRUCT& definition) {
   return {definition.Nodes, definition.Count};
 }
@@ -68,7 +62,7 @@ void walk_definitions(const Rows& rows) {
 void write(ComparisonWriter& writer, const GroupSlots& primary, const GroupSlots& secondary) {
   ReportWriter& out = writer.out();
   writer.title("DATA SEND STRUCTURE (");
-  writer.values<DATASEND_STRUCT>(kFileLabels, *primary.DataSend, *secondary.DataSend);
+  writer.values<DATASEND_STRUCT>(kDataSendLabels, *primary.DataSend, *secondary.DataSend);
   out.line(",,DATA SEND STRUCTUREURE_HEADER");
   out.heads<DATASEND_ITEM_STRUCT>(",,,Header,", kDefinitionColumns, kScriptHeads);
   walk_definitions(HeaderRows{writer, side_of(*primary.DataSend), side_of(*secondary.DataSend)});

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -19,16 +18,6 @@ void for_each_record(const Side<Item>& side, Visit&& visit) {
     visit(side.items.at(number));
   }
 }
-
-// The labels of a list's numbers.
-template <class List>
-constexpr auto kNumbers = std::array{
-    column<List, &List::Count>("Count:"),
-    column<List, &List::Current>("Current:"),
-    column<List, &List::Max>("Max:"),
-};
-template <class List>
-constexpr auto kCount = std::array{column<List, &List::Count>("Count:")};
 
 // A block that compares two lists by a key: the titles, the numbers of both lists, and the walk.
 template <class List, class Item>

@@ -13,7 +13,7 @@ MatchKey text_key(const Item& item) {
 constexpr auto kComparedTableColumns = compared_columns<kTableColumns>();
 constexpr ListComparison<TABLES_STRUCT, TABLES_ITEM_STRUCT> kTables{
     .title = "TABLES STRUCTURE (",
-    .numbers = kNumbers<TABLES_STRUCT>,
+    .numbers = kCountCurrentMax<TABLES_STRUCT>,
     .item_title = ",,TABLES ITEM STRUCTURE,,,,,,,,,FIELDS STRUCTURE",
     .columns = kComparedTableColumns,
     .key = text_key<TABLES_ITEM_STRUCT, &TABLES_ITEM_STRUCT::Tid>,
@@ -22,7 +22,7 @@ constexpr ListComparison<TABLES_STRUCT, TABLES_ITEM_STRUCT> kTables{
 
 constexpr ListComparison<LOOKUPS_STRUCT, LOOKUPS_ITEM_STRUCT> kLookups{
     .title = "LOOKUPS STRUCTURE (",
-    .numbers = kNumbers<LOOKUPS_STRUCT>,
+    .numbers = kCountCurrentMax<LOOKUPS_STRUCT>,
     .item_title = ",,LOOKUPS ITEM STRUCTURE",
     .columns = kLookupColumns,
     .key = text_key<LOOKUPS_ITEM_STRUCT, &LOOKUPS_ITEM_STRUCT::Id>,

@@ -5,11 +5,9 @@ namespace {
 
 using namespace vtrfile;
 
-constexpr auto kHeaderLabels = std::array{column<HEADER_STRUCT, &HEADER_STRUCT::Modified>("Last Modified:")};
-
 constexpr ListComparison<INCLUDEFILE_STRUCT, INCLUDEFILE_ITEM_STRUCT> kIncludeFiles{
     .title = "INCLUDE FILE STRUCTURE (",
-    .numbers = kNumbers<INCLUDEFILE_STRUCT>,
+    .numbers = kCountCurrentMax<INCLUDEFILE_STRUCT>,
     .item_title = ",INCLUDEFILE ITEM STRUCTURE",
     .columns = kIncludeFileColumns,
     .key = [](const INCLUDEFILE_ITEM_STRUCT& file) { return MatchKey{.text = file.FileName.bytes()}; },

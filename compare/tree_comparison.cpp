@@ -72,7 +72,7 @@ class ByTreeRules {
 
 constexpr ListComparison<TREE_HIERARCHY_STRUCT, Node> kTree{
     .title = "TREE HIERARCHY STRUCTURE (",
-    .numbers = kNumbers<TREE_HIERARCHY_STRUCT>,
+    .numbers = kCountCurrentMax<TREE_HIERARCHY_STRUCT>,
     .item_title = ",,TREE HIERARCHY ITEM STRUCTURE",
     .columns = kTreeColumns,
     .key = by_table,

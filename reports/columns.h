@@ -7,6 +7,7 @@
 
 #include "reports/cells.h"
 #include "vtrfile/records/data_send.h"
+#include "vtrfile/records/header.h"
 #include "vtrfile/records/language.h"
 #include "vtrfile/records/lists.h"
 #include "vtrfile/records/lookups.h"
@@ -63,6 +64,34 @@ template <std::size_t Place>
 constexpr Column<vtrfile::LANGUAGE_ITEM_STRUCT> language(std::string_view head) {
   return column<vtrfile::LANGUAGE_ITEM_STRUCT, [](const auto& item) { return item.Texts[Place]; }>(head);
 }
+
+// What a list says of itself, in the orders in which the reports show it.
+template <class List>
+constexpr auto kCount = std::array{column<List, &List::Count>("Count:")};
+template <class List>
+constexpr auto kCountCurrentMax = std::array{
+    column<List, &List::Count>("Count:"),
+    column<List, &List::Current>("Current:"),
+    column<List, &List::Max>("Max:"),
+};
+template <class List>
+constexpr auto kCurrentCountMax = std::array{
+    column<List, &List::Current>("Current:"),
+    column<List, &List::Count>("Count:"),
+    column<List, &List::Max>("Max:"),
+};
+
+inline constexpr auto kHeaderLabels =
+    std::array{column<vtrfile::HEADER_STRUCT, &vtrfile::HEADER_STRUCT::Modified>("Last Modified:")};
+
+inline constexpr auto kDataSendLabels = [] {
+  using L = vtrfile::DATASEND_STRUCT;
+  return std::array{
+      column<L, [](const L& list) { return list.File.FileHeader; }>("FileHeader:"),
+      column<L, [](const L& list) { return list.File.Version; }>("Version:"),
+      column<L, &L::Count>("Count:"),
+  };
+}();
 
 // The product's values, one under the other, each behind its label.
 inline constexpr auto kProductLabels = [] {

@@ -6,19 +6,13 @@ namespace {
 
 using namespace vtrfile;
 
-constexpr auto kFileLabels = std::array{
-    column<DATASEND_STRUCT, [](const auto& list) { return list.File.FileHeader; }>("FileHeader:"),
-    column<DATASEND_STRUCT, [](const auto& list) { return list.File.Version; }>("Version:"),
-    column<DATASEND_STRUCT, &DATASEND_STRUCT::Count>("Count:"),
-};
-
 // First a row for each definition, then a row for each node of all definitions.
 void write(ReportWriter& out, const DocumentSlots& document) {
   const DATASEND_STRUCT& list = *document.DataSend;
   const std::span<const Column<DATASEND_ITEM_STRUCT>> columns = kDefinitionColumns;
   const std::span<const Column<DATASEND_NODE_STRUCT>> node_columns = kNodeColumns;
   out.line("DATA SEND STRUCTURE");
-  out.labels<DATASEND_STRUCT>(kFileLabels, list);
+  out.labels<DATASEND_STRUCT>(kDataSendLabels, list);
   out.line(",DATA SEND STRUCTURE_HEADER");
   out.heads(",,Header,", columns, kScriptHeads);
   for_each_item(list.Items, list.Count, [&](const DATASEND_ITEM_STRUCT& definition, std::int32_t number) {

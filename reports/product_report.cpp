@@ -5,26 +5,18 @@ namespace {
 
 using namespace vtrfile;
 
-constexpr auto kHeaderLabels = std::array{column<HEADER_STRUCT, &HEADER_STRUCT::Modified>("Last Modified:")};
-
-constexpr auto kIncludeFileNumbers = std::array{
-    column<INCLUDEFILE_STRUCT, &INCLUDEFILE_STRUCT::Count>("Count:"),
-    column<INCLUDEFILE_STRUCT, &INCLUDEFILE_STRUCT::Current>("Current:"),
-    column<INCLUDEFILE_STRUCT, &INCLUDEFILE_STRUCT::Max>("Max:"),
-};
 constexpr ListBlock<INCLUDEFILE_STRUCT, INCLUDEFILE_ITEM_STRUCT> kIncludeFiles{
     .title = "INCLUDE FILE STRUCTURE",
-    .numbers = kIncludeFileNumbers,
+    .numbers = kCountCurrentMax<INCLUDEFILE_STRUCT>,
     .uncounted = "",
     .item_title = ",INCLUDEFILE ITEM STRUCTURE",
     .columns = kIncludeFileColumns,
     .item_lead = ",,,",  // one cell to the right of the head
 };
 
-constexpr auto kModuleNumbers = std::array{column<MODULE_STRUCT, &MODULE_STRUCT::Count>("Count:")};
 constexpr ListBlock<MODULE_STRUCT, MODULE_ITEM_STRUCT> kModules{
     .title = "VITRION_MODULE STRUCTURE",
-    .numbers = kModuleNumbers,
+    .numbers = kCount<MODULE_STRUCT>,
     .uncounted = "",
     .item_title = ",VITRION_MODULE ITEM STRUCTURE",
     .columns = kModuleColumns,

@@ -5,27 +5,17 @@ namespace {
 
 using namespace vtrfile;
 
-constexpr auto kTableNumbers = std::array{
-    column<TABLES_STRUCT, &TABLES_STRUCT::Current>("Current:"),
-    column<TABLES_STRUCT, &TABLES_STRUCT::Count>("Count:"),
-    column<TABLES_STRUCT, &TABLES_STRUCT::Max>("Max:"),
-};
 constexpr ListBlock<TABLES_STRUCT, TABLES_ITEM_STRUCT> kTables{
     .title = "TABLES STRUCTURE",
-    .numbers = kTableNumbers,
+    .numbers = kCurrentCountMax<TABLES_STRUCT>,
     .uncounted = "Error",
     .item_title = ",TABLES ITEM STRUCTURE,,,,,,,,,FIELDS STRUCTURE",
     .columns = kTableColumns,
 };
 
-constexpr auto kLookupNumbers = std::array{
-    column<LOOKUPS_STRUCT, &LOOKUPS_STRUCT::Current>("Current:"),
-    column<LOOKUPS_STRUCT, &LOOKUPS_STRUCT::Count>("Count:"),
-    column<LOOKUPS_STRUCT, &LOOKUPS_STRUCT::Max>("Max:"),
-};
 constexpr ListBlock<LOOKUPS_STRUCT, LOOKUPS_ITEM_STRUCT> kLookups{
     .title = "LOOKUPS STRUCTURE",
-    .numbers = kLookupNumbers,
+    .numbers = kCurrentCountMax<LOOKUPS_STRUCT>,
     .uncounted = "",
     .item_title = ",LOOKUPS ITEM STRUCTURE",
     .columns = kLookupColumns,

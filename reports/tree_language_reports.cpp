@@ -5,32 +5,25 @@ namespace {
 
 using namespace vtrfile;
 
-constexpr auto kTreeNumbers = std::array{
-    column<TREE_HIERARCHY_STRUCT, &TREE_HIERARCHY_STRUCT::Count>("Count:"),
-    column<TREE_HIERARCHY_STRUCT, &TREE_HIERARCHY_STRUCT::Current>("Current:"),
-    column<TREE_HIERARCHY_STRUCT, &TREE_HIERARCHY_STRUCT::Max>("Max:"),
-};
 constexpr ListBlock<TREE_HIERARCHY_STRUCT, TREE_HIERARCHY_ITEM_STRUCT> kTree{
     .title = "TREE HIERARCHY STRUCTURE",
-    .numbers = kTreeNumbers,
+    .numbers = kCountCurrentMax<TREE_HIERARCHY_STRUCT>,
     .uncounted = "",
     .item_title = ",TREE HIERARCHY ITEM STRUCTURE",
     .columns = kTreeColumns,
 };
 
-constexpr auto kControlTagNumbers = std::array{column<CONTROLTAG_STRUCT, &CONTROLTAG_STRUCT::Count>("Count:")};
 constexpr ListBlock<CONTROLTAG_STRUCT, CONTROLTAG_ITEM_STRUCT> kControlTags{
     .title = "CONTROL TAG STRUCTURE",
-    .numbers = kControlTagNumbers,
+    .numbers = kCount<CONTROLTAG_STRUCT>,
     .uncounted = "",
     .item_title = ",CONTROL TAG ITEM STRUCTURE",
     .columns = kControlTagColumns,
 };
 
-constexpr auto kLanguageNumbers = std::array{column<LANGUAGE_STRUCT, &LANGUAGE_STRUCT::Count>("Count:")};
 constexpr ListBlock<LANGUAGE_STRUCT, LANGUAGE_ITEM_STRUCT> kLanguages{
     .title = "LANGUAGE STRUCTURE",
-    .numbers = kLanguageNumbers,
+    .numbers = kCount<LANGUAGE_STRUCT>,
     .uncounted = "",
     .item_title = ",LANGUAGE ITEM STRUCTURE",
     .columns = kLanguageColumns,

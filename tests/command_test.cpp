@@ -3,7 +3,6 @@
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
-#include <map>
 #include <nlohmann/json.hpp>
 #include <regex>
 #include <sstream>
@@ -11,6 +10,7 @@
 #include <unistd.h>
 
 #include "tests/fakes/temporary_folder.h"
+#include "tests/operations.h"
 #include "tests/support.h"
 
 // The command, as a person runs it: real files in an empty folder, output through pipes.
@@ -60,14 +60,8 @@ TEST_F(Command, ReportsEverySampleAsApproved) {
     put("s.vtr", bytes);
     const Outcome run = vtrout("report s.vtr --temporary --yes");
     bool fails = false;
-    for (const auto& [part, file] : std::map<std::string, std::string>{{"product", "Product"},
-                                                                       {"table", "Table"},
-                                                                       {"field", "Field"},
-                                                                       {"tree", "Tree"},
-                                                                       {"lookup", "Lookup"},
-                                                                       {"ctrltag", "CtrlTag"},
-                                                                       {"lang", "Lang"},
-                                                                       {"dsend", "DSend"}}) {
+    for (const auto& operations : kOperations) {
+      const std::string part = operations.part, file = operations.desc_name;
       std::string wanted = file_bytes((expected / ("report-" + part + ".csv")).string());
       std::string written = file_bytes((folder_ / ("~tmps_" + file + ".CSV")).string());
       wanted = std::regex_replace(wanted, std::regex("@FNAME@"), "s.vtr");

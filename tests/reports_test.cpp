@@ -1,9 +1,9 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
-#include "component/TarvelVtrOut_InOut.h"
 #include "reports/cells.h"
 #include "tests/fakes/fake_services.h"
+#include "tests/operations.h"
 #include "tests/support.h"
 
 namespace trvtrout::tests {
@@ -11,14 +11,6 @@ namespace {
 
 using namespace vtrfile;
 using namespace std::string_literals;
-using Operation = Boolean (TarvelVtrOut_InOut::*)(std::u16string&, std::u16string&, Boolean&);
-
-const Operation kOperations[] = {
-    &TarvelVtrOut_InOut::ASCII_Output_Product, &TarvelVtrOut_InOut::ASCII_Output_Table,
-    &TarvelVtrOut_InOut::ASCII_Output_Tree,    &TarvelVtrOut_InOut::ASCII_Output_Field,
-    &TarvelVtrOut_InOut::ASCII_Output_Lookup,  &TarvelVtrOut_InOut::ASCII_Output_CtrlTag,
-    &TarvelVtrOut_InOut::ASCII_Output_Lang,    &TarvelVtrOut_InOut::ASCII_Output_DSend,
-};
 
 class Reports : public testing::Test {
  protected:
@@ -28,7 +20,7 @@ class Reports : public testing::Test {
     Boolean secondary = False;
     return utility.ReadVTR(name, list, secondary);
   }
-  Boolean write(Operation operation, std::u16string fname, Boolean temporary = True) {
+  Boolean write(ReportOperation operation, std::u16string fname, Boolean temporary = True) {
     return (utility.*operation)(fname, report_path, temporary);
   }
   std::string report() { return machine.memory.files[report_path]; }
@@ -74,8 +66,8 @@ TEST(Cells, TurnValuesIntoTextByPlainConversion) {
 }
 
 TEST_F(Reports, AFreshObjectReportsEmptyLists) {
-  for (const Operation operation : kOperations) {
-    EXPECT_TRUE(write(operation, u"C:\\Data\\Plant.VTR"));
+  for (const auto& operations : kOperations) {
+    EXPECT_TRUE(write(operations.report, u"C:\\Data\\Plant.VTR"));
     EXPECT_TRUE(
         report().starts_with("Detailed Statistic for file: C:\\Data\\Plant.VTR\r\n"
                              "Date and time created:,6/1/2004 2:11:05 PM\r\n\r\r\n"));
@@ -165,13 +157,13 @@ TEST_F(Reports, DeleteASCIITellsOfAMissingFile) {
 }
 
 TEST_F(Reports, OnlyTheProductReportTellsOfAFileInUse) {
-  for (const Operation operation : kOperations) {
+  for (const auto& operations : kOperations) {
     machine.message_box.calls.clear();
-    write(operation, u"Plant.VTR", False);
+    write(operations.report, u"Plant.VTR", False);
     machine.memory.held = {report_path};
     machine.memory.files.clear();
-    EXPECT_FALSE(write(operation, u"Plant.VTR", False));
-    if (operation == kOperations[0]) {
+    EXPECT_FALSE(write(operations.report, u"Plant.VTR", False));
+    if (&operations == &kOperations[0]) {
       ASSERT_EQ(machine.message_box.calls.size(), 1U);
       EXPECT_EQ(machine.message_box.calls[0].prompt,
                 u"Can not create file: " + report_path + u"\r\nFile is in use. Please close file and try again.");
@@ -274,8 +266,8 @@ TEST_F(Reports, SurviveAFaultInAnyFileCall) {
   std::u16string fname = path, list;
   Boolean no = False;
   EXPECT_EQ(try_all([&] { return utility.ReadVTR(fname, list, no); }), 5);  // open, size, read, close
-  for (const Operation operation : kOperations) {
-    EXPECT_GT(try_all([&] { return write(operation, path); }), 10);
+  for (const auto& operations : kOperations) {
+    EXPECT_GT(try_all([&] { return write(operations.report, path); }), 10);
   }
   // A report that stands there is lost only when the user gave it up.
   const std::u16string old = u"C:\\~tmpPlant_Tree.CSV";
@@ -285,7 +277,7 @@ TEST_F(Reports, SurviveAFaultInAnyFileCall) {
       machine.memory.files = {{path, document}, {old, "old"}};
       machine.message_box.answers = {answer};
       machine.files.fail_at(call);
-      const Boolean written = write(kOperations[2], path);
+      const Boolean written = write(&TarvelVtrOut_InOut::ASCII_Output_Tree, path);
       EXPECT_EQ(machine.memory.files[old], "old");
       EXPECT_TRUE(!written || (answer == MessageAnswer::kNo && call > machine.files.calls()));
     }

@@ -2,22 +2,13 @@
 #include <fstream>
 #include <gtest/gtest.h>
 
-#include "component/TarvelVtrOut_InOut.h"
 #include "tests/fakes/fake_services.h"
+#include "tests/operations.h"
 #include "tests/support.h"
 
 // What every operation makes of the sample documents, byte for byte, beside the approved texts in samples/expected.
 namespace trvtrout::tests {
 namespace {
-
-using Operation = Boolean (TarvelVtrOut_InOut::*)(std::u16string&, std::u16string&, Boolean&);
-
-constexpr std::pair<const char*, Operation> kReports[] = {
-    {"product", &TarvelVtrOut_InOut::ASCII_Output_Product}, {"table", &TarvelVtrOut_InOut::ASCII_Output_Table},
-    {"tree", &TarvelVtrOut_InOut::ASCII_Output_Tree},       {"field", &TarvelVtrOut_InOut::ASCII_Output_Field},
-    {"lookup", &TarvelVtrOut_InOut::ASCII_Output_Lookup},   {"ctrltag", &TarvelVtrOut_InOut::ASCII_Output_CtrlTag},
-    {"lang", &TarvelVtrOut_InOut::ASCII_Output_Lang},       {"dsend", &TarvelVtrOut_InOut::ASCII_Output_DSend},
-};
 
 class Samples : public testing::TestWithParam<std::string> {
  protected:
@@ -46,7 +37,7 @@ TEST_P(Samples, AreReadAndReported) {
   EXPECT_EQ(account, file_bytes(expected("read.txt")));
   EXPECT_EQ(machine.memory.files[fname], sample(GetParam())) << "the input is never written";
 
-  for (const auto& [part, report] : kReports) {
+  for (const auto& [part, name, report, compare] : kOperations) {
     const std::string path = expected(std::string("report-") + part + ".csv");
     if (!std::filesystem::exists(path)) continue;
     std::string wanted = file_bytes(path);
@@ -62,15 +53,6 @@ TEST_P(Samples, AreReadAndReported) {
   EXPECT_EQ(machine.memory.open_objects(), 0);
 }
 
-using ComparisonOperation = Boolean (TarvelVtrOut_InOut::*)(std::u16string&, std::u16string&, std::u16string&);
-
-constexpr std::pair<const char*, ComparisonOperation> kComparisons[] = {
-    {"product", &TarvelVtrOut_InOut::Compare_Product}, {"table", &TarvelVtrOut_InOut::Compare_Table},
-    {"tree", &TarvelVtrOut_InOut::Compare_Tree},       {"field", &TarvelVtrOut_InOut::Compare_Field},
-    {"lookup", &TarvelVtrOut_InOut::Compare_Lookup},   {"ctrltag", &TarvelVtrOut_InOut::Compare_CtrlTag},
-    {"lang", &TarvelVtrOut_InOut::Compare_Lang},       {"dsend", &TarvelVtrOut_InOut::Compare_DSend},
-};
-
 class SamplePairs : public testing::TestWithParam<std::pair<const char*, const char*>> {};
 
 TEST_P(SamplePairs, AreCompared) {
@@ -85,7 +67,7 @@ TEST_P(SamplePairs, AreCompared) {
   ASSERT_TRUE(utility.ReadVTR(second, list, yes));
   ASSERT_TRUE(utility.ReadVTR(first, list, no));
 
-  for (const auto& [part, compare] : kComparisons) {
+  for (const auto& [part, name, report, compare] : kOperations) {
     std::string wanted = file_bytes(SAMPLES "/expected/" + primary + "~" + secondary + "/compare-" + part + ".csv");
     replace(wanted, "@PRIMFNAME@", platform::to_utf8(first));
     replace(wanted, "@SECFNAME@", platform::to_utf8(second));
