@@ -173,12 +173,5 @@ TEST(Reader, TheOldFormatHasTwoTagsLess) {
   EXPECT_TRUE(reading.structure_list.ends_with("CONTROLTAG_STRUCT, DSNMAIN_STRUCT, EOF"));
 }
 
-TEST(Reader, WhatAFileDoesNotHaveStays) {
-  Reading reading;
-  reading.read(FileBuilder().section("Module", module_of("A")).with_end());
-  reading.read(FileBuilder().section("Tree", TREE_HIERARCHY_STRUCT{}).with_end());
-  EXPECT_EQ(module_tag(*reading.current.Module), "A");
-}
-
 }  // namespace
 }  // namespace trvtrout::tests

@@ -1,141 +1,145 @@
 #pragma once
 
-#include <algorithm>
 #include <deque>
 #include <map>
 #include <memory>
 #include <optional>
 #include <set>
+#include <span>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
 #include "platform/locale/us_locale.h"
 #include "platform/text/utf8.h"
 #include "reports/host_services.h"
-#include "tests/fakes/faulty_files.h"
 
 namespace trvtrout::fakes {
 
-// Files in memory, with the rules of the real ones. A file that is open for writing is held, and so is, for writing
-// and deleting, one that is open for reading.
+// The number of the service error that came of an action; 0: none came.
+int error_number(const auto& action) try {
+  action();
+  return 0;
+} catch (const ServiceError& error) {
+  return error.number();
+}
+
+// Files in memory, with the rules of the real ones; one call can be made to fail.
 class MemoryFiles : public Files {
  public:
   std::map<std::u16string, std::string> files;
-  // Files that another program holds.
+  // What another program holds, and what is open here.
   std::set<std::u16string> held;
 
+  // Counts anew from 1, the calls on the files and on all objects that come from them together, and lets call `call`
+  // raise an error in place of doing its work; 0: none fails. Destroying an object is no call.
+  void fail_at(int call) {
+    calls_ = 0;
+    failing_call_ = call;
+  }
+  int calls() const { return calls_; }
   // Objects handed out and not yet destroyed.
   int open_objects() const { return live_; }
 
-  std::unique_ptr<FileSystemObject> CreateFileSystemObject() override { return std::make_unique<FileSystem>(*this); }
-
+  std::unique_ptr<FileSystemObject> CreateFileSystemObject() override {
+    count();
+    return std::make_unique<FileSystem>(*this);
+  }
   std::unique_ptr<BinaryFile> OpenBinary(const std::u16string& path) override {
+    count();
     if (path.empty()) refuse(53, path);
-    require_free(path, kReader);
+    if (held.contains(path)) refuse(kErrorFileHeld, path);
     files.try_emplace(path);
     return std::make_unique<Input>(*this, path);
   }
   bool SameFile(const std::u16string& path, const std::u16string& other) override { return path == other; }
 
  private:
-  static constexpr int kWriter = -1;
-  static constexpr int kReader = 1;
-
   [[noreturn]] static void refuse(int number, const std::u16string& path) {
     throw ServiceError(number, "error " + std::to_string(number) + " on \"" + platform::to_utf8(path) + "\"");
   }
-
-  void require_free(const std::u16string& path, int use) const {
-    auto found = uses_.find(path);
-    const int now = found == uses_.end() ? 0 : found->second;
-    if (held.contains(path) || now == kWriter || (use == kWriter && now != 0)) refuse(kErrorFileHeld, path);
+  void count() {
+    if (++calls_ == failing_call_) throw ServiceError(57, "injected fault in call " + std::to_string(calls_));
   }
 
-  class Live {
+  template <class Interface>
+  class Object : public Interface {
    public:
-    explicit Live(MemoryFiles& owner) : owner_(owner) { ++owner_.live_; }
-    ~Live() { --owner_.live_; }
-    Live(const Live&) = delete;
-    Live& operator=(const Live&) = delete;
-    MemoryFiles& owner() const { return owner_; }
+    explicit Object(MemoryFiles& owner, std::u16string path = {}) : owner_(owner), path_(std::move(path)) {
+      ++owner_.live_;
+      if (!path_.empty()) owner_.held.insert(path_);
+    }
+    ~Object() override {
+      release();
+      --owner_.live_;
+    }
+    Object(const Object&) = delete;
+    Object& operator=(const Object&) = delete;
+
+   protected:
+    MemoryFiles& counted() {
+      owner_.count();
+      return owner_;
+    }
+    std::string& bytes() {
+      if (path_.empty()) refuse(52, path_);
+      return counted().files[path_];
+    }
+    void release() {
+      owner_.held.erase(path_);
+      path_.clear();
+    }
 
    private:
     MemoryFiles& owner_;
-  };
-
-  class OpenFile {
-   public:
-    OpenFile(MemoryFiles& owner, std::u16string path, int use) : live_(owner), path_(std::move(path)), use_(use) {
-      owner.uses_[path_] += use_;
-    }
-    ~OpenFile() { close(); }
-    OpenFile(const OpenFile&) = delete;
-    OpenFile& operator=(const OpenFile&) = delete;
-
-    void close() { live_.owner().uses_[path_] -= std::exchange(use_, 0); }
-    std::string& bytes() const {
-      if (use_ == 0) refuse(52, path_);
-      return live_.owner().files[path_];
-    }
-
-   private:
-    Live live_;
     std::u16string path_;
-    int use_;
   };
 
-  class Output : public TextStream {
+  class Output : public Object<TextStream> {
    public:
-    Output(MemoryFiles& owner, const std::u16string& path) : file_(owner, path, kWriter) {}
-    void WriteLine(std::string_view text) override { file_.bytes().append(text).append("\r\n"); }
-    void Write(std::string_view text) override { file_.bytes().append(text); }
-    void Close() override { file_.close(); }
-
-   private:
-    OpenFile file_;
+    using Object::Object;
+    void WriteLine(std::string_view text) override { bytes().append(text).append("\r\n"); }
+    void Write(std::string_view text) override { bytes().append(text); }
+    void Close() override { counted(), release(); }
   };
 
-  class Input : public BinaryFile {
+  class Input : public Object<BinaryFile> {
    public:
-    Input(MemoryFiles& owner, const std::u16string& path) : file_(owner, path, kReader) {}
-    std::uint64_t Size() override { return file_.bytes().size(); }
+    using Object::Object;
+    std::uint64_t Size() override { return bytes().size(); }
     std::size_t Read(std::span<unsigned char> into) override {
-      const std::string& bytes = file_.bytes();
-      const std::size_t count = std::min(into.size(), bytes.size() - std::min(position_, bytes.size()));
-      std::copy_n(bytes.begin() + static_cast<std::ptrdiff_t>(position_), count, into.begin());
-      position_ += count;
-      return count;
+      const std::size_t length = bytes().copy(reinterpret_cast<char*>(into.data()), into.size(), position_);
+      position_ += length;
+      return length;
     }
-    void Close() override { file_.close(); }
+    void Close() override { counted(), release(); }
 
    private:
-    OpenFile file_;
     std::size_t position_ = 0;
   };
 
-  class FileSystem : public FileSystemObject {
+  class FileSystem : public Object<FileSystemObject> {
    public:
-    explicit FileSystem(MemoryFiles& owner) : live_(owner) {}
+    using Object::Object;
     std::unique_ptr<TextStream> CreateTextFile(const std::u16string& path, bool overwrite, bool unicode) override {
+      MemoryFiles& owner = counted();
       if (path.empty() || unicode) refuse(5, path);
-      if (!overwrite && FileExists(path)) refuse(58, path);
-      live_.owner().require_free(path, kWriter);
-      live_.owner().files[path].clear();
-      return std::make_unique<Output>(live_.owner(), path);
+      if (!overwrite && owner.files.contains(path)) refuse(58, path);
+      if (owner.held.contains(path)) refuse(kErrorFileHeld, path);
+      owner.files[path].clear();
+      return std::make_unique<Output>(owner, path);
     }
-    bool FileExists(const std::u16string& path) override { return live_.owner().files.contains(path); }
+    bool FileExists(const std::u16string& path) override { return counted().files.contains(path); }
     void DeleteFile(const std::u16string& path) override {
-      if (!FileExists(path)) refuse(53, path);
-      live_.owner().require_free(path, kWriter);
-      live_.owner().files.erase(path);
+      MemoryFiles& owner = counted();
+      if (owner.held.contains(path)) refuse(kErrorFileHeld, path);
+      if (owner.files.erase(path) == 0) refuse(53, path);
     }
-
-   private:
-    Live live_;
   };
 
-  std::map<std::u16string, int> uses_;
+  int calls_ = 0;
+  int failing_call_ = 0;
   int live_ = 0;
 };
 
@@ -197,7 +201,7 @@ struct Machine {
   Machine& operator=(const Machine&) = delete;
 
   MemoryFiles memory;
-  FaultyFiles files{memory};
+  MemoryFiles& files = memory;
   ScriptedMessageBox message_box;
   ScriptedSaveDialog save_dialog;
   CountingMessageLoop message_loop;

@@ -20,14 +20,15 @@ class TemporaryFolder {
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
   std::string at(const std::string& name) const { return path_ + "/" + name; }
+  // The path of a file that is made here.
+  std::string put(const std::string& name, const std::string& bytes) const {
+    std::ofstream(at(name), std::ios::binary) << bytes;
+    return at(name);
+  }
 
  private:
   std::string path_;
 };
-
-inline void put_file(const std::string& path, const std::string& bytes) {
-  std::ofstream(path, std::ios::binary) << bytes;
-}
 
 inline std::string get_file(const std::string& path) {
   std::ifstream in(path, std::ios::binary);
