@@ -36,12 +36,11 @@ class ComparisonWriter {
   template <class Record>
   void values(std::span<const Column<Record>> labels, const Record& primary, const Record& secondary) {
     for (const auto& column : labels) {
-      std::string row = ",,";
-      for (const auto* side : {&primary, &secondary}) {
-        if (side == &secondary) row += ",,,,";
-        (row += column.head) += ',';
-        column.append(row, *side);
-      }
+      const std::string cell = std::string(column.head) + ',';
+      std::string row = ",," + cell;
+      column.append(row, primary);
+      (row += ",,,,") += cell;
+      column.append(row, secondary);
       out_.line(row);
     }
   }
@@ -49,8 +48,8 @@ class ComparisonWriter {
   template <class Item>
   void row(RowForm form, std::string_view lead, std::span<const Column<Item>> columns, const Item& item,
            std::string_view tail = {}) {
-    count(form);
     out_.item(std::string(label(form)).append(lead), columns, item, tail);
+    count(form);
   }
 
  private:

@@ -23,8 +23,8 @@ bool write_comparison(const HostServices& services, const Comparison& comparison
   const std::u16string desc_name(comparison.desc_name);
   const OutputName secondary = GetReportFileName(services, documents.secondary_fname, desc_name, true);
   report_path = secondary.path;
-  if (secondary.abandoned) return false;
-  // The report bears the primary file's name; of the secondary one only the base name is used.
+  // The report bears the primary file's name. Of the secondary one only the base name is used: its path is dropped, and
+  // so is what was answered about a file that stands there.
   const OutputName primary = GetReportFileName(services, documents.primary_fname, desc_name, true);
   report_path = primary.path;
   if (primary.abandoned) return false;

@@ -55,7 +55,12 @@ struct HeaderRows {
 template <class Rows>
 void walk_definitions(const Rows& rows) {
   const auto place = [](std::int32_t number) { return MatchKey{.number = number}; };
-  ByKey policy(place, place, rows.secondary.records());
+  // A list that is shorter than its count fails before the first row, as in every walk.
+  const auto filled_place = [&](std::int32_t number) {
+    rows.secondary.at(number);
+    return place(number);
+  };
+  ByKey policy(place, filled_place, rows.secondary.records());
   walk(rows.primary.records(), policy, rows);
 }
 

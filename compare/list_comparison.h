@@ -26,9 +26,11 @@ struct ListComparison {
   std::span<const Column<List>> numbers;
   std::string_view item_title;  // the whole row
   std::span<const Column<Item>> columns;
-  MatchKey (*key)(const Item&);
+  MatchKey (*key)(const Item&) = nullptr;  // of a list whose records have one
   std::string_view heads_tail = {};
   PartnerFrom from = PartnerFrom::kWorkingList;
+  std::string_view heads_lead = ",,,";
+  std::string_view single_lead = ",,,";  // of deleted and added rows
 };
 
 template <class List, class Item>
@@ -37,14 +39,18 @@ void write_heads(ComparisonWriter& writer, const ListComparison<List, Item>& blo
   writer.title(block.title);
   writer.values(block.numbers, primary, secondary);
   writer.out().line(block.item_title);
-  writer.out().heads(",,,", block.columns, block.heads_tail);
+  writer.out().heads(block.heads_lead, block.columns, block.heads_tail);
 }
 
 template <class List, class Item>
 void write_list(ComparisonWriter& writer, const ListComparison<List, Item>& block, const List& primary,
                 const List& secondary) {
   write_heads(writer, block, primary, secondary);
-  const ItemRows<Item> rows{writer, block.columns, side_of(primary), side_of(secondary)};
+  const ItemRows<Item> rows{.writer = writer,
+                            .columns = block.columns,
+                            .primary = side_of(primary),
+                            .secondary = side_of(secondary),
+                            .single_lead = block.single_lead};
   ByKey policy = by_key(rows.primary, rows.secondary, block.key, block.from);
   walk(rows.primary.records(), policy, rows);
 }

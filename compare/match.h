@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <functional>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -43,7 +42,7 @@ class MatchIndex {
  public:
   // key_of(number) gives the key of a secondary record, for each from 1 to the working list's count. `list` must
   // outlive the index.
-  MatchIndex(const WorkingList& list, const KeyOf& key_of);
+  MatchIndex(const WorkingList& list, KeyOf key_of);
 
   // The first record with this key that is still in the working list.
   std::int32_t first_left(const MatchKey& key);
@@ -51,16 +50,19 @@ class MatchIndex {
   std::int32_t first(const MatchKey& key) const;
 
  private:
-  struct Hash {
-    std::size_t operator()(const MatchKey& key) const noexcept;
-  };
+  // The records of one key. Keys aren't kept: comparing them reads the record, which its row needs anyway, and a table
+  // without them stays in the cache.
   struct Chain {
-    std::int32_t first;  // of all records with the key
+    std::uint32_t hash;
+    std::int32_t first;  // of all records with the key; 0 in a free place
     std::int32_t left;   // no record in front of it is left
   };
+  // The place of the key's chain, or the free one where it would stand.
+  std::size_t place_of(const MatchKey& key, std::uint32_t hash) const;
 
   const WorkingList& list_;
-  std::unordered_map<MatchKey, Chain, Hash> chains_;
+  KeyOf key_of_;
+  std::vector<Chain> chains_;       // a power of two, half of it free
   std::vector<std::int32_t> next_;  // by number - 1: the next record with the same key
 };
 
@@ -91,18 +93,22 @@ enum class PartnerFrom {
 // Partners by key. Each match takes the first record with the key that is left out of the working list.
 class ByKey {
  public:
-  ByKey(KeyOf primary_key, const KeyOf& secondary_key, std::int32_t secondary_count,
+  ByKey(KeyOf primary_key, KeyOf secondary_key, std::int32_t secondary_count,
         PartnerFrom from = PartnerFrom::kWorkingList)
-      : list_(secondary_count), index_(list_, secondary_key), primary_key_(std::move(primary_key)), from_(from) {}
+      : list_(secondary_count),
+        index_(list_, std::move(secondary_key)),
+        primary_key_(std::move(primary_key)),
+        from_(from) {}
   ByKey(const ByKey&) = delete;  // the index knows the list by its address
   ByKey& operator=(const ByKey&) = delete;
 
   std::int32_t partner(std::int32_t primary) {
     const MatchKey key = primary_key_(primary);
-    return from_ == PartnerFrom::kWholeList ? index_.first(key) : index_.first_left(key);
+    leaving_ = index_.first_left(key);
+    return from_ == PartnerFrom::kWholeList ? index_.first(key) : leaving_;
   }
-  void remove(std::int32_t primary) {
-    if (const std::int32_t left = index_.first_left(primary_key_(primary))) list_.remove(left);
+  void remove(std::int32_t) {
+    if (leaving_) list_.remove(leaving_);
   }
   const WorkingList& list() const noexcept { return list_; }
 
@@ -111,6 +117,7 @@ class ByKey {
   MatchIndex index_;
   KeyOf primary_key_;
   PartnerFrom from_;
+  std::int32_t leaving_ = 0;  // after a match
 };
 
 }  // namespace trvtrout

@@ -12,6 +12,9 @@ constexpr ListComparison<INCLUDEFILE_STRUCT, INCLUDEFILE_ITEM_STRUCT> kIncludeFi
     .columns = kIncludeFileColumns,
     .key = [](const INCLUDEFILE_ITEM_STRUCT& file) { return MatchKey{.text = file.FileName.bytes()}; },
     .from = PartnerFrom::kWholeList,
+    // A name that stands on both sides is one cell further to the right than its head and one that is labelled.
+    .heads_lead = ",,",
+    .single_lead = ",,",
 };
 
 constexpr ListComparison<MODULE_STRUCT, MODULE_ITEM_STRUCT> kModules{
@@ -23,24 +26,6 @@ constexpr ListComparison<MODULE_STRUCT, MODULE_ITEM_STRUCT> kModules{
     .from = PartnerFrom::kWholeList,
 };
 
-void write_include_files(ComparisonWriter& writer, const INCLUDEFILE_STRUCT& primary,
-                         const INCLUDEFILE_STRUCT& secondary) {
-  writer.title(kIncludeFiles.title);
-  writer.values(kIncludeFiles.numbers, primary, secondary);
-  writer.out().line(kIncludeFiles.item_title);
-  writer.out().heads(",,", kIncludeFiles.columns);
-  // A name that stands on both sides is one cell further to the right than one that is labelled.
-  const ItemRows<INCLUDEFILE_ITEM_STRUCT> rows{
-      .writer = writer,
-      .columns = kIncludeFiles.columns,
-      .primary = side_of(primary),
-      .secondary = side_of(secondary),
-      .single_lead = ",,",
-  };
-  ByKey policy = by_key(rows.primary, rows.secondary, kIncludeFiles.key, kIncludeFiles.from);
-  walk(rows.primary.records(), policy, rows);
-}
-
 void write(ComparisonWriter& writer, const GroupSlots& primary, const GroupSlots& secondary) {
   ReportWriter& out = writer.out();
   writer.title("HEADER STRUCTURE (");
@@ -49,15 +34,16 @@ void write(ComparisonWriter& writer, const GroupSlots& primary, const GroupSlots
   writer.title("PRODUCTS STRUCTURE (");
   writer.values<PRODUCT_STRUCT>(kProductLabels, primary.Schema->Product, secondary.Schema->Product);
   out.gap();
-  write_include_files(writer, *primary.IncludeFile, *secondary.IncludeFile);
+  write_list(writer, kIncludeFiles, *primary.IncludeFile, *secondary.IncludeFile);
   out.gap();
   write_list(writer, kModules, *primary.Module, *secondary.Module);
 }
 
 void keys(const GroupSlots& document, const std::function<void(std::string)>& take) {
   for_each_record(side_of(*document.IncludeFile),
-                  [&](const auto& file) { take("FileName " + std::string(file.FileName.bytes())); });
-  for_each_record(side_of(*document.Module), [&](const auto& module) { take("Id " + std::to_string(module.Id)); });
+                  [&](const auto& file) { take("FileName " + std::string(kIncludeFiles.key(file).text)); });
+  for_each_record(side_of(*document.Module),
+                  [&](const auto& module) { take("Id " + std::to_string(kModules.key(module).number)); });
 }
 
 }  // namespace

@@ -62,7 +62,7 @@ class ByTreeRules {
 
  private:
   MatchIndex index(const Side<Node>& secondary, MatchKey (*key)(const Node&)) const {
-    return MatchIndex(list_, [&](std::int32_t number) { return key(secondary.at(number)); });
+    return MatchIndex(list_, [&secondary, key](std::int32_t number) { return key(secondary.at(number)); });
   }
 
   const Side<Node>& primary_;
@@ -75,7 +75,6 @@ constexpr ListComparison<TREE_HIERARCHY_STRUCT, Node> kTree{
     .numbers = kCountCurrentMax<TREE_HIERARCHY_STRUCT>,
     .item_title = ",,TREE HIERARCHY ITEM STRUCTURE",
     .columns = kTreeColumns,
-    .key = by_table,
 };
 
 // Of a root's partner the code isn't compared.

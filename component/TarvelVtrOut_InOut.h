@@ -91,9 +91,9 @@ class TarvelVtrOut_InOut {
 
   // Each compares one part of the two documents read and writes one report under the temporary name of `PrimFname`,
   // with the rows labelled that changed, were deleted or added. `ASCIIFname` gets the report's path, also on failure.
-  // The names serve the report's name and head alone. About a file that stands there, and about one of the same name
-  // beside `SecFname`, the user is asked; Cancel leaves both untouched and the result is False. When the file is held
-  // by another program the user is told.
+  // The names serve the report's name and head alone. The user is asked about a file that stands where `SecFname` would
+  // put the report, which is never written, then about one that stands where it goes; Cancel leaves that one untouched
+  // and the result is False. When it is held by another program the user is told.
   Boolean Compare_Product(std::u16string& PrimFname, std::u16string& SecFname, std::u16string& ASCIIFname);
   Boolean Compare_Tree(std::u16string& PrimFname, std::u16string& SecFname, std::u16string& ASCIIFname);
   Boolean Compare_Table(std::u16string& PrimFname, std::u16string& SecFname, std::u16string& ASCIIFname);

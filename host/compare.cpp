@@ -77,12 +77,14 @@ void print_json(const std::string& primary, const std::string& secondary, bool d
 }  // namespace
 
 ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
-  if (!can_name_reports(task.primary) || !can_name_reports(task.secondary)) return kTrouble;
+  if (!can_name_reports(task.primary)) return kTrouble;
   Machine machine(settings, task.summary ? Output::kNone : Output::kFiles);
   TarvelVtrOut_InOut utility(machine.services());
   if (!read_whole(machine, utility, task.primary, False) || !read_whole(machine, utility, task.secondary, True)) {
     return kTrouble;
   }
+
+  machine.speak_of(task.primary);  // whose name the reports bear
 
   ExitStatus status = kFine;
   std::vector<PartResult> results;

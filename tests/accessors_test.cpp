@@ -64,13 +64,6 @@ TEST_F(Accessors, RecountStepsBackFromTheEndOfTheArray) {
   expect(include_files(-1, items(2, {1})), u"OK", 1);
 }
 
-TEST_F(Accessors, AFreshObjectHasNoDate) {
-  Date modified = 5;
-  std::int32_t size = 1;
-  EXPECT_EQ(utility.GetHedInfo(modified, size), u"ErrHedInfo");
-  EXPECT_EQ(modified, 5);
-}
-
 TEST_F(Accessors, ATreeNodeIsUsedWhenItHasATableOrADescription) {
   TREE_HIERARCHY_STRUCT tree{.Count = 1, .Max = 3};
   tree.Items = array<TREE_HIERARCHY_ITEM_STRUCT>({{}, TREE_HIERARCHY_ITEM_STRUCT{.Tid = text("T")}, {}});

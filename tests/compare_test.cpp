@@ -164,19 +164,16 @@ TEST_F(Comparing, TreeWalksAreThoseOfTheNestedScan) {
     std::vector<Row> found;
     for (const std::string& row : rows(&TarvelVtrOut_InOut::Compare_Tree, ",,,Description")) {
       const std::int32_t number = std::stoi(row.substr(row.rfind(',') + 1));
+      // An unlabelled row has a partner of the same number, for nodes differ in their CodePath.
       if (row.starts_with("Changed")) {
         found.back().secondary = number;
+      } else if (row.starts_with("Added")) {
+        found.push_back({0, number});
       } else {
-        found.push_back(row.starts_with("Added") ? Row{0, number} : Row{number, 0});
+        found.push_back({number, row.starts_with(",") ? number : 0});
       }
     }
-    ASSERT_EQ(found.size(), expected.size());
-    for (std::size_t at = 0; at < found.size(); ++at) {
-      ASSERT_EQ(found[at].primary, expected[at].primary) << "round " << round;
-      // Nodes differ in their CodePath, so an unlabelled row has a partner of the same number.
-      const bool labelled = found[at].secondary != 0 || expected[at].secondary == 0;
-      ASSERT_EQ(labelled ? found[at].secondary : found[at].primary, expected[at].secondary) << "round " << round;
-    }
+    ASSERT_EQ(found, expected) << "round " << round;
   }
 }
 
@@ -276,18 +273,40 @@ TEST_F(Comparing, ComparesStoredValuesAndNotTheCells) {
   EXPECT_TRUE(utility.RepeatedKeys(true).empty());
 }
 
-TEST_F(Comparing, ModulesFindTheirPartnersInTheWholeList) {
-  const auto modules = [](std::vector<std::int32_t> ids) {
-    std::vector<MODULE_ITEM_STRUCT> items;
-    for (const auto id : ids) items.push_back({.Id = id});
-    return MODULE_STRUCT{.Count = static_cast<std::int32_t>(ids.size()), .Items = array(std::move(items))};
+TEST_F(Comparing, AModuleMayBePartnerToSeveral) {
+  const auto modules = [](std::int32_t count) {
+    return MODULE_STRUCT{.Count = count, .Items = array(std::vector<MODULE_ITEM_STRUCT>(2))};
   };
-  read_both("Module", modules({7, 7}), modules({7}));
-  EXPECT_EQ(rows(&TarvelVtrOut_InOut::Compare_Product, ",,,Id:"),
-            (std::vector<std::string>{",,,7,,,,,,0", ",,,7,,,,,,0"}));
-  read_both("Module", modules({7}), modules({7, 7}));
-  EXPECT_EQ(rows(&TarvelVtrOut_InOut::Compare_Product, ",,,Id:"),
-            (std::vector<std::string>{",,,7,,,,,,0", "Added in Secondary,,,7,,,,,,0"}));
+  read_both("Module", modules(2), modules(1));
+  EXPECT_EQ(rows(&TarvelVtrOut_InOut::Compare_Product, ",,,Id:"), std::vector<std::string>(2, ",,,0,,,,,,0"));
+}
+
+TEST_F(Comparing, ARootsPartnerMayHaveAnotherCode) {
+  const auto root = [](const char* code) {
+    return TREE_HIERARCHY_STRUCT{.Count = 1,
+                                 .Items = array<Node>({Node{.Control = 2, .TableInternalCode = text(code)}})};
+  };
+  read_both("TreeHierarchy", root(""), root("x"));
+  EXPECT_EQ(rows(&TarvelVtrOut_InOut::Compare_Tree, ",,,Description"), std::vector<std::string>{",,, ,0,2,,,,,"});
+}
+
+// Where a list is shorter than its count says, the rows in front of its end stay and nothing is made up.
+TEST_F(Comparing, ListsShorterThanTheirCountsFailWhereTheyEnd) {
+  const auto list = [](std::int16_t count) {
+    return DATASEND_STRUCT{.Count = count, .Items = array(std::vector<DATASEND_ITEM_STRUCT>(2))};
+  };
+  read_both("TarvelDefinitionHeader", list(3), list(2));
+  EXPECT_EQ(rows(&TarvelVtrOut_InOut::Compare_DSend, ",,,Header").size(), 2U);
+  EXPECT_FALSE(result);
+  read_both("TarvelDefinitionHeader", list(2), list(3));
+  EXPECT_TRUE(rows(&TarvelVtrOut_InOut::Compare_DSend, ",,,Header").empty());
+  EXPECT_FALSE(result);
+}
+
+TEST_F(Comparing, DocumentsThatWereNeverReadAreEmpty) {
+  EXPECT_TRUE(rows(&TarvelVtrOut_InOut::Compare_Tree, ",,,Description").empty());
+  EXPECT_TRUE(result);
+  EXPECT_NE(machine.memory.files[path].find("\r\n,,Count:,0,,,,Count:,0\r\n"), std::string::npos);
 }
 
 TEST_F(Comparing, ScriptsOfTheSecondaryCountOnlyBesideScriptsOfThePrimary) {
@@ -323,8 +342,8 @@ TEST_F(Comparing, QuestionsAndFaultsLoseNothing) {
     machine.memory.files[first] = machine.memory.files[second] = "old";
     return utility.Compare_Tree(primary, secondary, path);
   };
-  // The first question is about a path that is dropped; Cancel to either ends it all.
-  EXPECT_FALSE(compare({MessageAnswer::kCancel}));
+  // The first question is about a path that is dropped, and so is its answer.
+  EXPECT_FALSE(compare({MessageAnswer::kCancel, MessageAnswer::kCancel}));
   EXPECT_FALSE(compare({MessageAnswer::kYes, MessageAnswer::kCancel}));
   EXPECT_EQ(machine.memory.files[second], "old");
   EXPECT_EQ(path, second);

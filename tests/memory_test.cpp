@@ -100,12 +100,5 @@ TEST(Memory, AnUpgradeTakesNoRoomForItemsThatAreNotThere) {
   EXPECT_EQ(reading.current.Schema->Product.ProductList.Items.size(), 100'000);
 }
 
-TEST(Memory, OfASampleIsAFewTimesItsSize) {
-  for (const std::string& name : sample_names()) {
-    const std::string bytes = sample(name);
-    EXPECT_LE(peak_of_reading(bytes), 12 * bytes.size() + (64 << 10)) << name;
-  }
-}
-
 }  // namespace
 }  // namespace trvtrout::tests
