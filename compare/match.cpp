@@ -44,6 +44,16 @@ std::int32_t MatchIndex::first_left(const MatchKey& key) {
   return left;
 }
 
+void MatchIndex::expect(const MatchKey& key) const {
+  __builtin_prefetch(&chains_[hash_of(key) & (chains_.size() - 1)]);
+}
+
+std::int32_t MatchIndex::guess(const MatchKey& key) const {
+  const std::uint32_t hash = hash_of(key);
+  const Chain& chain = chains_[hash & (chains_.size() - 1)];
+  return chain.hash == hash ? chain.left : 0;
+}
+
 std::int32_t MatchIndex::first(const MatchKey& key) const { return chains_[place_of(key, hash_of(key))].first; }
 
 }  // namespace trvtrout

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <exception>
 #include <functional>
 #include <string_view>
 #include <utility>
@@ -48,6 +51,10 @@ class MatchIndex {
   std::int32_t first_left(const MatchKey& key);
   // The first record with this key, in the working list or not.
   std::int32_t first(const MatchKey& key) const;
+  // Has the processor fetch what a search for this key reads first.
+  void expect(const MatchKey& key) const;
+  // What a search for this key will most likely find; no record is read for it.
+  std::int32_t guess(const MatchKey& key) const;
 
  private:
   // The records of one key. Keys aren't kept: comparing them reads the record, which its row needs anyway, and a table
@@ -69,15 +76,43 @@ class MatchIndex {
 // The walk. policy.partner(number) finds the partner of a primary record, policy.remove(number) takes what its rule
 // says out of policy.list(); rows.pair(primary, secondary), rows.deleted(primary) and rows.added(secondary) are called
 // in the order of the rows.
+//
+// Records of lists in another order lie scattered in memory. So that they are fetched while others are worked on, a
+// batch goes through in steps: policy.expect(number) of what its search will read first, policy.guess(number) for the
+// likely partner, rows.expect(secondary) and rows.expect_texts(secondary) of it, and only then the search and the rows.
 template <class Policy, class Rows>
 void walk(std::int32_t primary_count, Policy& policy, Rows&& rows) {
-  for (std::int32_t number = 1; number <= primary_count; ++number) {
-    if (const std::int32_t partner = policy.partner(number)) {
-      rows.pair(number, partner);
-      policy.remove(number);
-    } else {
-      rows.deleted(number);
+  constexpr std::int32_t kBatch = 16;
+  std::array<std::int32_t, kBatch> likely;
+  for (std::int32_t first = 1; first <= primary_count; first += kBatch) {
+    const std::int32_t behind = std::min(primary_count, first + kBatch - 1) + 1;
+    std::int32_t last = first;
+    std::exception_ptr failure;
+    try {
+      for (; last < behind; ++last) policy.expect(last);
+    } catch (...) {
+      // The primary list ends here; what stands in front of its end has rows.
+      failure = std::current_exception();
     }
+    const auto each = [&](const auto& step) {
+      for (std::int32_t number = first; number < last; ++number) step(number, likely[std::size_t(number - first)]);
+    };
+    each([&](std::int32_t number, std::int32_t& guess) {
+      guess = policy.guess(number);
+      if (guess != 0) rows.expect(guess);
+    });
+    each([&](std::int32_t, std::int32_t guess) {
+      if (guess != 0) rows.expect_texts(guess);
+    });
+    each([&](std::int32_t number, std::int32_t) {
+      if (const std::int32_t partner = policy.partner(number)) {
+        rows.pair(number, partner);
+        policy.remove(number);
+      } else {
+        rows.deleted(number);
+      }
+    });
+    if (failure) std::rethrow_exception(failure);
   }
   for (std::int32_t number = 1; number <= policy.list().count(); ++number) {
     if (!policy.list().removed(number)) rows.added(number);
@@ -102,6 +137,8 @@ class ByKey {
   ByKey(const ByKey&) = delete;  // the index knows the list by its address
   ByKey& operator=(const ByKey&) = delete;
 
+  void expect(std::int32_t primary) const { index_.expect(primary_key_(primary)); }
+  std::int32_t guess(std::int32_t primary) const { return index_.guess(primary_key_(primary)); }
   std::int32_t partner(std::int32_t primary) {
     const MatchKey key = primary_key_(primary);
     leaving_ = index_.first_left(key);
