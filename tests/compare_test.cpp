@@ -156,7 +156,8 @@ TEST_F(Comparing, TreeWalksAreThoseOfTheNestedScan) {
       list.Count = static_cast<std::int16_t>(nodes.size());
       list.Items = array(std::move(nodes));
     }
-    const auto& [one, other] = lists;
+    const auto& one = lists[0];
+    const auto& other = lists[1];
     const auto expected = nested_scan(
         one.Count, other.Count, [&](auto p, auto s) { return tree_match(one.Items.at(p), other.Items.at(s)); },
         [&](auto p, auto s) { return tree_leave(one.Items.at(p), other.Items.at(s)); });

@@ -67,8 +67,8 @@ TEST(Memory, StaysInProportionForHostileFiles) {
       {"sixty-four bytes of four thousand million tables", schema + numbers + list(kAll)},
       {"empty tables without end", schema + numbers + list(kAll) + std::string(1 << 20, '\0')},
       {"tables in front of lists without end", schema + numbers + list(9000) + repeated(list(9000), 100'000)},
-      {"language texts without a byte",
-       FileBuilder().tag("Language").bytes() + "\0\0\0\0"s + list(60'000) + std::string(60'000 * 40, '\0')},
+      {"language texts without a byte", FileBuilder().tag("Language").bytes() + "\0\0\0\0"s + list(60'000) +
+                                            std::string(std::size_t{60'000} * 40, '\0')},
       {"variants in variants",
        FileBuilder().tag("Module").bytes() + "\0\0\0\0\0\0"s + repeated("\x0C\x20\x01\0\x01\0\0\0\0\0\0\0"s, 100'000)},
       {"definitions, nodes and extras", FileBuilder().tag("TarvelDefinitionHeader").bytes() + std::string(38, '\0') +

@@ -34,7 +34,8 @@ vtrfile::Array<Element> array(std::vector<Element> elements, std::int32_t lower 
   static std::deque<typename vtrfile::Array<Element>::Block> blocks;
   const auto& kept = held.emplace_back(std::move(elements));
   const auto count = static_cast<std::uint32_t>(kept.size());
-  return vtrfile::Array<Element>(&blocks.emplace_back(count, lower, count, kept.data()));
+  return vtrfile::Array<Element>(
+      &blocks.emplace_back(typename vtrfile::Array<Element>::Block{count, lower, count, kept.data()}));
 }
 
 // The bytes of one record.

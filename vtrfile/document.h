@@ -34,9 +34,9 @@ class Slot {
   // from `memory`. Each of `keeps` (images, records of other slots) lives as long as the record. What `fill` did stays
   // in the slot when it raises.
   template <class Fill>
-  void renew(std::vector<std::shared_ptr<const void>> keeps, Fill&& fill) {
+  void renew(const std::vector<std::shared_ptr<const void>>& keeps, Fill&& fill) {
     auto store = std::make_shared<Store>();
-    store->keeps = std::move(keeps);
+    store->keeps = keeps;
     record_ = std::shared_ptr<const Record>(store, &store->record);
     fill(store->record, store->memory);
   }
