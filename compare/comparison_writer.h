@@ -4,7 +4,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <limits>
 #include <span>
 #include <string>
 #include <string_view>
@@ -86,10 +85,9 @@ struct Side {
 
   // Raises SubscriptOutOfRange at the end of an array that is shorter than its count.
   const Item& at(std::int32_t number) const { return items.at(number); }
-  // The number of records that the walk takes; raises SubscriptOutOfRange when the 16 bits in which it counts are too
-  // few.
+  // The number of records that the walk takes; raises SubscriptOutOfRange when it isn't countable.
   std::int32_t records() const {
-    if (count > std::numeric_limits<std::int16_t>::max()) throw vtrfile::SubscriptOutOfRange();
+    require_countable(count);
     return std::max(count, 0);
   }
 };

@@ -11,7 +11,7 @@ void write_head(ReportWriter& out, const ComparedDocuments& documents) {
   Locale& locale = out.locale();
   out.line(",Compared Statistic for files: ," + locale.Encode(documents.primary_fname));
   out.line(",," + locale.Encode(documents.secondary_fname));
-  out.line(",Date and time created:," + locale.Encode(locale.GeneralDate(locale.Now())));
+  out.line(",Date and time created:," + out.present_moment());
   out.gap();
 }
 
@@ -22,7 +22,6 @@ bool write_comparison(const HostServices& services, const Comparison& comparison
   counts = {};
   const std::u16string desc_name(comparison.desc_name);
   const OutputName secondary = GetReportFileName(services, documents.secondary_fname, desc_name, true);
-  report_path = secondary.path;
   // The report bears the primary file's name. Of the secondary one only the base name is used: its path is dropped, and
   // so is what was answered about a file that stands there.
   const OutputName primary = GetReportFileName(services, documents.primary_fname, desc_name, true);

@@ -17,8 +17,6 @@ struct HeaderRows {
   Definitions primary;
   Definitions secondary;
 
-  void expect(std::int32_t) const {}
-  void expect_texts(std::int32_t) const {}
   void pair(std::int32_t number, std::int32_t partner) const {
     const DATASEND_ITEM_STRUCT& one = primary.at(number);
     const DATASEND_ITEM_STRUCT& other = secondary.at(partner);

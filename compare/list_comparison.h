@@ -68,8 +68,6 @@ struct NestedRows {
   std::string (*first_cell)(const Outer&, std::int32_t number);  // shown in front of the inner record's cells
   std::string_view tail = {};
 
-  void expect(std::int32_t) const {}
-  void expect_texts(std::int32_t) const {}
   void pair(std::int32_t number, std::int32_t partner) const {
     const std::string lead = lead_of(primary, number);
     const auto rows = inner_rows(lead, inner(primary.at(number)), inner(secondary.at(partner)));

@@ -79,11 +79,12 @@ class MatchIndex {
 //
 // Records of lists in another order lie scattered in memory. So that they are fetched while others are worked on, a
 // batch goes through in steps: policy.expect(number) of what its search will read first, policy.guess(number) for the
-// likely partner, rows.expect(secondary) and rows.expect_texts(secondary) of it, and only then the search and the rows.
+// likely partner, rows.expect(secondary) and rows.expect_texts(secondary) of it, if the rows have these, and only then
+// the search and the rows.
 template <class Policy, class Rows>
 void walk(std::int32_t primary_count, Policy& policy, Rows&& rows) {
   constexpr std::int32_t kBatch = 16;
-  std::array<std::int32_t, kBatch> likely;
+  std::array<std::int32_t, kBatch> likely{};
   for (std::int32_t first = 1; first <= primary_count; first += kBatch) {
     const std::int32_t behind = std::min(primary_count, first + kBatch - 1) + 1;
     std::int32_t last = first;
@@ -97,13 +98,15 @@ void walk(std::int32_t primary_count, Policy& policy, Rows&& rows) {
     const auto each = [&](const auto& step) {
       for (std::int32_t number = first; number < last; ++number) step(number, likely[std::size_t(number - first)]);
     };
-    each([&](std::int32_t number, std::int32_t& guess) {
-      guess = policy.guess(number);
-      if (guess != 0) rows.expect(guess);
-    });
-    each([&](std::int32_t, std::int32_t guess) {
-      if (guess != 0) rows.expect_texts(guess);
-    });
+    if constexpr (requires { rows.expect(first); }) {
+      each([&](std::int32_t number, std::int32_t& guess) {
+        guess = policy.guess(number);
+        if (guess != 0) rows.expect(guess);
+      });
+      each([&](std::int32_t, std::int32_t guess) {
+        if (guess != 0) rows.expect_texts(guess);
+      });
+    }
     each([&](std::int32_t number, std::int32_t) {
       if (const std::int32_t partner = policy.partner(number)) {
         rows.pair(number, partner);

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <iomanip>
 #include <nlohmann/json.hpp>
 
@@ -14,12 +13,6 @@ using platform::printable;
 
 constexpr int kTitleWidth = 25;
 
-std::string one_line(const std::u16string& text) {
-  std::string line = printable(text);
-  std::ranges::replace(line, '\n', ' ');
-  return line;
-}
-
 void print_line(const std::string& title, const std::string& value) {
   std::cout << std::left << std::setw(kTitleWidth) << title << value << '\n';
 }
@@ -27,7 +20,7 @@ void print_line(const std::string& title, const std::string& value) {
 void print(const DocumentAccount& account, const std::string& file) {
   print_line("File", file);
   for (const auto* values : {&account.header, &account.product}) {
-    for (const AccountText& value : *values) print_line(value.title, one_line(value.text));
+    for (const AccountText& value : *values) print_line(value.title, platform::printable_line(value.text));
   }
   std::cout << '\n' << std::left << std::setw(kTitleWidth) << "List" << std::right;
   for (const char* head : {"Count", "Current", "Max", "Recounted"}) std::cout << std::setw(10) << head;

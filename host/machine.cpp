@@ -1,6 +1,5 @@
 #include "host/machine.h"
 
-#include <algorithm>
 #include <unistd.h>
 
 #include "platform/console/printable.h"
@@ -26,16 +25,14 @@ Machine::Machine(const Settings& settings, Output output)
       locale_(settings.code_page) {}
 
 void complain(const std::string& line) {
-  std::string shown = platform::printable(platform::from_utf8(line));
-  std::ranges::replace(shown, '\n', ' ');
-  std::cerr << line_start() << "vtrout: " << shown << '\n';
+  std::cerr << line_start() << "vtrout: " << platform::printable_line(platform::from_utf8(line)) << '\n';
 }
 
 Progress::Progress() : on_terminal_(isatty(STDERR_FILENO) != 0) {}
 
 void Progress::show(const std::string& doing) {
   if (!on_terminal_ || (doing.empty() && !shown_)) return;
-  std::cerr << kEraseLine << platform::printable(platform::from_utf8(doing)) << std::flush;
+  std::cerr << kEraseLine << platform::printable_line(platform::from_utf8(doing)) << std::flush;
   shown_ = !doing.empty();
 }
 

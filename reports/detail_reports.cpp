@@ -9,7 +9,7 @@ using vtrfile::DocumentSlots;
 
 void write_head(ReportWriter& out, const std::u16string& fname) {
   out.line("Detailed Statistic for file: " + out.locale().Encode(fname));
-  out.line("Date and time created:," + out.locale().Encode(out.locale().GeneralDate(out.locale().Now())));
+  out.line("Date and time created:," + out.present_moment());
   out.gap();
 }
 

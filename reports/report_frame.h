@@ -20,6 +20,8 @@ class ReportWriter {
   ReportWriter(TextStream& stream, Locale& locale) noexcept : stream_(stream), locale_(locale) {}
 
   Locale& locale() noexcept { return locale_; }
+  // The present date and time in general form, in bytes of the code page.
+  std::string present_moment() { return locale_.Encode(locale_.GeneralDate(locale_.Now())); }
 
   void line(std::string_view text) { stream_.WriteLine(text); }
   // A row that a spreadsheet takes as two empty ones.
@@ -68,11 +70,16 @@ class ReportWriter {
   std::string scratch_;
 };
 
+// Raises SubscriptOutOfRange for a count that doesn't fit the 16 bits in which reports and comparisons count.
+inline void require_countable(std::int32_t count) {
+  if (count > std::numeric_limits<std::int16_t>::max()) throw vtrfile::SubscriptOutOfRange();
+}
+
 // Calls visit(item, number) for the items 1 to `count`. Raises SubscriptOutOfRange at the end of an array that is
-// shorter, and before the first item when `count` doesn't fit the 16 bits in which the reports count.
+// shorter, and before the first item when `count` isn't countable.
 template <class Item, class Visit>
 void for_each_item(const vtrfile::Array<Item>& items, std::int32_t count, Visit&& visit) {
-  if (count > std::numeric_limits<std::int16_t>::max()) throw vtrfile::SubscriptOutOfRange();
+  require_countable(count);
   for (std::int32_t number = 1; number <= count; ++number) visit(items.at(number), number);
 }
 

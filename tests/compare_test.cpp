@@ -25,8 +25,6 @@ std::ostream& operator<<(std::ostream& out, const Row& row) { return out << row.
 
 struct RowLog {
   std::vector<Row>& rows;
-  void expect(std::int32_t) {}
-  void expect_texts(std::int32_t) {}
   void pair(std::int32_t primary, std::int32_t secondary) { rows.push_back({primary, secondary}); }
   void deleted(std::int32_t primary) { rows.push_back({primary, 0}); }
   void added(std::int32_t secondary) { rows.push_back({0, secondary}); }

@@ -11,20 +11,18 @@ namespace trvtrout::platform {
 namespace {
 
 // A message as a line for people; its paths are shown as the machine writes them.
-std::string one_line(std::u16string text) {
+std::string message_line(std::u16string text) {
   std::ranges::replace(text, u'\\', u'/');
-  std::string line = printable(text);
-  std::ranges::replace(line, '\n', ' ');
-  return line;
+  return printable_line(text);
 }
 
 }  // namespace
 
 MessageAnswer ConsoleMessageBox::Show(const std::u16string& prompt, MessageButtons buttons,
                                       const std::optional<std::u16string>& title) {
-  if (buttons == MessageButtons::kYesNoCancel) return answer(one_line(prompt));
+  if (buttons == MessageButtons::kYesNoCancel) return answer(message_line(prompt));
   const std::u16string lead = subject_.empty() ? title.value_or(u"") : subject_;
-  out_ << line_start_ << one_line(lead.empty() ? prompt : lead + u": " + prompt) << '\n' << std::flush;
+  out_ << line_start_ << message_line(lead.empty() ? prompt : lead + u": " + prompt) << '\n' << std::flush;
   return MessageAnswer::kOk;
 }
 

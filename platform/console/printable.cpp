@@ -1,5 +1,7 @@
 #include "platform/console/printable.h"
 
+#include <algorithm>
+
 #include "platform/text/utf8.h"
 
 namespace trvtrout::platform {
@@ -29,6 +31,12 @@ std::string printable(const std::u16string& text) {
     }
   }
   return to_utf8(shown);
+}
+
+std::string printable_line(const std::u16string& text) {
+  std::string line = printable(text);
+  std::ranges::replace(line, '\n', ' ');
+  return line;
 }
 
 }  // namespace trvtrout::platform
