@@ -154,6 +154,21 @@ int FileHandle::write(std::string_view bytes) const noexcept {
   return 0;
 }
 
+void FileHandle::sync() const {
+  if (fsync(descriptor_) != 0) raise(errno);
+}
+
+void FileHandle::take_rights_of(const std::string& path) const {
+  struct stat status {};
+  if (stat(path.c_str(), &status) != 0) return;
+  // The owner first: changing it drops rights. Another user's file may not be given away; then the group alone.
+  const bool given = fchown(descriptor_, status.st_uid, status.st_gid) == 0 ||
+                     fchown(descriptor_, static_cast<uid_t>(-1), status.st_gid) == 0;
+  // Rights of a group that the file doesn't belong to would go to strangers.
+  const mode_t rights = given ? status.st_mode & 07777U : status.st_mode & 0707U;
+  if (fchmod(descriptor_, rights) != 0) raise(errno);
+}
+
 int FileHandle::close() noexcept {
   const int descriptor = std::exchange(descriptor_, -1);
   // An interrupted close has closed.

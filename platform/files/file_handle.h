@@ -29,6 +29,10 @@ class FileHandle {
   void truncate() const;
   // The error number of the machine, 0 for none; after an error some of the bytes may have been written.
   int write(std::string_view bytes) const noexcept;
+  // What was written is on the disk when this returns. Raises ServiceError.
+  void sync() const;
+  // Gives the file the owner, as far as may be, and the rights of the file at `path`, if there is one.
+  void take_rights_of(const std::string& path) const;
   // The error number of the machine, 0 for none; closing again does nothing.
   int close() noexcept;
 
