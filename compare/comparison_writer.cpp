@@ -1,5 +1,7 @@
 #include "compare/comparison_writer.h"
 
+#include "compare/row_labels.h"
+
 namespace trvtrout {
 
 void ComparisonWriter::title(std::string_view title) {
@@ -10,8 +12,7 @@ void ComparisonWriter::title(std::string_view title) {
 }
 
 std::string_view ComparisonWriter::label(RowForm form) {
-  constexpr std::string_view kLabels[] = {"", "Original in Primary", "Changed in Secondary", "Deleted from Primary",
-                                          "Added in Secondary"};
+  constexpr std::string_view kLabels[] = {"", kOriginalLabel, kChangedLabel, kDeletedLabel, kAddedLabel};
   return kLabels[static_cast<std::size_t>(form)];
 }
 

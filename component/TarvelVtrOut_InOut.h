@@ -58,6 +58,18 @@ class TarvelVtrOut_InOut {
   std::u16string GetOutputFileName(const std::u16string& Fname, const std::u16string& DescName,
                                    std::u16string& VTRFname);
 
+  // Each adds a sheet named `StrSheetName` to the workbook `XLFname`, in front of its active sheet, and moves the report
+  // `ASCIIFname` into it; a detail report the first, a comparison the second. The workbook must exist. The names
+  // "Product", "Tables", "Fields", "Tree", "Lookups", "Control Tags", "Languages" and "Data Send" give the sheet the
+  // formats of that report. On failure the workbook is as it was. The report stays.
+  Boolean XL_Output_Statistics(const std::u16string& XLFname, const std::u16string& ASCIIFname,
+                               const std::u16string& StrSheetName);
+  // With `Color` True the labels of changed, deleted and added rows get their colours; how far the rows reach is asked
+  // of `objPrim` and `objSec`, whose document last read is the primary and the secondary one. Both can be null if not.
+  Boolean XL_Output_Compared(const std::u16string& XLFname, const std::u16string& ASCIIFname,
+                             const std::u16string& StrSheetName, TarvelVtrOut_InOut* objPrim,
+                             TarvelVtrOut_InOut* objSec, Boolean Color);
+
   // Removes a report file. False when it can't be removed; a missing file is told to the user.
   Boolean Delete_ASCII(const std::u16string& ASCIIFname);
 
@@ -120,6 +132,7 @@ class TarvelVtrOut_InOut {
   Boolean compare(const Comparison& comparison, const std::u16string& primary_fname,
                   const std::u16string& secondary_fname, std::u16string& report_path);
   Boolean fail(const Failure& failure);
+  Boolean tell(const std::optional<Failure>& failure);
   void warn(const std::u16string& prompt);
   void warn_of_file_in_use(const std::u16string& path);
 

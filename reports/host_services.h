@@ -14,6 +14,10 @@
 // Paths are 16-bit text with backslashes between directories. Bytes are text in the code page of the Locale.
 namespace trvtrout {
 
+namespace automation {
+class Spreadsheet;  // workbook/automation.h
+}
+
 // Whole days since 30 December 1899; the fraction is the time of day (local time). Before that day the fraction still
 // counts forward from midnight: -1.25 is 6 o'clock on 29 December 1899.
 using Date = double;
@@ -143,6 +147,7 @@ struct HostServices {
   SaveDialog& save_dialog;
   MessageLoop& message_loop;
   Locale& locale;
+  automation::Spreadsheet& spreadsheet;
 };
 
 }  // namespace trvtrout
