@@ -59,7 +59,7 @@ int open_once(const std::string& path, int flags) {
 }
 
 int open_descriptor(const std::string& path, Access access, Creation creation) {
-  const int flags = access == Access::kRead ? O_RDONLY : O_WRONLY;
+  const int flags = access == Access::kRead ? O_RDONLY : access == Access::kWrite ? O_WRONLY : O_RDWR;
   if (creation == Creation::kOnlyNew) return open_once(path, flags | O_CREAT | O_EXCL);
   // Creating only in a second step: with O_CREAT the system refuses another user's file in a shared sticky folder
   // even to those who may open it.

@@ -7,7 +7,7 @@
 
 namespace trvtrout::platform {
 
-enum class Access { kRead, kWrite };
+enum class Access { kRead, kWrite, kUpdate };  // kUpdate: both
 enum class Creation { kNever, kIfMissing, kOnlyNew };
 
 // A regular file of the machine, locked against other programs while it is open. `verb` is what a message says

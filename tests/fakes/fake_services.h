@@ -14,6 +14,7 @@
 #include "platform/locale/us_locale.h"
 #include "platform/text/utf8.h"
 #include "reports/host_services.h"
+#include "tests/fakes/recording_spreadsheet.h"
 
 namespace trvtrout::fakes {
 
@@ -206,8 +207,9 @@ struct Machine {
   ScriptedSaveDialog save_dialog;
   CountingMessageLoop message_loop;
   FixedLocale locale;
+  RecordingSpreadsheet spreadsheet;
 
-  HostServices services() { return {files, message_box, save_dialog, message_loop, locale}; }
+  HostServices services() { return {files, message_box, save_dialog, message_loop, locale, spreadsheet}; }
 };
 
 }  // namespace trvtrout::fakes

@@ -1,0 +1,50 @@
+#include "platform/spreadsheet/program/sheet_names.h"
+
+#include <algorithm>
+#include <clocale>
+#include <cwctype>
+#include <locale.h>
+
+#include "platform/spreadsheet/workbook_file.h"
+#include "platform/text/utf8.h"
+
+namespace trvtrout::spreadsheet {
+namespace {
+
+constexpr std::size_t kMaxLength = 31;  // 16-bit units
+constexpr std::u16string_view kForbidden = u":\\/?*[]";
+constexpr std::string_view kReserved = "History";  // the program's own sheet of changes
+
+std::u16string lower(std::string_view utf8) {
+  static const locale_t kUnicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  std::u16string text = platform::from_utf8(utf8);
+  for (char16_t& unit : text) {
+    if (kUnicode) unit = static_cast<char16_t>(towlower_l(unit, kUnicode));
+  }
+  return text;
+}
+
+bool is_control(char16_t unit) { return unit < u' '; }
+
+}  // namespace
+
+bool same_sheet_name(std::string_view one, std::string_view other) { return lower(one) == lower(other); }
+
+void require_sheet_name(const std::u16string& name, const std::vector<std::string>& others) {
+  const std::string shown = platform::to_utf8(name);
+  const auto refuse = [&](const std::string& reason) {
+    throw WorkbookError("no sheet can be named \"" + shown + "\": " + reason);
+  };
+  if (name.empty()) refuse("a name has at least one character");
+  if (name.size() > kMaxLength) refuse("a name has at most " + std::to_string(kMaxLength) + " characters");
+  if (name.find_first_of(kForbidden) != name.npos || std::ranges::any_of(name, is_control)) {
+    refuse("none of : \\ / ? * [ ] and no control character may be in it");
+  }
+  if (name.front() == u'\'' || name.back() == u'\'') refuse("an apostrophe may not begin or end it");
+  if (same_sheet_name(shown, kReserved)) refuse("the name is reserved");
+  const auto same =
+      std::ranges::find_if(others, [&](const std::string& other) { return same_sheet_name(shown, other); });
+  if (same != others.end()) refuse("the workbook has a sheet \"" + *same + "\"; rename or remove it first");
+}
+
+}  // namespace trvtrout::spreadsheet
