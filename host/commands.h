@@ -10,19 +10,31 @@ namespace trvtrout::host {
 // `vtrout info`: what the file holds, and how each list's numbers stand beside a recount.
 ExitStatus info(const Settings& settings, const std::string& file, bool json);
 
-// `vtrout report`: the detail reports of `parts` (all when empty), beside the file.
-ExitStatus report(const Settings& settings, const std::string& file, const std::vector<std::string>& parts,
-                  bool temporary);
+struct ReportTask {
+  std::string file;
+  std::vector<std::string> parts;  // all when empty
+  bool temporary = false;
+  std::string workbook;  // empty for reports beside the file
+};
+
+// `vtrout report`: the detail reports, beside the file or in the sheets of a workbook.
+ExitStatus report(const Settings& settings, const ReportTask& task);
 
 struct ComparisonTask {
   std::string primary, secondary;
-  std::vector<std::string> parts;
+  std::vector<std::string> parts;  // all when empty
   bool json = false;
   bool summary = false;  // the counts alone, no files
+  std::string workbook;  // empty for reports beside the primary file
+  bool color = true;     // of the labels in a workbook
 };
 
-// `vtrout compare`: the comparisons of two documents, beside the primary one, and how many rows have which form.
-// kRemarkable when a row is labelled.
+// `vtrout compare`: the comparisons of two documents, beside the primary one or in the sheets of a workbook, and how
+// many rows have which form. kRemarkable when a row is labelled.
 ExitStatus compare(const Settings& settings, const ComparisonTask& task);
+
+// `vtrout statistics`: a detail report that exists, moved into a sheet of a workbook that exists.
+ExitStatus statistics(const Settings& settings, const std::string& workbook, const std::string& report,
+                      const std::string& sheet_name);
 
 }  // namespace trvtrout::host

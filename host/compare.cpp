@@ -1,9 +1,11 @@
 #include <algorithm>
 #include <iomanip>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "host/commands.h"
 #include "host/parts.h"
+#include "host/workbook_target.h"
 #include "platform/files/path.h"
 #include "platform/text/utf8.h"
 
@@ -66,39 +68,82 @@ Json to_json(const PartResult& result) {
            {{"primary", to_json(result.repeated_in_primary)}, {"secondary", to_json(result.repeated_in_secondary)}}}};
 }
 
-void print_json(const std::string& primary, const std::string& secondary, bool different,
-                const std::vector<PartResult>& results) {
+void print_json(const ComparisonTask& task, const std::vector<PartResult>& results) {
   Json parts = Json::object();
   for (const PartResult& result : results) parts[result.name] = to_json(result);
-  const Json whole = {{"primary", primary}, {"secondary", secondary}, {"different", different}, {"parts", parts}};
+  const Json whole = {{"primary", task.primary},
+                      {"secondary", task.secondary},
+                      {"different", std::ranges::any_of(results, &PartResult::different)},
+                      {"workbook", task.workbook.empty() ? Json() : Json(task.workbook)},
+                      {"parts", parts}};
   std::cout << whole.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
 }
+
+// The way of the comparisons into the sheets of a workbook, when one is wanted.
+class ComparisonSheets {
+ public:
+  // Raises ServiceError when the workbook can't take the sheets.
+  ComparisonSheets(Machine& machine, const ComparisonTask& task)
+      : task_(task), parts_(parts_named(task.parts)), primary_(machine.services()) {
+    if (task.workbook.empty()) return;
+    workbook_.emplace(task.workbook, parts_);
+    std::ranges::reverse(parts_);  // each sheet comes in front of the one before
+    // Colouring asks for the primary document as the one last read.
+    if (task.color && !read_whole(machine, primary_, task.primary, False)) {
+      throw ServiceError(0, task.primary + " has changed while it was compared; try again");
+    }
+  }
+
+  // In the order in which they are to be compared.
+  const std::vector<Part>& parts() const { return parts_; }
+  // Moves the comparison at `report` that `utility` has made; True when none is to be moved.
+  bool take(TarvelVtrOut_InOut& utility, const Part& part, const std::u16string& report) {
+    return !workbook_ || workbook_->take(utility, part.name, report, [&](const auto& target) {
+      return utility.XL_Output_Compared(target, report, part.sheet_name, &primary_, &utility,
+                                        task_.color ? True : False);
+    });
+  }
+  // Completes the workbook, and puts the results into the order of the sheets.
+  void finish(std::vector<PartResult>& results) {
+    if (!workbook_) return;
+    workbook_->finish(!task_.json);
+    std::ranges::reverse(results);
+  }
+
+ private:
+  const ComparisonTask& task_;
+  std::vector<Part> parts_;
+  TarvelVtrOut_InOut primary_;
+  std::optional<WorkbookTarget> workbook_;
+};
 
 }  // namespace
 
 ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
   if (!can_name_reports(task.primary)) return kTrouble;
-  Machine machine(settings, task.summary ? Output::kNone : Output::kFiles);
+  const Output output = task.summary ? Output::kNone : task.workbook.empty() ? Output::kFiles : Output::kHeld;
+  Machine machine(settings, output);
   TarvelVtrOut_InOut utility(machine.services());
   if (!read_whole(machine, utility, task.primary, False) || !read_whole(machine, utility, task.secondary, True)) {
     return kTrouble;
   }
-
+  ComparisonSheets sheets(machine, task);
   machine.speak_of(task.primary);  // whose name the reports bear
 
   ExitStatus status = kFine;
   std::vector<PartResult> results;
   Progress progress;
   std::u16string primary = platform::class_path(task.primary), secondary = platform::class_path(task.secondary);
-  for (const Part& part : parts_named(task.parts)) {
+  for (const Part& part : sheets.parts()) {
     progress.show(std::string("Comparing ") + part.name);
     std::u16string report;
     const Boolean written = (utility.*part.compare)(primary, secondary, report);
-    progress.show({});
     PartResult& result = results.emplace_back(PartResult{part.name, bool(written), {}, utility.LastCounts(), {}, {}});
-    if (!task.summary) result.report = platform::machine_path(report);
-    if (!written) {
-      complain_of_part("comparison of", part.name, report, utility.LastFailure());
+    const bool moved = !written || sheets.take(utility, part, report);
+    progress.show({});
+    if (output == Output::kFiles) result.report = platform::machine_path(report);
+    if (!written) complain_of_part("comparison of", part.name, report, utility.LastFailure());
+    if (!written || !moved) {
       status = kTrouble;
     } else if (status == kFine && result.different()) {
       status = kRemarkable;
@@ -106,13 +151,13 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
     if (task.json) {
       result.repeated_in_primary = utility.RepeatedKeys(false);
       result.repeated_in_secondary = utility.RepeatedKeys(true);
-    } else if (written && !task.summary) {
+    } else if (written && output == Output::kFiles) {
       std::cout << result.report << std::endl;
     }
   }
+  sheets.finish(results);
   if (task.json) {
-    const bool different = std::ranges::any_of(results, &PartResult::different);
-    print_json(task.primary, task.secondary, different, results);
+    print_json(task, results);
   } else {
     print_table(task.summary ? std::cout : std::cerr, results);
   }

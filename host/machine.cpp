@@ -19,7 +19,9 @@ const char* line_start() { return isatty(STDERR_FILENO) != 0 ? kEraseLine : ""; 
 }  // namespace
 
 Machine::Machine(const Settings& settings, Output output)
-    : output_(output),
+    : output_(output == Output::kFiles  ? static_cast<Files&>(files_)
+              : output == Output::kNone ? static_cast<Files&>(no_files_)
+                                        : held_files_),
       message_box_(settings.overwrite, std::cin, std::cerr, person_is_there(), line_start()),
       save_dialog_(files_, std::cin, std::cerr, person_is_there()),
       locale_(settings.code_page) {}

@@ -7,8 +7,10 @@
 #include "platform/console/console_save_dialog.h"
 #include "platform/console/quiet_message_loop.h"
 #include "platform/files/discarding_files.h"
+#include "platform/files/held_files.h"
 #include "platform/files/local_files.h"
 #include "platform/locale/us_locale.h"
+#include "platform/spreadsheet/program/spreadsheet_program.h"
 #include "platform/text/utf8.h"
 
 namespace trvtrout::host {
@@ -26,29 +28,29 @@ struct Settings {
   platform::Overwrite overwrite = platform::Overwrite::kAsk;
 };
 
-// Whether operations write their files, or go through with them for their results alone.
-enum class Output { kFiles, kNone };
+// What becomes of the texts that operations write: files, nothing (for who wants the results alone), or texts in memory
+// (for who moves them into a workbook).
+enum class Output { kFiles, kNone, kHeld };
 
 // The stand-ins for the desktop on this machine. Questions go to the terminal, on stderr; data have stdout alone.
 class Machine {
  public:
   explicit Machine(const Settings& settings, Output output = Output::kFiles);
-  HostServices services() {
-    Files& files = output_ == Output::kFiles ? static_cast<Files&>(files_) : no_files_;
-    return {files, message_box_, save_dialog_, message_loop_, locale_};
-  }
+  HostServices services() { return {output_, message_box_, save_dialog_, message_loop_, locale_, spreadsheet_}; }
   Locale& locale() { return locale_; }
   // Messages name this file (a path of the machine) from now on.
   void speak_of(const std::string& file) { message_box_.set_subject(u"vtrout: " + platform::from_utf8(file)); }
 
  private:
-  Output output_;
   platform::LocalFiles files_{platform::MissingFile::kRefuse};
   platform::DiscardingFiles no_files_{files_};
+  platform::HeldFiles held_files_{files_};
+  Files& output_;
   platform::ConsoleMessageBox message_box_;
   platform::ConsoleSaveDialog save_dialog_;
   platform::QuietMessageLoop message_loop_;
   platform::UsLocale locale_;
+  spreadsheet::SpreadsheetProgram spreadsheet_{output_, locale_};
 };
 
 // One line on stderr, with the program's name in front.

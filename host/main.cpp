@@ -38,6 +38,11 @@ void add_parts(CLI::App& command, std::vector<std::string>& parts) {
       ->allow_extra_args(false);
 }
 
+CLI::Option* add_workbook(CLI::App& command, std::string& workbook) {
+  return command.add_option("--workbook", workbook,
+                            "Move each part into a sheet of this .xls or .xlsx file, which is made if missing");
+}
+
 int run(int argc, char** argv) {
   CLI::App app(kDescription, "vtrout");
   app.set_version_flag("--version", "vtrout " VTROUT_VERSION);
@@ -53,15 +58,15 @@ int run(int argc, char** argv) {
   add_code_page(*info_command, settings);
   info_command->callback([&] { status = info(settings, file, json); });
 
-  std::vector<std::string> parts;
-  bool temporary = false;
+  ReportTask reports;
   auto* const report_command = app.add_subcommand("report", "Write detail reports beside a file; prints their paths");
-  report_command->add_option("FILE", file, "A VTR file")->required();
-  add_parts(*report_command, parts);
-  report_command->add_flag("--temporary", temporary, "Ask for the temporary name, which has no date in it");
+  report_command->add_option("FILE", reports.file, "A VTR file")->required();
+  add_parts(*report_command, reports.parts);
+  report_command->add_flag("--temporary", reports.temporary, "Ask for the temporary name, which has no date in it");
   add_overwrite(*report_command, settings);
   add_code_page(*report_command, settings);
-  report_command->callback([&] { status = report(settings, file, parts, temporary); });
+  add_workbook(*report_command, reports.workbook);
+  report_command->callback([&] { status = report(settings, reports); });
 
   ComparisonTask task;
   auto* const compare_command =
@@ -69,11 +74,22 @@ int run(int argc, char** argv) {
   compare_command->add_option("PRIMARY", task.primary, "The VTR file that came first")->required();
   compare_command->add_option("SECONDARY", task.secondary, "The VTR file that came after it")->required();
   add_parts(*compare_command, task.parts);
-  compare_command->add_flag("--summary", task.summary, "Write no files, print the counts alone");
+  auto* const summary = compare_command->add_flag("--summary", task.summary, "Write no files, print the counts alone");
+  add_workbook(*compare_command, task.workbook)->excludes(summary);
+  compare_command->add_flag("!--no-color", task.color, "Leave the labels in the workbook without colours");
   compare_command->add_flag("--json", task.json, "The counts for programs; docs/json.md tells the form");
   add_overwrite(*compare_command, settings);
   add_code_page(*compare_command, settings);
   compare_command->callback([&] { status = compare(settings, task); });
+
+  std::string workbook, sheet;
+  auto* const statistics_command =
+      app.add_subcommand("statistics", "Move a detail report that exists into a sheet of a workbook that exists");
+  statistics_command->add_option("WORKBOOK", workbook, "An .xls or .xlsx file")->required();
+  statistics_command->add_option("REPORT", file, "A comma-separated text, named .csv")->required();
+  statistics_command->add_option("SHEET", sheet, "Name of the new sheet")->required();
+  add_code_page(*statistics_command, settings);
+  statistics_command->callback([&] { status = statistics(settings, workbook, file, sheet); });
 
   try {
     app.parse(argc, argv);

@@ -11,14 +11,14 @@ namespace {
 using Utility = TarvelVtrOut_InOut;
 
 constexpr Part kParts[] = {
-    {"product", &Utility::ASCII_Output_Product, &Utility::Compare_Product},
-    {"table", &Utility::ASCII_Output_Table, &Utility::Compare_Table},
-    {"field", &Utility::ASCII_Output_Field, &Utility::Compare_Field},
-    {"tree", &Utility::ASCII_Output_Tree, &Utility::Compare_Tree},
-    {"lookup", &Utility::ASCII_Output_Lookup, &Utility::Compare_Lookup},
-    {"ctrltag", &Utility::ASCII_Output_CtrlTag, &Utility::Compare_CtrlTag},
-    {"lang", &Utility::ASCII_Output_Lang, &Utility::Compare_Lang},
-    {"dsend", &Utility::ASCII_Output_DSend, &Utility::Compare_DSend},
+    {"product", u"Product", &Utility::ASCII_Output_Product, &Utility::Compare_Product},
+    {"table", u"Tables", &Utility::ASCII_Output_Table, &Utility::Compare_Table},
+    {"field", u"Fields", &Utility::ASCII_Output_Field, &Utility::Compare_Field},
+    {"tree", u"Tree", &Utility::ASCII_Output_Tree, &Utility::Compare_Tree},
+    {"lookup", u"Lookups", &Utility::ASCII_Output_Lookup, &Utility::Compare_Lookup},
+    {"ctrltag", u"Control Tags", &Utility::ASCII_Output_CtrlTag, &Utility::Compare_CtrlTag},
+    {"lang", u"Languages", &Utility::ASCII_Output_Lang, &Utility::Compare_Lang},
+    {"dsend", u"Data Send", &Utility::ASCII_Output_DSend, &Utility::Compare_DSend},
 };
 
 }  // namespace

@@ -10,6 +10,7 @@ namespace trvtrout::host {
 // One of the eight parts of a document, by the name that --part takes, with the operations on it.
 struct Part {
   const char* name;
+  const char16_t* sheet_name;  // in a workbook
   Boolean (TarvelVtrOut_InOut::*report)(std::u16string&, std::u16string&, Boolean&);
   Boolean (TarvelVtrOut_InOut::*compare)(std::u16string&, std::u16string&, std::u16string&);
 };

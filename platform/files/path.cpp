@@ -1,6 +1,7 @@
 #include "platform/files/path.h"
 
 #include <algorithm>
+#include <random>
 
 #include "platform/text/utf8.h"
 
@@ -16,6 +17,11 @@ std::u16string class_path(std::string_view machine_path) {
   std::u16string path = from_utf8(machine_path);
   std::replace(path.begin(), path.end(), u'/', u'\\');
   return path;
+}
+
+std::string temporary_path_beside(const std::string& machine_path) {
+  std::random_device random;
+  return machine_path.substr(0, machine_path.rfind('/') + 1) + ".vtrout-" + std::to_string(random()) + ".tmp";
 }
 
 }  // namespace trvtrout::platform

@@ -12,4 +12,7 @@ std::string machine_path(const std::u16string& path);
 // machine_path.
 std::u16string class_path(std::string_view machine_path);
 
+// A path beside a file of the machine that no other file has. The name is short: the file's may be as long as can be.
+std::string temporary_path_beside(const std::string& machine_path);
+
 }  // namespace trvtrout::platform

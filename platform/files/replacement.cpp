@@ -3,9 +3,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
-#include <random>
 #include <system_error>
 #include <unistd.h>
+
+#include "platform/files/path.h"
 
 namespace trvtrout::platform {
 namespace {
@@ -18,17 +19,11 @@ std::string behind_links(const std::string& path) {
   return none ? path : real.string();
 }
 
-// Short, because the file's own name may be as long as a name can be.
-std::string name_beside(const std::string& path) {
-  std::random_device random;
-  return path.substr(0, path.rfind('/') + 1) + ".vtrout-" + std::to_string(random()) + ".tmp";
-}
-
 }  // namespace
 
 Replacement::Replacement(const std::string& path)
     : path_(behind_links(path)),
-      temporary_path_(name_beside(path_)),
+      temporary_path_(temporary_path_beside(path_)),
       file_(temporary_path_, kVerb, Access::kWrite, Creation::kOnlyNew) {}
 
 Replacement::~Replacement() {

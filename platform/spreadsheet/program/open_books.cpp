@@ -88,7 +88,7 @@ void OpenBook::restyle(const std::vector<Area>& areas, const std::function<void(
 
 void OpenBook::rename(const std::u16string& name) {
   require_added();
-  naming_file(machine_name(), [&] { require_sheet_name(name, workbook_->file().sheet_names()); });
+  workbook_->require_free(name);
   sheet_name_ = platform::to_utf8(name);
 }
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/files/replacement.h"
+#include "platform/spreadsheet/program/sheet_names.h"
 #include "platform/spreadsheet/program/spreadsheet_error.h"
 
 namespace trvtrout::spreadsheet {
@@ -50,6 +51,10 @@ WorkbookOnDisk::WorkbookOnDisk(std::string path)
   require_unowned(path_);
   opened_ = status_of(path_);
   file_ = naming_file(path_, [&] { return open_workbook(read_all(handle_)); });
+}
+
+void WorkbookOnDisk::require_free(const std::u16string& sheet_name) const {
+  naming_file(path_, [&] { require_sheet_name(sheet_name, file_->sheet_names()); });
 }
 
 void WorkbookOnDisk::save_with(const Sheet& sheet) {

@@ -17,6 +17,8 @@ class WorkbookOnDisk {
   explicit WorkbookOnDisk(std::string path);
 
   const WorkbookFile& file() const { return *file_; }
+  // Raises ServiceError, with the reason, unless a sheet can be added under this name.
+  void require_free(const std::u16string& sheet_name) const;
   // Puts the workbook with `sheet` in its place; on failure it's as it was. Raises ServiceError, also when the file has
   // been changed since it was opened.
   void save_with(const Sheet& sheet);
