@@ -132,7 +132,7 @@ class TarvelVtrOut_InOut {
   Boolean compare(const Comparison& comparison, const std::u16string& primary_fname,
                   const std::u16string& secondary_fname, std::u16string& report_path);
   Boolean fail(const Failure& failure);
-  Boolean tell(const std::optional<Failure>& failure);
+  Boolean outcome(const std::optional<Failure>& failure);
   void warn(const std::u16string& prompt);
   void warn_of_file_in_use(const std::u16string& path);
 

@@ -67,11 +67,11 @@ std::int64_t list_size(TarvelVtrOut_InOut& document, SizedList list) {
 
 }  // namespace
 
-Boolean TarvelVtrOut_InOut::tell(const std::optional<Failure>& failure) { return failure ? fail(*failure) : True; }
+Boolean TarvelVtrOut_InOut::outcome(const std::optional<Failure>& failure) { return failure ? fail(*failure) : True; }
 
 Boolean TarvelVtrOut_InOut::XL_Output_Statistics(const std::u16string& XLFname, const std::u16string& ASCIIFname,
                                                  const std::u16string& StrSheetName) {
-  return tell(output_statistics(services_.spreadsheet, {XLFname, ASCIIFname, StrSheetName}));
+  return outcome(output_statistics(services_.spreadsheet, {XLFname, ASCIIFname, StrSheetName}));
 }
 
 Boolean TarvelVtrOut_InOut::XL_Output_Compared(const std::u16string& XLFname, const std::u16string& ASCIIFname,
@@ -83,7 +83,7 @@ Boolean TarvelVtrOut_InOut::XL_Output_Compared(const std::u16string& XLFname, co
     return list_size(*document, list);
   };
   const ReportMove move{XLFname, ASCIIFname, StrSheetName};
-  return tell(output_compared(services_.spreadsheet, move, Color == True ? size_of : ListSize()));
+  return outcome(output_compared(services_.spreadsheet, move, Color == True ? size_of : ListSize()));
 }
 
 }  // namespace trvtrout
