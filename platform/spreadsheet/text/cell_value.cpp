@@ -8,6 +8,7 @@
 #include <charconv>
 #include <limits>
 #include <optional>
+#include <string>
 
 #include "platform/spreadsheet/text/date_value.h"
 #include "platform/text/scanner.h"
@@ -64,13 +65,9 @@ class Decimal {
   // Nothing for a number that is too great; one that is too small is 0.
   std::optional<double> value() const {
     if (mantissa_ == 0 || exponent_ == 0) return static_cast<double>(mantissa_);
-    std::array<char, 40> buffer{};
-    char* const end = buffer.data() + buffer.size();
-    char* at = std::to_chars(buffer.data(), end, mantissa_).ptr;
-    *at++ = 'e';
-    at = std::to_chars(at, end, exponent_).ptr;
+    const std::string text = std::to_string(mantissa_) + "e" + std::to_string(exponent_);
     double number = 0;
-    const bool out_of_range = std::from_chars(buffer.data(), at, number).ec != std::errc();
+    const bool out_of_range = std::from_chars(text.data(), text.data() + text.size(), number).ec != std::errc();
     if ((out_of_range && exponent_ > 0) || number > kGreatest) return std::nullopt;
     return number < kSmallest ? 0 : number;
   }
