@@ -6,6 +6,8 @@
 #include <cmath>
 #include <ctime>
 
+#include "platform/text/scanner.h"
+
 namespace trvtrout::platform {
 namespace {
 
@@ -83,49 +85,6 @@ std::string stamp_text(const Moment& moment) {
          two_digits(moment.minute()) + half_of_day(moment);
 }
 
-// Takes a text apart from the left. What can't be taken leaves the text as it was.
-class Scanner {
- public:
-  explicit Scanner(std::string_view text) : rest_(text) {}
-
-  bool at_end() const { return rest_.empty(); }
-
-  bool take(char wanted) {
-    if (rest_.empty() || upper(rest_[0]) != wanted) return false;
-    rest_.remove_prefix(1);
-    return true;
-  }
-
-  bool take_blanks() {
-    const std::size_t before = rest_.size();
-    while (take(' ') || take('\t')) continue;
-    return rest_.size() != before;
-  }
-
-  // The length of the run of digits that was taken; 0 when there is none of `least` to `most` digits.
-  std::size_t take_number(std::size_t least, std::size_t most, int& number) {
-    std::size_t length = 0;
-    while (length < rest_.size() && rest_[length] >= '0' && rest_[length] <= '9') ++length;
-    if (length < least || length > most) return 0;
-    std::from_chars(rest_.data(), rest_.data() + length, number);
-    rest_.remove_prefix(length);
-    return length;
-  }
-
-  bool take_digits() {
-    const std::size_t before = rest_.size();
-    while (!rest_.empty() && rest_[0] >= '0' && rest_[0] <= '9') rest_.remove_prefix(1);
-    return rest_.size() != before;
-  }
-
- private:
-  static char upper(char letter) {
-    return letter >= 'a' && letter <= 'z' ? static_cast<char>(letter - 'a' + 'A') : letter;
-  }
-
-  std::string_view rest_;
-};
-
 struct Time {
   int hour = 0;
   int minute = 0;
@@ -162,7 +121,7 @@ std::optional<int> take_general_time(Scanner& scanner) {
 std::optional<int> take_iso_time(Scanner& scanner) {
   const std::optional<Time> time = take_time(scanner, 2);
   if (!time) return std::nullopt;
-  if (scanner.take('.') && !scanner.take_digits()) return std::nullopt;
+  if (scanner.take('.') && scanner.take_digits().empty()) return std::nullopt;
   scanner.take('Z');
   return time->second_of_day();
 }
