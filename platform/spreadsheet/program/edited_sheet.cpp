@@ -127,8 +127,28 @@ std::optional<std::string_view> EditedSheet::text_at(std::uint32_t row, std::uin
   return cell.text();
 }
 
+// A style that one change made and the next one replaced has no place in the workbook.
+void EditedSheet::drop_unused_styles() {
+  std::vector<std::optional<std::uint16_t>> numbers(sheet_.styles.size());
+  std::vector<CellStyle> used;
+  const auto keep = [&](std::uint16_t& style) {
+    auto& number = numbers[style];
+    if (!number) {
+      number = static_cast<std::uint16_t>(used.size());
+      used.push_back(std::move(sheet_.styles[style]));
+    }
+    style = *number;
+  };
+  std::uint16_t plain = 0;
+  keep(plain);
+  for (Cell& cell : sheet_.cells) keep(cell.style);
+  for (std::uint16_t& style : column_styles_) keep(style);
+  sheet_.styles = std::move(used);
+}
+
 Sheet EditedSheet::finish(std::string name) {
   sheet_.name = std::move(name);
+  drop_unused_styles();
   const std::vector<double> widths = column_widths(sheet_);
   for (std::uint32_t column = 0; column < limits_.columns; ++column) {
     const std::uint16_t style = column_styles_[column];

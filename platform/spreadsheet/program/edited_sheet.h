@@ -44,6 +44,7 @@ class EditedSheet {
 
   void restyle_columns(const Area& area, Change& change);
   void restyle_cells(const Area& area, Change& change);
+  void drop_unused_styles();
   Cell& cell_at(std::uint32_t row, std::uint32_t column);
 
   Sheet sheet_;
