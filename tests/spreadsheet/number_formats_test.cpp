@@ -1,6 +1,6 @@
-#include <gtest/gtest.h>
-
 #include "platform/spreadsheet/number_formats.h"
+
+#include <gtest/gtest.h>
 
 namespace trvtrout::spreadsheet {
 namespace {
