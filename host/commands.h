@@ -25,4 +25,16 @@ struct ComparisonTask {
 // kRemarkable when a row is labelled.
 ExitStatus compare(const Settings& settings, const ComparisonTask& task);
 
+struct RecoveryTask {
+  std::string file;
+  std::string output;  // empty: a name beside the file
+  std::string log;     // empty: none
+  bool json = false;
+};
+
+// `vtrout recover`: writes what could be read of the file to a new one and tells what became of each section. The file
+// itself is never written, and one that stands where the new one goes is replaced only when the new one is complete.
+// kRemarkable when something was lost, kTrouble when nothing was written.
+ExitStatus recover(const Settings& settings, const RecoveryTask& task);
+
 }  // namespace trvtrout::host

@@ -1,16 +1,14 @@
 #include <algorithm>
 #include <iomanip>
-#include <nlohmann/json.hpp>
 
 #include "host/commands.h"
+#include "host/json.h"
 #include "host/parts.h"
 #include "platform/files/path.h"
 #include "platform/text/utf8.h"
 
 namespace trvtrout::host {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // What the comparison of one part came to.
 struct PartResult {
@@ -71,7 +69,7 @@ void print_json(const std::string& primary, const std::string& secondary, bool d
   Json parts = Json::object();
   for (const PartResult& result : results) parts[result.name] = to_json(result);
   const Json whole = {{"primary", primary}, {"secondary", secondary}, {"different", different}, {"parts", parts}};
-  std::cout << whole.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+  show_json(whole);
 }
 
 }  // namespace

@@ -33,10 +33,9 @@ enum class Output { kFiles, kNone };
 class Machine {
  public:
   explicit Machine(const Settings& settings, Output output = Output::kFiles);
-  HostServices services() {
-    Files& files = output_ == Output::kFiles ? static_cast<Files&>(files_) : no_files_;
-    return {files, message_box_, save_dialog_, message_loop_, locale_};
-  }
+  HostServices services() { return services(output_ == Output::kFiles ? static_cast<Files&>(files_) : no_files_); }
+  // The same with other files, which must outlive them.
+  HostServices services(Files& files) { return {files, message_box_, save_dialog_, message_loop_, locale_}; }
   Locale& locale() { return locale_; }
   // Messages name this file (a path of the machine) from now on.
   void speak_of(const std::string& file) { message_box_.set_subject(u"vtrout: " + platform::from_utf8(file)); }
