@@ -23,9 +23,9 @@ Boolean TarvelVtrOut_InOut::fail(const Failure& failure) {
   return False;
 }
 
-void TarvelVtrOut_InOut::warn(const std::u16string& prompt) {
+void TarvelVtrOut_InOut::warn(const std::u16string& prompt, const std::u16string& title) {
   // A warning stands on failure paths too, where a box that can't be shown must not raise.
-  guarded([&] { return services_.message_box.Show(prompt, MessageButtons::kOk, u"VTR Output Warning"); },
+  guarded([&] { return services_.message_box.Show(prompt, MessageButtons::kOk, title); },
           [](const Failure&) { return MessageAnswer::kOk; });
 }
 
@@ -44,9 +44,10 @@ std::shared_ptr<const vtrfile::Image> TarvelVtrOut_InOut::load(const std::u16str
 
 Boolean TarvelVtrOut_InOut::ReadVTR(std::u16string& Fname, std::u16string& StructureList, Boolean& IsSecondary) {
   damage_.reset();
+  parts_.clear();
   if (Fname.empty()) return fail({0, "no file was named"});
   vtrfile::DocumentReader reader(current_, IsSecondary ? secondary_ : primary_, SchemaOld);
-  return guarded(
+  const Boolean result = guarded(
       [&] {
         const auto image = load(Fname);
         try {
@@ -64,6 +65,8 @@ Boolean TarvelVtrOut_InOut::ReadVTR(std::u16string& Fname, std::u16string& Struc
         StructureList = widen(reader.structure_list());
         return fail(failure);
       });
+  parts_ = reader.take_parts();
+  return result;
 }
 
 Boolean TarvelVtrOut_InOut::write_report(const DetailReport& report, const std::u16string& fname,

@@ -10,6 +10,7 @@
 #include "component/boolean.h"
 #include "reports/host_services.h"
 #include "vtrfile/document.h"
+#include "vtrfile/part_read.h"
 #include "vtrfile/read_error.h"
 
 namespace trvtrout {
@@ -18,7 +19,8 @@ struct Comparison;
 struct DetailReport;
 struct Failure;
 
-// The output utility for VTR files: reads a file into records, keeps them between calls, and writes reports on them.
+// The output utility for VTR files: reads a file into records, keeps them between calls, writes reports on them, and
+// writes them anew.
 //
 // No operation raises: a failure comes back as False, or as an error text where the result is a text, and what had been
 // written by then stays. Nothing is cleared between two reads on one object: a section that a file doesn't have keeps
@@ -101,6 +103,14 @@ class TarvelVtrOut_InOut {
   std::u16string GetHidTableInfo(std::int32_t& Count, std::int32_t& Current, std::int32_t& Max, std::int32_t& size);
   std::u16string GetHidFieldsInfo(std::int32_t& size);
 
+  // Writes the document last read to the file `RecoveredFname`, in the current format and with all fourteen sections,
+  // so that ReadVTR reads it to its end. A list that doesn't hold together is emptied first, in the document too. The
+  // header says when and under which name it was written. `msgRecover` gets the lists of what was recovered and of what
+  // was lost, behind what it held. The file is created or written over in place, not emptied: what is longer keeps its
+  // tail. On failure the user is told (not when no file is named), what was written by then stays, and so does
+  // `msgRecover`.
+  Boolean RecoverVTR(std::u16string& RecoveredFname, std::u16string& msgRecover);
+
   // Each compares one part of the two documents read and writes one report under the temporary name of `PrimFname`,
   // with the rows labelled that changed, were deleted or added. `ASCIIFname` gets the report's path, also on failure.
   // The names serve the report's name and head alone. The user is asked about a file that stands where `SecFname` would
@@ -120,6 +130,8 @@ class TarvelVtrOut_InOut {
   const vtrfile::DocumentSlots& CurrentSlots() const noexcept { return current_; }
   const std::optional<vtrfile::ReadError>& LastDamage() const noexcept { return damage_; }
   const std::string& LastFailure() const noexcept { return last_failure_; }
+  // What the last ReadVTR met in its file, part by part, whole or not.
+  const std::vector<vtrfile::PartRead>& LastParts() const noexcept { return parts_; }
   // The rows of the last comparison, as far as it came.
   const ComparisonCounts& LastCounts() const noexcept { return counts_; }
   // The keys that occur more than once in the part that was last compared, of the primary or the `secondary` document.
@@ -133,7 +145,7 @@ class TarvelVtrOut_InOut {
                   const std::u16string& secondary_fname, std::u16string& report_path);
   Boolean fail(const Failure& failure);
   Boolean outcome(const std::optional<Failure>& failure);
-  void warn(const std::u16string& prompt);
+  void warn(const std::u16string& prompt, const std::u16string& title = u"VTR Output Warning");
   void warn_of_file_in_use(const std::u16string& path);
 
   HostServices services_;
@@ -141,6 +153,7 @@ class TarvelVtrOut_InOut {
   vtrfile::GroupSlots primary_;
   vtrfile::GroupSlots secondary_;
   std::optional<vtrfile::ReadError> damage_;
+  std::vector<vtrfile::PartRead> parts_;
   std::string last_failure_;
   const Comparison* last_comparison_ = nullptr;
   ComparisonCounts counts_;

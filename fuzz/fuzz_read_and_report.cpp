@@ -1,24 +1,23 @@
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 
-#include "tests/fakes/fake_services.h"
+#include "fuzz/documents.h"
 #include "tests/operations.h"
 
-// Any bytes as a document: read, every accessor asked, every report written. Nothing may break, and the reports come
-// out whole or say that they didn't.
+// Any bytes as a document: read, and every report written. Nothing may break, and the reports come out whole or say
+// that they didn't.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace trvtrout;
   fakes::Machine machine;
-  std::u16string path = u"a.vtr", list, report;
+  std::u16string path = u"a.vtr", report;
   machine.memory.files[path].assign(data, data + size);
   TarvelVtrOut_InOut utility(machine.services());
+  fuzz::read(utility, path);
   Boolean no = False;
-  utility.ReadVTR(path, list, no);
   for (const auto& operations : tests::kOperations) {
-    if ((utility.*operations.report)(path, report, no) && !machine.memory.files[report].starts_with("Detailed"))
-      std::abort();
+    const Boolean written = (utility.*operations.report)(path, report, no);
+    fuzz::require(!written || machine.memory.files[report].starts_with("Detailed"));
   }
-  if (machine.files.open_objects() != 0 || machine.memory.open_objects() != 0) std::abort();
+  fuzz::require_all_closed(machine);
   return 0;
 }

@@ -37,4 +37,16 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task);
 ExitStatus statistics(const Settings& settings, const std::string& workbook, const std::string& report,
                       const std::string& sheet_name);
 
+struct RecoveryTask {
+  std::string file;
+  std::string output;  // empty: a name beside the file
+  std::string log;     // empty: none
+  bool json = false;
+};
+
+// `vtrout recover`: writes what could be read of the file to a new one and tells what became of each section. The file
+// itself is never written, and one that stands where the new one goes is replaced only when the new one is complete.
+// kRemarkable when something was lost, kTrouble when nothing was written.
+ExitStatus recover(const Settings& settings, const RecoveryTask& task);
+
 }  // namespace trvtrout::host

@@ -1,9 +1,9 @@
 #include <algorithm>
 #include <iomanip>
-#include <nlohmann/json.hpp>
 #include <optional>
 
 #include "host/commands.h"
+#include "host/json.h"
 #include "host/parts.h"
 #include "host/workbook_target.h"
 #include "platform/files/path.h"
@@ -11,8 +11,6 @@
 
 namespace trvtrout::host {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 // What the comparison of one part came to.
 struct PartResult {
@@ -76,7 +74,7 @@ void print_json(const ComparisonTask& task, const std::vector<PartResult>& resul
                       {"different", std::ranges::any_of(results, &PartResult::different)},
                       {"workbook", task.workbook.empty() ? Json() : Json(task.workbook)},
                       {"parts", parts}};
-  std::cout << whole.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+  show_json(whole);
 }
 
 // The way of the comparisons into the sheets of a workbook, when one is wanted.

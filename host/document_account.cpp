@@ -2,11 +2,14 @@
 
 #include <variant>
 
+#include "vtrfile/sections.h"
+
 namespace trvtrout::host {
 namespace {
 
 using Utility = TarvelVtrOut_InOut;
 using Number = std::int32_t;
+using vtrfile::DocumentSlots;
 
 // The three forms that the accessors of lists have.
 using FullAccessor = std::u16string (Utility::*)(Number&, Number&, Number&, Number&);
@@ -14,29 +17,33 @@ using CountAccessor = std::u16string (Utility::*)(Number&, Number&);
 using SizeAccessor = std::u16string (Utility::*)(Number&);
 
 struct List {
+  std::string_view section;
   const char* title;
   const char* key;
   std::variant<FullAccessor, CountAccessor, SizeAccessor> accessor;
 };
 
+template <auto Member>
+constexpr std::string_view tag_of = vtrfile::kSection<Member>.tag;
+
 const List kLists[] = {
-    {"Tables", "tables", &Utility::GetTableInfo},
-    {"Fields of all tables", "fields", &Utility::GetFieldsInfo},
-    {"Lookups", "lookups", &Utility::GetLookupInfo},
-    {"Relations", "relations", &Utility::GetRelInfo},
-    {"Hidden tables", "hiddenTables", &Utility::GetHidTableInfo},
-    {"Fields of hidden tables", "hiddenFields", &Utility::GetHidFieldsInfo},
-    {"Hidden lookups", "hiddenLookups", &Utility::GetHidLookInfo},
-    {"Tree nodes", "tree", &Utility::GetTreInfo},
-    {"Language texts", "languages", &Utility::GetLanInfo},
-    {"Modules", "modules", &Utility::GetMdlInfo},
-    {"Field matches", "fieldMatches", &Utility::GetFmsInfo},
-    {"Extended storage", "extendedStorage", &Utility::GetExtInfo},
-    {"Include files", "includeFiles", &Utility::GetInclInfo},
-    {"Control tags", "controlTags", &Utility::GetTagInfo},
-    {"DSN list", "dsnList", &Utility::GetDSNInfo},
-    {"Import files", "importFiles", &Utility::GetIncNewInfo},
-    {"Residual tables", "residualTables", &Utility::GetResiTblInfo},
+    {tag_of<&DocumentSlots::Schema>, "Tables", "tables", &Utility::GetTableInfo},
+    {tag_of<&DocumentSlots::Schema>, "Fields of all tables", "fields", &Utility::GetFieldsInfo},
+    {tag_of<&DocumentSlots::Schema>, "Lookups", "lookups", &Utility::GetLookupInfo},
+    {tag_of<&DocumentSlots::Relation>, "Relations", "relations", &Utility::GetRelInfo},
+    {tag_of<&DocumentSlots::Hidden>, "Hidden tables", "hiddenTables", &Utility::GetHidTableInfo},
+    {tag_of<&DocumentSlots::Hidden>, "Fields of hidden tables", "hiddenFields", &Utility::GetHidFieldsInfo},
+    {tag_of<&DocumentSlots::Hidden>, "Hidden lookups", "hiddenLookups", &Utility::GetHidLookInfo},
+    {tag_of<&DocumentSlots::Tree>, "Tree nodes", "tree", &Utility::GetTreInfo},
+    {tag_of<&DocumentSlots::Language>, "Language texts", "languages", &Utility::GetLanInfo},
+    {tag_of<&DocumentSlots::Module>, "Modules", "modules", &Utility::GetMdlInfo},
+    {tag_of<&DocumentSlots::FieldMatches>, "Field matches", "fieldMatches", &Utility::GetFmsInfo},
+    {tag_of<&DocumentSlots::Extended>, "Extended storage", "extendedStorage", &Utility::GetExtInfo},
+    {tag_of<&DocumentSlots::IncludeFile>, "Include files", "includeFiles", &Utility::GetInclInfo},
+    {tag_of<&DocumentSlots::ControlTag>, "Control tags", "controlTags", &Utility::GetTagInfo},
+    {tag_of<&DocumentSlots::DSNList>, "DSN list", "dsnList", &Utility::GetDSNInfo},
+    {tag_of<&DocumentSlots::ImportFiles>, "Import files", "importFiles", &Utility::GetIncNewInfo},
+    {tag_of<&DocumentSlots::ResidualTable>, "Residual tables", "residualTables", &Utility::GetResiTblInfo},
 };
 
 struct Ask {
@@ -73,11 +80,13 @@ DocumentAccount account_for(Utility& utility, Locale& locale) {
   utility.GetProdInfo(product[0].text, product[1].text, product[2].text, product[3].text, product[4].text);
 
   for (const List& list : kLists) {
-    AccountList& entry = account.lists.emplace_back(AccountList{.title = list.title, .key = list.key});
+    AccountList& entry =
+        account.lists.emplace_back(AccountList{.section = list.section, .title = list.title, .key = list.key});
     std::visit(Ask{utility, entry}, list.accessor);
   }
   // The stored number is that of the definitions, the recount that of their nodes.
-  AccountList& nodes = account.lists.emplace_back(AccountList{.title = "Data send items, nodes", .key = "dataSend"});
+  AccountList& nodes = account.lists.emplace_back(
+      AccountList{.section = tag_of<&DocumentSlots::DataSend>, .title = "Data send items, nodes", .key = "dataSend"});
   nodes.count = 0;
   std::u16string file, version;
   nodes.result = utility.GetDsmInfo(*nodes.count, file, version, nodes.size);

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "component/TarvelVtrOut_InOut.h"
@@ -18,6 +19,7 @@ struct AccountText {
 
 // What a list says of itself beside its recount; no value where the list has no such number.
 struct AccountList {
+  std::string_view section;  // tag of the section that holds the list
   const char* title;
   const char* key;
   std::optional<std::int32_t> count, current, max;

@@ -1,8 +1,8 @@
 #include <iomanip>
-#include <nlohmann/json.hpp>
 
 #include "host/commands.h"
 #include "host/document_account.h"
+#include "host/json.h"
 #include "platform/console/printable.h"
 #include "platform/text/utf8.h"
 
@@ -34,8 +34,6 @@ void print(const DocumentAccount& account, const std::string& file) {
   }
 }
 
-using Json = nlohmann::ordered_json;
-
 Json to_json(const std::vector<AccountText>& values) {
   Json object = Json::object();
   for (const AccountText& value : values) object[value.key] = platform::to_utf8(value.text);
@@ -51,10 +49,6 @@ Json to_json(const AccountList& list) {
           {"result", platform::to_utf8(list.result)}};
 }
 
-Json to_json(const vtrfile::ReadError& damage) {
-  return {{"offset", damage.offset()}, {"path", damage.path()}, {"found", damage.found()}};
-}
-
 void print_json(const DocumentAccount& account, const std::string& file, const std::u16string& structure_list,
                 const std::optional<vtrfile::ReadError>& damage) {
   Json lists = Json::object();
@@ -62,12 +56,11 @@ void print_json(const DocumentAccount& account, const std::string& file, const s
   const Json whole = {{"file", file},
                       {"result", !damage},
                       {"structureList", damage ? Json(platform::to_utf8(structure_list)) : Json()},
-                      {"damage", damage ? to_json(*damage) : Json()},
+                      {"damage", damage ? damage_json(*damage) : Json()},
                       {"header", to_json(account.header)},
                       {"product", to_json(account.product)},
                       {"lists", lists}};
-  // A file's name can hold bytes that are no UTF-8.
-  std::cout << whole.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+  show_json(whole);
 }
 
 }  // namespace

@@ -36,7 +36,11 @@ enum class Output { kFiles, kNone, kHeld };
 class Machine {
  public:
   explicit Machine(const Settings& settings, Output output = Output::kFiles);
-  HostServices services() { return {output_, message_box_, save_dialog_, message_loop_, locale_, spreadsheet_}; }
+  HostServices services() { return services(output_); }
+  // The same with other files, which must outlive them. Spreadsheets read the machine's own.
+  HostServices services(Files& files) {
+    return {files, message_box_, save_dialog_, message_loop_, locale_, spreadsheet_};
+  }
   Locale& locale() { return locale_; }
   // Messages name this file (a path of the machine) from now on.
   void speak_of(const std::string& file) { message_box_.set_subject(u"vtrout: " + platform::from_utf8(file)); }

@@ -13,8 +13,9 @@ constexpr const char* kDescription =
     "Examples:\n"
     "  vtrout report plant.vtr          write the eight detail reports beside the file\n"
     "  vtrout compare old.vtr new.vtr   tell, part by part, what changed between two files\n"
+    "  vtrout recover damaged.vtr       write what can be saved of a file to a new one\n"
     "\n"
-    "Reads binary VTR files, reports on them and compares them as comma-separated text.\n"
+    "Reads binary VTR files, reports on them and compares them as comma-separated text, and rewrites damaged ones.\n"
     "Exit status: 0 fine; 1 the files differ, or the file is damaged and what could be read was used; 2 trouble, told\n"
     "on stderr.";
 
@@ -81,6 +82,18 @@ int run(int argc, char** argv) {
   add_overwrite(*compare_command, settings);
   add_code_page(*compare_command, settings);
   compare_command->callback([&] { status = compare(settings, task); });
+
+  RecoveryTask recovery;
+  auto* const recover_command = app.add_subcommand(
+      "recover", "Write what can be read of a file to a new one; prints its path, tells what became of each section");
+  recover_command->add_option("FILE", recovery.file, "A VTR file, damaged or of the old format; it's never changed")
+      ->required();
+  recover_command->add_option("--output", recovery.output, "The new file; a name beside FILE unless said otherwise");
+  recover_command->add_option("--log", recovery.log, "A text file for the lists of what was read and recovered");
+  recover_command->add_flag("--json", recovery.json, "For programs; docs/json.md tells the form");
+  add_overwrite(*recover_command, settings);
+  add_code_page(*recover_command, settings);
+  recover_command->callback([&] { status = recover(settings, recovery); });
 
   std::string workbook, sheet;
   auto* const statistics_command =

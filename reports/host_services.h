@@ -73,6 +73,16 @@ class BinaryFile {
   virtual void Close() = 0;
 };
 
+// A file being written in binary mode, from its first byte on. Destroying it closes it, and what was written stays.
+class BinaryOutput {
+ public:
+  virtual ~BinaryOutput() = default;
+  // Goes on where the last call ended. Raises ServiceError; some of the bytes may have been written then.
+  virtual void Write(std::string_view bytes) = 0;
+  // Raises ServiceError.
+  virtual void Close() = 0;
+};
+
 // The way to files.
 class Files {
  public:
@@ -82,6 +92,9 @@ class Files {
   // Opens for reading; a file that doesn't exist is created empty. A directory, a missing directory, a file that
   // another program holds raise ServiceError.
   virtual std::unique_ptr<BinaryFile> OpenBinary(const std::u16string& path) = 0;
+  // Opens for writing; a file that doesn't exist is created. One that does isn't emptied: what is longer than the bytes
+  // written keeps its tail. Raises ServiceError as OpenBinary does.
+  virtual std::unique_ptr<BinaryOutput> OpenBinaryOutput(const std::u16string& path) = 0;
   // Whether both paths name one file that exists, by whatever name or link. Raises nothing.
   virtual bool SameFile(const std::u16string& path, const std::u16string& other) = 0;
 };

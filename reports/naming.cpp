@@ -17,8 +17,11 @@ struct SourcePath {
   std::u16string base_name;
 };
 
+// Where the name behind the directories begins.
+std::size_t name_begin(const std::u16string& fname) { return fname.rfind(u'\\') + 1; }  // npos + 1 is 0
+
 SourcePath split(const std::u16string& fname) {
-  const std::size_t name_at = fname.rfind(u'\\') + 1;  // 0 without a backslash: npos + 1
+  const std::size_t name_at = name_begin(fname);
   SourcePath source{fname.substr(0, name_at), fname.substr(name_at), {}};
   const std::size_t stop = source.file_name.find(u'.');
   if (stop == std::u16string::npos) throw std::invalid_argument("the name of the file has no extension");
@@ -32,19 +35,19 @@ std::u16string stamp(Locale& locale) {
   return text;
 }
 
-// Puts the question about an existing file and goes by its answer.
-OutputName settle(const HostServices& services, FileSystemObject& file_system, const SourcePath& source,
-                  const std::u16string& path, std::u16string_view extension) {
-  OutputName name{path, source.base_name, false, {}};
-  if (!file_system.FileExists(path)) return name;
-  const MessageAnswer answer = services.message_box.Show(
-      u"File " + path + u" already exists. Do you want to overwite it?", MessageButtons::kYesNoCancel, std::nullopt);
+// Puts the question about a file that exists under the name and goes by its answer.
+OutputName settle(const HostServices& services, FileSystemObject& file_system, OutputName name,
+                  const std::u16string& source_name, std::u16string_view extension) {
+  if (!file_system.FileExists(name.path)) return name;
+  const MessageAnswer answer =
+      services.message_box.Show(u"File " + name.path + u" already exists. Do you want to overwite it?",
+                                MessageButtons::kYesNoCancel, std::nullopt);
   if (answer == MessageAnswer::kCancel) name.abandoned = true;
   if (answer == MessageAnswer::kNo) {
     const std::u16string pattern = u"*" + std::u16string(extension);
     services.save_dialog.SetFilter(u"All Files (*.*)|*.*|VTR Files (" + pattern + u")|" + pattern);
     services.save_dialog.SetFilterIndex(2);
-    services.save_dialog.SetText(source.file_name);
+    services.save_dialog.SetText(source_name);
     services.save_dialog.ShowSave();
     name.path = services.save_dialog.FileName();
     name.failure = "no path was given";
@@ -82,7 +85,7 @@ OutputName GetReportFileName(const HostServices& services, const std::u16string&
         const std::u16string name = is_temp ? u"~tmp" + source.base_name + u"_" + desc_name
                                             : source.base_name + u"_" + desc_name + u"_" + moment;
         const std::u16string path = source.directory + name + std::u16string(kReportExtension);
-        return settle(services, *file_system, source, path, kReportExtension);
+        return settle(services, *file_system, {path, source.base_name}, source.file_name, kReportExtension);
       },
       [](const Failure& failure) {
         return OutputName{{}, {}, false, failure.what};
@@ -102,10 +105,22 @@ OutputName GetOutputFileName(const HostServices& services, const std::u16string&
         if (extension.empty()) return OutputName{{}, base_name, false, {}};
         const std::u16string path =
             source.directory + source.base_name + u"_" + desc_name + u"_" + moment + std::u16string(extension);
-        return settle(services, *file_system, source, path, extension);
+        return settle(services, *file_system, {path, base_name}, source.file_name, extension);
       },
       [&](const Failure&) {
         return OutputName{{}, base_name};
+      });
+}
+
+OutputName ConfirmOutputFileName(const HostServices& services, const std::u16string& fname,
+                                 const std::u16string& desc_name, const std::u16string& path) {
+  return guarded(
+      [&] {
+        const auto file_system = services.files.CreateFileSystemObject();
+        return settle(services, *file_system, {path, {}}, fname.substr(name_begin(fname)), extension_of(desc_name));
+      },
+      [](const Failure& failure) {
+        return OutputName{{}, {}, false, failure.what};
       });
 }
 

@@ -35,4 +35,8 @@ OutputName GetReportFileName(const HostServices& services, const std::u16string&
 OutputName GetOutputFileName(const HostServices& services, const std::u16string& fname,
                              const std::u16string& desc_name);
 
+// The same with a path that was chosen already.
+OutputName ConfirmOutputFileName(const HostServices& services, const std::u16string& fname,
+                                 const std::u16string& desc_name, const std::u16string& path);
+
 }  // namespace trvtrout

@@ -5,13 +5,13 @@
 #include <type_traits>
 #include <utility>
 
+#include "vtrfile/sections.h"
 #include "vtrfile/upgrade.h"
 
 namespace trvtrout::vtrfile {
 namespace {
 
 constexpr std::string_view kLineEnd = "\r\n";
-constexpr std::string_view kEndTag = "EOF";
 constexpr std::string_view kHeaderName = "HEADER_STRUCT";
 constexpr std::string_view kOldHeaderName = "HEADER_STRUCT_OLD1";
 
@@ -35,6 +35,8 @@ std::string not_read(std::string_view header, std::string_view last) {
 template <class Class, class Member>
 Class class_of(Member Class::*);
 
+constexpr const SectionName& kSchema = kSection<&DocumentSlots::Schema>;
+
 // Whether the group of a comparison has a slot for this member of a document.
 template <auto Member>
 constexpr bool kInGroup = std::is_same_v<decltype(class_of(Member)), GroupSlots>;
@@ -55,29 +57,18 @@ FormatClass classify(std::string_view version) noexcept {
                                                                          : FormatClass::kUnsupported;
 }
 
-struct DocumentReader::Section {
-  std::string_view tag;
-  std::string_view name;  // in the status lists
+struct DocumentReader::KnownSection : SectionName {
   void (DocumentReader::*read)(int count);
-  bool in_old_format = true;
 };
 
-const DocumentReader::Section DocumentReader::kSections[] = {
-    {"Schema", "SCHEMA_STRUCT", &DocumentReader::read_section<&DocumentSlots::Schema>},
-    {"Relation", "RELATION_STRUCT", &DocumentReader::read_section<&DocumentSlots::Relation>},
-    {"Hidden", "HIDETABLES_STRUCT", &DocumentReader::read_section<&DocumentSlots::Hidden>},
-    {"TreeHierarchy", "TREE_HIERARCHY_STRUCT", &DocumentReader::read_section<&DocumentSlots::Tree>},
-    {"Language", "LANGUAGE_STRUCT", &DocumentReader::read_section<&DocumentSlots::Language>},
-    {"Module", "MODULE_STRUCT", &DocumentReader::read_section<&DocumentSlots::Module>},
-    {"TarvelDefinitionHeader", "DATASEND_STRUCT", &DocumentReader::read_section<&DocumentSlots::DataSend>},
-    {"TarvelFieldMatchHeader", "FIELD_MATCHES_STRUCT", &DocumentReader::read_section<&DocumentSlots::FieldMatches>},
-    {"Extended", "EXTENDED_STORAGE_STRUCT", &DocumentReader::read_section<&DocumentSlots::Extended>},
-    {"IncludeFile", "INCLUDEFILE_STRUCT", &DocumentReader::read_section<&DocumentSlots::IncludeFile>},
-    {"ControlTag", "CONTROLTAG_STRUCT", &DocumentReader::read_section<&DocumentSlots::ControlTag>},
-    {"DSNList", "DSNMAIN_STRUCT", &DocumentReader::read_section<&DocumentSlots::DSNList>},
-    {"IncludeFileNew", "IMPORT_FILES", &DocumentReader::read_section<&DocumentSlots::ImportFiles>, false},
-    {"ResidualTable", "RESIDUAL_TABLES_STRUCT", &DocumentReader::read_section<&DocumentSlots::ResidualTable>, false},
-};
+std::span<const DocumentReader::KnownSection> DocumentReader::known_sections() {
+  static constexpr auto kKnown = std::apply(
+      []<auto... Member>(const Section<Member>&... section) {
+        return std::array{KnownSection{section, &DocumentReader::read_section<Member>}...};
+      },
+      kSections);
+  return kKnown;
+}
 
 DocumentReader::DocumentReader(DocumentSlots& current, GroupSlots& group, Slot<SCHEMA_STRUCT_OLD1>& schema_old)
     : current_(current),
@@ -90,12 +81,7 @@ DocumentReader::DocumentReader(DocumentSlots& current, GroupSlots& group, Slot<S
 bool DocumentReader::read(std::shared_ptr<const Image> image) {
   image_ = std::move(image);
   records_ = std::make_unique<RecordReader>(*image_);
-  try {
-    read_records(current_.Header, 1);
-  } catch (ReadError& error) {
-    error.enter("Header");
-    throw;
-  }
+  read_part(PartRead::kHeader, 0, [this] { read_records(current_.Header, 1); });
   (read_list_ += kHeaderName) += kLineEnd;
   replace_all(not_read_list_, entry(kHeaderName), "");
   replace_all(old_not_read_list_, entry(kOldHeaderName), "");
@@ -113,12 +99,14 @@ void DocumentReader::read_sections(bool old_format) {
     const std::uint64_t offset = records_->offset();
     const std::string_view tag = next_tag();
     if (tag == kEndTag) {
+      parts_.push_back({.name = kEndTag, .begin = offset, .content = records_->offset(), .end = records_->offset()});
       (read_list_ += kEndTag) += kLineEnd;
       return;
     }
-    const auto* const section = std::ranges::find_if(
-        kSections, [&](const Section& known) { return known.tag == tag && (known.in_old_format || !old_format); });
-    if (section == std::end(kSections)) {
+    const auto sections = known_sections();
+    const auto section = std::ranges::find_if(
+        sections, [&](const KnownSection& known) { return known.tag == tag && (known.in_old_format || !old_format); });
+    if (section == sections.end()) {
       if (unknown_tag_number_ == 0) {
         unknown_tag_number_ = number;
         unknown_tag_offset_ = offset;
@@ -127,37 +115,61 @@ void DocumentReader::read_sections(bool old_format) {
       }
       continue;
     }
-    try {
+    read_part(section->tag, offset, [&] {
       const int count = current_.SectionTag->Count;
-      if (old_format && section->read == kSections[0].read) {
+      if (old_format && section->tag == kSchema.tag) {
         read_old_schema(count);
       } else {
         (this->*section->read)(count);
       }
-    } catch (ReadError& error) {
-      error.enter(std::string(section->tag));
-      throw;
-    }
+    });
     account(*section, old_format);
   }
   give_up();
 }
 
+template <class Read>
+void DocumentReader::read_part(std::string_view name, std::uint64_t begin, Read&& read) {
+  parts_.push_back({.name = name, .begin = begin, .content = records_->offset()});
+  try {
+    read();
+  } catch (ReadError& error) {
+    // Of a list that is too long all was read that the file holds.
+    parts_.back().end = records_->cut() ? image_->size() : error.offset();
+    parts_.back().whole = false;
+    error.enter(std::string(name));
+    throw;
+  }
+  parts_.back().end = records_->offset();
+  if (records_->cut()) parts_.back().whole = false;
+}
+
 std::string_view DocumentReader::next_tag() {
   // What the end of the file left of one tag's name may be the name of another.
   tag_is_cut_ = records_->at_end() || records_->next_text_is_cut();
-  read_records(current_.SectionTag, 1);
+  read_record(current_.SectionTag);
   return tag_is_cut_ ? std::string_view() : current_.SectionTag->Tag.bytes();
 }
 
 template <class Record>
 void DocumentReader::read_records(Slot<Record>& slot, int count) {
+  PartRead& part = parts_.back();
   for (int number = 1; number <= count; ++number) {
     // A record that was read isn't given up for one that the file only announces.
-    if (number > 1 && records_->at_end()) break;
-    slot.clear();
-    slot.renew({image_}, [this](Record& record, std::pmr::memory_resource& memory) { records_->read(record, memory); });
+    if (number > 1 && records_->at_end()) {
+      part.whole = false;
+      break;
+    }
+    part.records = number;
+    part.record = records_->offset();
+    read_record(slot);
   }
+}
+
+template <class Record>
+void DocumentReader::read_record(Slot<Record>& slot) {
+  slot.clear();
+  slot.renew({image_}, [this](Record& record, std::pmr::memory_resource& memory) { records_->read(record, memory); });
 }
 
 template <auto Member>
@@ -171,15 +183,16 @@ void DocumentReader::read_section(int count) {
 void DocumentReader::read_old_schema(int count) {
   read_records(schema_old_, count);
   UpgradeSchema(kOldFormatVersion, schema_old_, current_.Schema);
+  parts_.back().carried_over = !UpgradeLeavesBehind(*schema_old_);
   group_.Schema = current_.Schema;
 }
 
-void DocumentReader::account(const Section& section, bool old_format) {
-  const bool is_schema = section.read == kSections[0].read;
-  read_list_ += section.name;
+void DocumentReader::account(const KnownSection& section, bool old_format) {
+  const bool is_schema = section.tag == kSchema.tag;
+  read_list_ += section.structure;
   if (is_schema && old_format) read_list_ += "_OLD1";
   read_list_ += kLineEnd;
-  replace_all(not_read_list_, entry(section.name), "");
+  replace_all(not_read_list_, entry(section.structure), "");
   if (!is_schema) return;
   // The schema's record holds three collections. The blank in front keeps "TABLES_STRUCT, " from cutting into
   // "HIDETABLES_STRUCT, " and "RESIDUAL_TABLES_STRUCT, ".

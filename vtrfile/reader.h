@@ -2,10 +2,14 @@
 
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "vtrfile/document.h"
+#include "vtrfile/part_read.h"
 #include "vtrfile/record_reader.h"
 
 namespace trvtrout::vtrfile {
@@ -32,18 +36,25 @@ class DocumentReader {
   // The two status lists, at any moment: the structures that were read, a blank line, those that were not.
   std::string structure_list() const { return read_list_ + "\r\n" + not_read_list_; }
 
- private:
-  struct Section;
-  static const Section kSections[];
+  // The parts of the file in the order in which they were met, as far as reading came. May be called once.
+  std::vector<PartRead> take_parts() noexcept { return std::move(parts_); }
 
+ private:
+  struct KnownSection;
+  static std::span<const KnownSection> known_sections();
+
+  template <class Read>
+  void read_part(std::string_view name, std::uint64_t begin, Read&& read);
   template <auto Member>
   void read_section(int count);
   void read_old_schema(int count);
   template <class Record>
   void read_records(Slot<Record>& slot, int count);
+  template <class Record>
+  void read_record(Slot<Record>& slot);
   void read_sections(bool old_format);
   std::string_view next_tag();
-  void account(const Section& section, bool old_format);
+  void account(const KnownSection& section, bool old_format);
   [[noreturn]] void give_up() const;
 
   DocumentSlots& current_;
@@ -51,6 +62,7 @@ class DocumentReader {
   Slot<SCHEMA_STRUCT_OLD1>& schema_old_;
   std::shared_ptr<const Image> image_;
   std::unique_ptr<RecordReader> records_;
+  std::vector<PartRead> parts_;
   std::string read_list_;
   std::string not_read_list_;
   std::string old_not_read_list_;

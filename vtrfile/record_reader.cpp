@@ -32,13 +32,13 @@ RecordReader::Place RecordReader::cut_text(Place at, Text& text) {
     std::copy(at + 2, end_, copy + 2);
     text = Text(copy);
   }
-  return end_;
+  return cut_end();
 }
 
 RecordReader::Place RecordReader::filled_variant(Place at, Var& variant) {
   const Place behind = VariantWalk(begin_, end_, allowance_).skip(at);
   variant = behind ? Var(at) : Var();
-  return behind ? behind : end_;
+  return behind ? behind : cut_end();
 }
 
 RecordReader::Place RecordReader::filled_var_run(Place at, std::size_t slots, Place& run) {

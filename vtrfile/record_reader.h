@@ -29,6 +29,8 @@ class RecordReader {
 
   std::uint64_t offset() const noexcept { return offset_of(at_); }
   bool at_end() const noexcept { return at_ == end_; }
+  // Whether anything that was read so far was cut by the end of the image or stood behind it.
+  bool cut() const noexcept { return cut_; }
   // Whether the end of the image cuts the text at the present position.
   bool next_text_is_cut() const noexcept { return !at_end() && 2 + std::size_t{load<std::uint16_t>(at_)} > left(at_); }
 
@@ -55,6 +57,11 @@ class RecordReader {
   // Takes what elements behind the end of the file would take there off the allowance; False when it isn't enough.
   bool allow(std::uint64_t missing, std::size_t least_bytes) noexcept;
 
+  // Where reading goes on behind a value that the end of the image cuts.
+  Place cut_end() noexcept {
+    cut_ = true;
+    return end_;
+  }
   std::uint64_t offset_of(Place at) const noexcept { return static_cast<std::uint64_t>(at - begin_); }
   std::size_t left(Place at) const noexcept { return static_cast<std::size_t>(end_ - at); }
   unsigned char* new_bytes(std::size_t size);
@@ -63,6 +70,7 @@ class RecordReader {
   Place end_;
   Place at_;
   Allowance allowance_;
+  bool cut_ = false;
   std::pmr::memory_resource* memory_ = nullptr;
 };
 

@@ -87,7 +87,7 @@ RecordReader::Place RecordReader::value(Place at, Value& into) {
     static_assert(sizeof(Value) <= Image::kSlack);
     if (sizeof(Value) > left(at)) [[unlikely]] {
       into = Value{};
-      return end_;
+      return cut_end();
     }
     into = load<Value>(at);
     return at + sizeof(Value);
@@ -149,10 +149,10 @@ RecordReader::Place RecordReader::array(Place at, Array<Element>& into) {
   into = Array<Element>();
   const Place descriptor = at;
   const auto dimensions = load<std::uint16_t>(at);
-  if (left(at) < 2) return end_;
+  if (left(at) < 2) return cut_end();
   if (dimensions == 0) return at + 2;
   if (dimensions != 1) throw ReadError(offset_of(at), "an array of " + std::to_string(dimensions) + " dimensions");
-  if (left(at) < kDescriptorBytes) return end_;
+  if (left(at) < kDescriptorBytes) return cut_end();
   const auto count = load<std::uint32_t>(at + 2);
   const auto lower = load<std::int32_t>(at + 6);
   at += kDescriptorBytes;
@@ -168,6 +168,7 @@ RecordReader::Place RecordReader::array(Place at, Array<Element>& into) {
     if (!allow(block->count - block->stored, least_bytes<Element>())) block->count = block->stored;
     throw;
   }
+  if (block->stored < block->count) cut_ = true;
   if (!allow(block->count - block->stored, least_bytes<Element>())) {
     block->count = block->stored;
     throw ReadError(offset_of(descriptor), "a list of " + std::to_string(count) + " items, of which the file holds " +
@@ -232,7 +233,10 @@ void RecordWriter::array(const Array<Element>& from) {
   plain(std::uint16_t{1});
   plain(static_cast<std::uint32_t>(from.size()));
   plain(static_cast<std::int32_t>(from.lower()));
-  for (std::uint32_t place = 0; place < from.size(); ++place) value(from.position(place));
+  for (std::uint32_t place = 0; place < from.size(); ++place) {
+    value(from.position(place));
+    if (drain_ && out_.size() >= kDrainedAt) drain_(out_);
+  }
 }
 
 }  // namespace trvtrout::vtrfile

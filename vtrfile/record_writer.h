@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
+#include <utility>
 
 #include "vtrfile/elements.h"
 
@@ -10,8 +12,12 @@ namespace trvtrout::vtrfile {
 // Appends records to a run of bytes, in the form that RecordReader takes.
 class RecordWriter {
  public:
-  // `out` must outlive the writer.
-  explicit RecordWriter(std::string& out) noexcept : out_(out) {}
+  // Takes the bytes out of the run that was written so far; what it raises comes out of write().
+  using Drain = std::function<void(std::string&)>;
+
+  // `out` must outlive the writer. `drain`, if given, is called when some 64 KiB have come together, so that a record
+  // that is large, or that announces far more than its file held, isn't in memory as a whole.
+  explicit RecordWriter(std::string& out, Drain drain = {}) noexcept : out_(out), drain_(std::move(drain)) {}
 
   // There is an instance for each record that stands in a file by itself.
   template <class Record>
@@ -29,7 +35,10 @@ class RecordWriter {
   // `count` variants from `at` on; null: all of them Empty.
   void variants(const unsigned char* at, std::size_t count);
 
+  static constexpr std::size_t kDrainedAt = 65536;
+
   std::string& out_;
+  Drain drain_;
 };
 
 }  // namespace trvtrout::vtrfile

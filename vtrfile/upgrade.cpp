@@ -51,4 +51,21 @@ void UpgradeSchema(std::string_view version, const Slot<SCHEMA_STRUCT_OLD1>& sch
   target = upgraded;
 }
 
+bool UpgradeLeavesBehind(const SCHEMA_STRUCT_OLD1& schema_old) {
+  SCHEMA_STRUCT_OLD1 behind{};
+  behind.Product.Text4 = schema_old.Product.Text4;
+  behind.Product.Text10 = schema_old.Product.Text10;
+  behind.Product.Raw4 = schema_old.Product.Raw4;
+  behind.Product.Spare = schema_old.Product.Spare;
+  behind.Text1 = schema_old.Text1;
+  behind.Text2 = schema_old.Text2;
+  behind.Text3 = schema_old.Text3;
+  behind.Raw1 = schema_old.Raw1;
+  behind.Spare = schema_old.Spare;
+  std::string held, nothing;
+  RecordWriter(held).write(behind);
+  RecordWriter(nothing).write(SCHEMA_STRUCT_OLD1{});
+  return held != nothing;
+}
+
 }  // namespace trvtrout::vtrfile

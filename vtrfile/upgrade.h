@@ -13,4 +13,7 @@ inline constexpr std::string_view kCurrentFormatVersion = "01.02.00";
 // upgrade doesn't carry over stays in `target` as it was.
 void UpgradeSchema(std::string_view version, const Slot<SCHEMA_STRUCT_OLD1>& schema_old, Slot<SCHEMA_STRUCT>& target);
 
+// Whether an old schema holds anything that UpgradeSchema doesn't carry over.
+bool UpgradeLeavesBehind(const SCHEMA_STRUCT_OLD1& schema_old);
+
 }  // namespace trvtrout::vtrfile

@@ -16,12 +16,17 @@ class DiscardingFiles : public Files {
 
   std::unique_ptr<FileSystemObject> CreateFileSystemObject() override { return std::make_unique<FileSystem>(); }
   std::unique_ptr<BinaryFile> OpenBinary(const std::u16string& path) override { return files_.OpenBinary(path); }
+  std::unique_ptr<BinaryOutput> OpenBinaryOutput(const std::u16string&) override { return std::make_unique<Output>(); }
   // Nothing is written, so nothing can be written over.
   bool SameFile(const std::u16string&, const std::u16string&) override { return false; }
 
  private:
   struct Stream : TextStream {
     void WriteLine(std::string_view) override {}
+    void Write(std::string_view) override {}
+    void Close() override {}
+  };
+  struct Output : BinaryOutput {
     void Write(std::string_view) override {}
     void Close() override {}
   };

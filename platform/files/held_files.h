@@ -17,6 +17,9 @@ class HeldFiles : public Files {
 
   std::unique_ptr<FileSystemObject> CreateFileSystemObject() override;
   std::unique_ptr<BinaryFile> OpenBinary(const std::u16string& path) override;
+  std::unique_ptr<BinaryOutput> OpenBinaryOutput(const std::u16string& path) override {
+    return files_.OpenBinaryOutput(path);
+  }
   // A text that is held is no file that exists.
   bool SameFile(const std::u16string& path, const std::u16string& other) override {
     return files_.SameFile(path, other);

@@ -72,6 +72,21 @@ class LocalBinaryFile : public BinaryFile {
   FileHandle file_;
 };
 
+class LocalBinaryOutput : public BinaryOutput {
+ public:
+  explicit LocalBinaryOutput(FileHandle file) : file_(std::move(file)) {}
+
+  void Write(std::string_view bytes) override {
+    if (const int error = file_.write(bytes); error != 0) file_.raise(error);
+  }
+  void Close() override {
+    if (const int error = file_.close(); error != 0) file_.raise(error);
+  }
+
+ private:
+  FileHandle file_;
+};
+
 class LocalFileSystem : public FileSystemObject {
  public:
   std::unique_ptr<TextStream> CreateTextFile(const std::u16string& path, bool overwrite, bool unicode) override {
@@ -106,6 +121,11 @@ std::unique_ptr<FileSystemObject> LocalFiles::CreateFileSystemObject() { return 
 std::unique_ptr<BinaryFile> LocalFiles::OpenBinary(const std::u16string& path) {
   const Creation creation = missing_ == MissingFile::kCreate ? Creation::kIfMissing : Creation::kNever;
   return std::make_unique<LocalBinaryFile>(FileHandle(machine_path(path), "read", Access::kRead, creation));
+}
+
+std::unique_ptr<BinaryOutput> LocalFiles::OpenBinaryOutput(const std::u16string& path) {
+  return std::make_unique<LocalBinaryOutput>(
+      FileHandle(machine_path(path), "write", Access::kWrite, Creation::kIfMissing));
 }
 
 bool LocalFiles::SameFile(const std::u16string& path, const std::u16string& other) {

@@ -19,6 +19,7 @@ class LocalFiles : public Files {
   std::unique_ptr<FileSystemObject> CreateFileSystemObject() override;
   // Only regular files.
   std::unique_ptr<BinaryFile> OpenBinary(const std::u16string& path) override;
+  std::unique_ptr<BinaryOutput> OpenBinaryOutput(const std::u16string& path) override;
   bool SameFile(const std::u16string& path, const std::u16string& other) override;
 
  private:

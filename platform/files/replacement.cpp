@@ -34,12 +34,18 @@ void Replacement::write(std::string_view bytes) {
   if (const int error = file_.write(bytes); error != 0) raise_file_error(error, path_, kVerb);
 }
 
-void Replacement::commit() {
+void Replacement::finish() {
+  if (finished_) return;
   file_.take_rights_of(path_);
   file_.sync();
+  if (const int error = file_.close(); error != 0) raise_file_error(error, path_, kVerb);
+  finished_ = true;
+}
+
+void Replacement::commit() {
+  finish();
   if (std::rename(temporary_path_.c_str(), path_.c_str()) != 0) raise_file_error(errno, path_, kVerb);
   temporary_path_.clear();
-  if (const int error = file_.close(); error != 0) raise_file_error(error, path_, kVerb);
 }
 
 }  // namespace trvtrout::platform

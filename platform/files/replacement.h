@@ -21,14 +21,17 @@ class Replacement {
   const std::string& temporary_path() const { return temporary_path_; }
   // Appends. Raises ServiceError.
   void write(std::string_view bytes);
-  // Puts it, safe on the disk and with the rights of the file that stood there, in the file's place. Raises
-  // ServiceError.
+  // Ends the writing: the content is safe on the disk, with the rights of the file in whose place it will come, and can
+  // be read at temporary_path(). Raises ServiceError.
+  void finish();
+  // Puts it, finished, in the file's place. Raises ServiceError.
   void commit();
 
  private:
   std::string path_;
   std::string temporary_path_;
   FileHandle file_;
+  bool finished_ = false;
 };
 
 }  // namespace trvtrout::platform

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <deque>
 #include <map>
 #include <memory>
@@ -47,18 +48,23 @@ class MemoryFiles : public Files {
     count();
     return std::make_unique<FileSystem>(*this);
   }
-  std::unique_ptr<BinaryFile> OpenBinary(const std::u16string& path) override {
-    count();
-    if (path.empty()) refuse(53, path);
-    if (held.contains(path)) refuse(kErrorFileHeld, path);
-    files.try_emplace(path);
-    return std::make_unique<Input>(*this, path);
+  std::unique_ptr<BinaryFile> OpenBinary(const std::u16string& path) override { return open<Input>(path); }
+  std::unique_ptr<BinaryOutput> OpenBinaryOutput(const std::u16string& path) override {
+    return open<BinaryWriter>(path);
   }
   bool SameFile(const std::u16string& path, const std::u16string& other) override { return path == other; }
 
  private:
   [[noreturn]] static void refuse(int number, const std::u16string& path) {
     throw ServiceError(number, "error " + std::to_string(number) + " on \"" + platform::to_utf8(path) + "\"");
+  }
+  template <class Opened>
+  std::unique_ptr<Opened> open(const std::u16string& path) {
+    count();
+    if (path.empty()) refuse(53, path);
+    if (held.contains(path)) refuse(kErrorFileHeld, path);
+    files.try_emplace(path);
+    return std::make_unique<Opened>(*this, path);
   }
   void count() {
     if (++calls_ == failing_call_) throw ServiceError(57, "injected fault in call " + std::to_string(calls_));
@@ -113,6 +119,20 @@ class MemoryFiles : public Files {
       const std::size_t length = bytes().copy(reinterpret_cast<char*>(into.data()), into.size(), position_);
       position_ += length;
       return length;
+    }
+    void Close() override { counted(), release(); }
+
+   private:
+    std::size_t position_ = 0;
+  };
+
+  class BinaryWriter : public Object<BinaryOutput> {
+   public:
+    using Object::Object;
+    void Write(std::string_view text) override {
+      std::string& all = bytes();
+      all.replace(position_, std::min(text.size(), all.size() - position_), text);
+      position_ += text.size();
     }
     void Close() override { counted(), release(); }
 

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <iostream>
+#include <nlohmann/json.hpp>
+
+#include "vtrfile/read_error.h"
+
+namespace trvtrout::host {
+
+using Json = nlohmann::ordered_json;
+
+inline Json damage_json(const vtrfile::ReadError& damage) {
+  return {{"offset", damage.offset()}, {"path", damage.path()}, {"found", damage.found()}};
+}
+
+// To stdout. A file's name can hold bytes that are no UTF-8.
+inline void show_json(const Json& whole) {
+  std::cout << whole.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+}  // namespace trvtrout::host

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "component/TarvelVtrOut_InOut.h"
+#include "host/document_account.h"
+
+namespace trvtrout::host {
+
+// What became of one part of a file.
+enum class Fate {
+  kWhole,
+  kAbsent,      // the file was read to its end and doesn't have it
+  kPartlyRead,  // the end of the file or damage broke it off
+  kEmptied,     // a list of it doesn't hold together
+  kUnsound,     // a list of it doesn't hold together, but stays as it was read
+  kReplaced,    // the file holds it more than once, and the last one counts
+  kLeftBehind,  // of the old format, with content that has no place in the current one
+  kNotReached,
+};
+
+struct FateText {
+  const char* title;  // for people
+  const char* key;    // for programs
+};
+FateText text_of(Fate fate);
+
+// The records of one list; no value where that can't be told.
+struct KeptList {
+  const char* title;
+  const char* key;
+  std::optional<std::int64_t> announced, kept;
+};
+
+struct KeptPart {
+  std::string_view name;  // "Header", or the tag of a section
+  Fate fate = Fate::kAbsent;
+  std::uint64_t read = 0;  // bytes that were read of it
+  std::uint64_t kept = 0;  // of these, the bytes of what is in the new file
+  std::vector<KeptList> lists;
+};
+
+struct RecoveryAccount {
+  std::vector<KeptPart> parts;  // the header, then the sections
+  std::uint64_t bytes = 0;      // of the whole file
+  std::uint64_t kept = 0;
+  bool nothing_lost = false;
+};
+
+// The document that an object holds at some moment, with what its lists say.
+struct DocumentState {
+  vtrfile::DocumentSlots slots;
+  std::vector<AccountList> lists;
+};
+DocumentState state_of(TarvelVtrOut_InOut& utility, Locale& locale);
+
+// `before`, `after`: the document as it was read from a file of `bytes` bytes with these `parts`, and as it was
+// written. `written`: bytes of each section's record in the new file.
+RecoveryAccount account_for_recovery(const DocumentState& before, const DocumentState& after,
+                                     const std::vector<vtrfile::PartRead>& parts,
+                                     const std::vector<std::uint64_t>& written, std::uint64_t bytes);
+
+}  // namespace trvtrout::host

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "platform/files/file_handle.h"
+#include "platform/files/replacement.h"
+#include "reports/host_services.h"
+
+namespace trvtrout::platform {
+
+// Files of which the one that is opened with OpenBinaryOutput isn't written in place: its content stands beside it
+// until commit() puts it there, and without commit() the file is as it was. All else goes to the files behind.
+class StagedFiles : public Files {
+ public:
+  // `files` must outlive it.
+  explicit StagedFiles(Files& files) : files_(files) {}
+
+  std::unique_ptr<FileSystemObject> CreateFileSystemObject() override { return files_.CreateFileSystemObject(); }
+  std::unique_ptr<BinaryFile> OpenBinary(const std::u16string& path) override { return files_.OpenBinary(path); }
+  bool SameFile(const std::u16string& path, const std::u16string& other) override {
+    return files_.SameFile(path, other);
+  }
+  // May be called once. A file that stands there is held until the end; one that may not be written is refused.
+  std::unique_ptr<BinaryOutput> OpenBinaryOutput(const std::u16string& path) override;
+
+  // Where the content can be read once it was closed; only after OpenBinaryOutput.
+  std::u16string content_path() const;
+  // Raises ServiceError. The same.
+  void commit() { replacement_->commit(); }
+
+ private:
+  Files& files_;
+  std::optional<FileHandle> standing_;
+  std::optional<Replacement> replacement_;
+};
+
+}  // namespace trvtrout::platform
