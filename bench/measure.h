@@ -156,5 +156,6 @@ using Print = std::function<void()>;
 Print add_reading(const std::filesystem::path& folder);
 Print add_matching(const std::filesystem::path& folder);
 Print add_comparing(const std::filesystem::path& folder);
+Print add_workbooks(const std::filesystem::path& folder);
 
 }  // namespace trvtrout::bench
