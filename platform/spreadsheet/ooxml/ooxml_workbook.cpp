@@ -81,7 +81,7 @@ class OoxmlWorkbook : public WorkbookFile {
 
  private:
   std::string find_workbook() const;
-  std::string free_part(const ContentTypes& types, const std::string& stem) const;
+  std::string free_part(const ContentTypes& types, const std::string& stem, std::size_t first) const;
   StylePart styles_of(const Dialect& dialect, Relations& relations, ContentTypes& types) const;
   void deselect_all(const WorkbookPart& workbook, const Relations& relations, std::vector<PartChange>& changes) const;
 
@@ -116,10 +116,10 @@ std::string OoxmlWorkbook::find_workbook() const {
   return workbook->target;
 }
 
-// `stem`N.xml that isn't taken.
-std::string OoxmlWorkbook::free_part(const ContentTypes& types, const std::string& stem) const {
-  for (std::size_t number = 1;; ++number) {
-    std::string name = stem + std::to_string(number) + ".xml";
+// `stem`N.xml that isn't taken, for N from `first`; `stem`.xml for 0.
+std::string OoxmlWorkbook::free_part(const ContentTypes& types, const std::string& stem, std::size_t first) const {
+  for (std::size_t number = first;; ++number) {
+    std::string name = stem + (number == 0 ? "" : std::to_string(number)) + ".xml";
     if (!package_.has(name) && !types.names(name)) return name;
   }
 }
@@ -138,7 +138,8 @@ void OoxmlWorkbook::deselect_all(const WorkbookPart& workbook, const Relations& 
 StylePart OoxmlWorkbook::styles_of(const Dialect& dialect, Relations& relations, ContentTypes& types) const {
   const Relation* known = relations.first("styles");
   const bool is_told = known != nullptr && !known->target.empty();
-  const std::string name = is_told ? known->target : free_part(types, folder_of(workbook_name_) + "styles");
+  // Where some readers look for it, whatever the references say.
+  const std::string name = is_told ? known->target : free_part(types, folder_of(workbook_name_) + "styles", 0);
   if (package_.has(name)) return StylePart(name, package_.read(name));
   if (!is_told) relations.add(dialect, "styles", name);
   if (!types.names(name)) types.add(name, kStylesType);
@@ -156,7 +157,7 @@ std::string OoxmlWorkbook::with_sheet(const Sheet& sheet) const {
 
   StylePart styles = styles_of(dialect, relations, types);
   std::vector<std::uint32_t> formats = styles.formats_of(sheet.styles);
-  const std::string sheet_name = free_part(types, folder_of(workbook_name_) + "worksheets/sheet");
+  const std::string sheet_name = free_part(types, folder_of(workbook_name_) + "worksheets/sheet", 1);
   types.add(sheet_name, kSheetType);
   workbook.add_sheet(sheet, relations.add(dialect, "worksheet", sheet_name));
   changes.push_back({sheet_name, sheet_stream(sheet, std::move(formats), dialect.main, workbook.views())});

@@ -49,15 +49,13 @@ class ErrorText {
   zip_error_t error_{};
 };
 
-// A source that reads `bytes`, and the archive in it. What is written to the archive goes elsewhere.
-std::pair<Source, Zip> open_zip(std::string_view bytes, int flags) {
+// `source` is the archive's if it can be opened.
+Zip open_zip(Source source, int flags) {
   ErrorText error;
-  Source source(zip_source_buffer_create(bytes.data(), bytes.size(), 0, error.get()));
-  if (!source) raise_damaged("its zip file", error.text());
-  Zip zip(zip_open_from_source(source.get(), flags, error.get()));
+  Zip zip(source ? zip_open_from_source(source.get(), flags, error.get()) : nullptr);
   if (!zip) raise_damaged("its zip file", error.text());
-  zip_source_keep(source.get());  // the archive owns the first reference
-  return {std::move(source), std::move(zip)};
+  static_cast<void>(source.release());
+  return zip;
 }
 
 class TextStream : public PartStream {
@@ -119,6 +117,20 @@ zip_int64_t read_feed(Feed& feed, char* data, zip_uint64_t length) {
   return static_cast<zip_int64_t>(count);
 }
 
+zip_int64_t tell_size(void* data, std::uint64_t size) {
+  auto& stat = *static_cast<zip_stat_t*>(data);
+  zip_stat_init(&stat);
+  stat.size = size;
+  stat.valid = ZIP_STAT_SIZE;
+  return sizeof stat;
+}
+
+zip_int64_t tell_failure(void* data) {
+  const int codes[] = {ZIP_ER_READ, EIO};
+  std::ranges::copy(codes, static_cast<int*>(data));
+  return sizeof codes;
+}
+
 zip_int64_t serve_feed(void* state, void* data, zip_uint64_t length, zip_source_cmd_t command) {
   Feed& feed = *static_cast<Feed*>(state);
   switch (command) {
@@ -128,23 +140,75 @@ zip_int64_t serve_feed(void* state, void* data, zip_uint64_t length, zip_source_
       return 0;
     case ZIP_SOURCE_READ:
       return read_feed(feed, static_cast<char*>(data), length);
-    case ZIP_SOURCE_STAT: {
-      auto& stat = *static_cast<zip_stat_t*>(data);
-      zip_stat_init(&stat);
-      stat.size = feed.content->size();
-      stat.valid = ZIP_STAT_SIZE;
-      return sizeof stat;
-    }
-    case ZIP_SOURCE_ERROR: {
-      const int codes[] = {ZIP_ER_READ, EIO};
-      std::copy(std::begin(codes), std::end(codes), static_cast<int*>(data));
-      return sizeof codes;
-    }
+    case ZIP_SOURCE_STAT:
+      return tell_size(data, feed.content->size());
+    case ZIP_SOURCE_ERROR:
+      return tell_failure(data);
     case ZIP_SOURCE_SUPPORTS:
-      return zip_source_make_command_bitmap(ZIP_SOURCE_OPEN, ZIP_SOURCE_READ, ZIP_SOURCE_CLOSE, ZIP_SOURCE_STAT,
-                                            ZIP_SOURCE_ERROR, ZIP_SOURCE_FREE, -1);
+      return ZIP_SOURCE_SUPPORTS_READABLE;
     default:
       return -1;
+  }
+}
+
+// A zip file that is read from `old` and written to `changed`. The library's own buffer frees what isn't its own when a
+// change keeps the first entries.
+struct Rewriting {
+  std::string_view old;
+  zip_uint64_t read_at = 0;
+  std::string changed;
+  zip_uint64_t write_at = 0;
+};
+
+zip_int64_t seek(zip_uint64_t& at, zip_uint64_t size, void* data, zip_uint64_t length) {
+  ErrorText error;
+  const zip_int64_t to = zip_source_seek_compute_offset(at, size, data, length, error.get());
+  if (to < 0) return -1;
+  at = static_cast<zip_uint64_t>(to);
+  return 0;
+}
+
+zip_int64_t write_changed(Rewriting& file, const char* data, zip_uint64_t length) {
+  try {
+    if (file.changed.size() < file.write_at) file.changed.resize(file.write_at);
+    const std::size_t replaced = std::min<std::size_t>(length, file.changed.size() - file.write_at);
+    file.changed.replace(file.write_at, replaced, data, length);
+  } catch (const std::exception&) {
+    return -1;
+  }
+  file.write_at += length;
+  return static_cast<zip_int64_t>(length);
+}
+
+zip_int64_t serve_rewriting(void* state, void* data, zip_uint64_t length, zip_source_cmd_t command) {
+  Rewriting& file = *static_cast<Rewriting*>(state);
+  switch (command) {
+    case ZIP_SOURCE_OPEN:
+      file.read_at = 0;
+      return 0;
+    case ZIP_SOURCE_READ: {
+      const std::size_t count = file.old.substr(file.read_at).copy(static_cast<char*>(data), length);
+      file.read_at += count;
+      return static_cast<zip_int64_t>(count);
+    }
+    case ZIP_SOURCE_SEEK:
+      return seek(file.read_at, file.old.size(), data, length);
+    case ZIP_SOURCE_TELL:
+      return static_cast<zip_int64_t>(file.read_at);
+    case ZIP_SOURCE_STAT:
+      return tell_size(data, file.old.size());
+    case ZIP_SOURCE_WRITE:
+      return write_changed(file, static_cast<const char*>(data), length);
+    case ZIP_SOURCE_SEEK_WRITE:
+      return seek(file.write_at, file.changed.size(), data, length);
+    case ZIP_SOURCE_TELL_WRITE:
+      return static_cast<zip_int64_t>(file.write_at);
+    case ZIP_SOURCE_ERROR:
+      return tell_failure(data);
+    case ZIP_SOURCE_SUPPORTS:
+      return ZIP_SOURCE_SUPPORTS_WRITABLE;
+    default:
+      return 0;  // the beginning and the end of reading and writing
   }
 }
 
@@ -164,19 +228,6 @@ bool put(zip_t* zip, zip_int64_t index, const std::string& name, Feed& feed) {
          zip_file_set_dostime(zip, entry, 0, kFirstDay1980, 0) == 0;
 }
 
-std::string content_of(zip_source_t* source) {
-  zip_stat_t stat;
-  if (zip_source_stat(source, &stat) != 0 || zip_source_open(source) != 0)
-    throw WorkbookError(std::string("the changed workbook can't be put together: ") +
-                        zip_error_strerror(zip_source_error(source)));
-  std::string bytes(stat.size, '\0');
-  const zip_int64_t count = zip_source_read(source, bytes.data(), bytes.size());
-  zip_source_close(source);
-  if (count < 0 || static_cast<zip_uint64_t>(count) != stat.size)
-    throw WorkbookError("the changed workbook can't be put together: its zip file ends early");
-  return bytes;
-}
-
 }  // namespace
 
 std::string lower(std::string_view name) {
@@ -188,7 +239,7 @@ std::string lower(std::string_view name) {
 std::unique_ptr<PartStream> text_stream(std::string text) { return std::make_unique<TextStream>(std::move(text)); }
 
 Package::Package(std::string_view bytes) : bytes_(bytes) {
-  auto [source, zip] = open_zip(bytes_, ZIP_RDONLY);
+  Zip zip = open_zip(Source(zip_source_buffer_create(bytes_.data(), bytes_.size(), 0, nullptr)), ZIP_RDONLY);
   const zip_int64_t count = zip_get_num_entries(zip.get(), 0);
   for (zip_uint64_t index = 0; std::cmp_less(index, count); ++index) {
     zip_stat_t stat;
@@ -229,7 +280,8 @@ std::string Package::read(const std::string& name) const {
 
 std::string Package::with(std::vector<PartChange> changes) const {
   std::vector<Feed> feeds(changes.size());
-  auto [source, zip] = open_zip(bytes_, 0);
+  Rewriting file{bytes_};
+  Zip zip = open_zip(Source(zip_source_function_create(serve_rewriting, &file, nullptr)), 0);
   const auto raise_failure = [&feeds](zip_t* failed) {
     for (const Feed& feed : feeds) {
       if (feed.failure) std::rethrow_exception(feed.failure);
@@ -244,7 +296,7 @@ std::string Package::with(std::vector<PartChange> changes) const {
   }
   if (zip_close(zip.get()) != 0) raise_failure(zip.get());
   static_cast<void>(zip.release());
-  return content_of(source.get());
+  return std::move(file.changed);
 }
 
 }  // namespace trvtrout::spreadsheet::ooxml

@@ -1,0 +1,163 @@
+#include <cstdlib>
+#include <gtest/gtest.h>
+#include <string>
+#include <utility>
+#include <vector>
+#include <xlsxwriter.h>
+
+#include "platform/spreadsheet/ooxml/ooxml_workbook.h"
+#include "platform/spreadsheet/workbook_file.h"
+#include "tests/fakes/temporary_folder.h"
+
+namespace trvtrout::spreadsheet {
+namespace {
+
+using fakes::get_file;
+using fakes::TemporaryFolder;
+
+constexpr const char* kName = "It's <new> & 1st";
+
+bool run(const std::string& command) { return std::system(command.c_str()) == 0; }
+
+bool python(const std::string& script, const std::string& arguments) {
+  return run("/usr/bin/python3 " SPREADSHEET_TESTS "/" + script + " " + arguments);
+}
+
+// A sheet with everything that a sheet can have; the scripts know what's in it.
+Sheet make_sheet(const std::string& name) {
+  Sheet sheet;
+  sheet.name = name;
+  const auto heading = sheet.style_number({.bold = true});
+  const auto link = sheet.style_number({.left = true, .color_index = 10});
+  const auto warning = sheet.style_number({.bold = true, .color_index = 3});
+  const auto own = sheet.style_number({.number_format = "\"a\"\"<\"0.00"});
+  const auto date = sheet.style_number({.number_format = "m/d/yyyy h:mm"});
+  sheet.columns = {{0, 1, link, 20}, {2, 16383, heading, 0}};
+  using namespace std::literals;
+  const std::pair<std::string_view, std::uint16_t> texts[] = {
+      {"Heading", heading}, {"=1+1", link},      {"x < y & \"z\" ]]>", 0},    {" two\nlines\t", 0},
+      {"_x0041_ _x41_", 0}, {"cr\r nul\0"sv, 0}, {"\xEF\xBF\xBE\x80 ü€😀", 0},
+  };
+  for (const auto& [text, style] : texts) sheet.cells.push_back(Cell::text(text, style));
+  sheet.row_ends = {sheet.cells.size(), sheet.cells.size()};
+  Cell blank;
+  blank.style = warning;
+  sheet.cells.insert(sheet.cells.end(), {Cell::number(0.1, own), Cell::date(38139.5910300926, date),
+                                         Cell::boolean(true, 0), blank, Cell::number(-1e300, 0)});
+  sheet.row_ends.push_back(sheet.cells.size());
+  sheet.has_filter = true;
+  return sheet;
+}
+
+std::string reason_against(const std::string& bytes) {
+  try {
+    static_cast<void>(open_ooxml(bytes)->with_sheet(make_sheet(kName)));
+  } catch (const WorkbookError& error) {
+    return error.what();
+  }
+  return "nothing";
+}
+
+// A macro workbook with a picture, a chart and rows of shared strings.
+void write_macro_workbook(const TemporaryFolder& folder) {
+  const std::string macros = folder.put("vbaProject.bin", std::string(5000, '\x5A'));
+  lxw_workbook* book = workbook_new(folder.at("macros.xlsm").c_str());
+  lxw_worksheet* sheet = workbook_add_worksheet(book, nullptr);
+  lxw_format* bold = workbook_add_format(book);
+  format_set_bold(bold);
+  for (lxw_row_t row = 0; row < 500; ++row) {
+    worksheet_write_string(sheet, row, 0, ("text " + std::to_string(row % 50)).c_str(), bold);
+    worksheet_write_formula(sheet, row, 1, "=LEN(A1)", nullptr);
+  }
+  lxw_chart* chart = workbook_add_chart(book, LXW_CHART_LINE);
+  chart_add_series(chart, nullptr, "=Sheet1!$B$1:$B$9");
+  worksheet_insert_chart(sheet, 3, 3, chart);
+  constexpr unsigned char kPicture[] = {0x42, 0x4D, 58, 0, 0, 0, 0, 0, 0,  0, 54, 0, 0, 0, 40, 0, 0, 0, 1, 0,
+                                        0,    0,    1,  0, 0, 0, 1, 0, 24, 0, 0,  0, 0, 0, 4,  0, 0, 0, 0, 0,
+                                        0,    0,    0,  0, 0, 0, 0, 0, 0,  0, 0,  0, 0, 0, 1,  2, 3, 0};
+  worksheet_insert_image_buffer(sheet, 9, 9, kPicture, sizeof kPicture);
+  workbook_define_name(book, "Sheet1!Local", "=Sheet1!$A$1");
+  workbook_add_vba_project(book, macros.c_str());
+  ASSERT_EQ(workbook_close(book), LXW_NO_ERROR);
+}
+
+TEST(OoxmlWorkbook, NothingButTheNewSheetChangesInWorkbooksOfOtherPrograms) {
+  const TemporaryFolder folder;
+  ASSERT_TRUE(python("ooxml_fixtures.py", folder.at("")));
+  write_macro_workbook(folder);
+  for (const std::string name :
+       {"rich.xlsx", "epoch1904.xlsx", "prefixed.xlsx", "strict.xlsx", "relative.xlsx", "no_styles.xlsx",
+        "hollow_styles.xlsx", "quotes.xlsx", "bare.xlsx", "palette.xlsx", "large.xlsx", "macros.xlsm"}) {
+    SCOPED_TRACE(name);
+    const std::string before = get_file(folder.at(name));
+    const auto workbook = open_ooxml(before);
+    EXPECT_EQ(workbook->counts_from_1904(), name == "epoch1904.xlsx");
+    const std::string after = workbook->with_sheet(make_sheet("New one"));
+    EXPECT_TRUE(after == workbook->with_sheet(make_sheet("New one"))) << "not the same bytes for the same sheet";
+    folder.put("added-" + name, after);
+  }
+  EXPECT_TRUE(python("ooxml_check.py", folder.at("") + " 'New one'"));
+}
+
+TEST(OoxmlWorkbook, SheetAfterSheetGoesInFrontOfTheLastOne) {
+  std::string bytes = empty_ooxml();
+  EXPECT_TRUE(open_ooxml(bytes)->sheet_names().empty());
+  const std::vector<std::string> names = {"A_x0041_", kName, "ü\x01\t\""};
+  std::size_t once = 0;
+  for (const std::string& name : names) {
+    bytes = open_ooxml(bytes)->with_sheet(make_sheet(name));
+    once = once == 0 ? bytes.size() : once;
+  }
+  const auto workbook = open_ooxml(bytes);
+  EXPECT_EQ(workbook->sheet_names(), (std::vector{names[2], names[1], names[0]}));
+  const TemporaryFolder folder;
+  folder.put("first.xlsx", open_ooxml(empty_ooxml())->with_sheet(make_sheet("First")));
+  folder.put("added-first.xlsx", open_ooxml(get_file(folder.at("first.xlsx")))->with_sheet(make_sheet("New one")));
+  EXPECT_TRUE(python("ooxml_check.py", folder.at("") + " 'New one'"));
+}
+
+TEST(OoxmlWorkbook, WhatMustNotOrCannotBeChangedIsRefusedWithTheReason) {
+  const TemporaryFolder folder;
+  ASSERT_TRUE(python("ooxml_fixtures.py", folder.at("")));
+  const std::pair<const char*, const char*> reasons[] = {
+      {"locked", "structure is protected"},
+      {"binary", "(.xlsb)"},
+      {"document", "no workbook"},
+      {"plain_zip", "no workbook"},
+      {"signed", "digitally signed"},
+      {"shared", "stop sharing"},
+      {"password", "encrypted"},
+      {"twice", "two parts 'XL/WORKBOOK.XML'"},
+      {"cut", "zip file is damaged"},
+      {"damaged", "'xl/workbook.xml' is damaged"},
+      {"no_workbook", "'xl/workbook.xml' is damaged (it's missing)"},
+      {"no_sheets", "doesn't list the sheets"},
+      {"broken_xml", "'xl/workbook.xml' can't be used: Start-end tags mismatch"},
+      {"doctype", "document type"},
+      {"utf16", "UTF-16"},
+      {"latin", "another encoding"},
+      {"deep", "too deep"},
+      {"bomb", "larger than 32 MB"},
+  };
+  for (const auto& [name, reason] : reasons) {
+    const std::string told = reason_against(get_file(folder.at(std::string("refused_") + name)));
+    EXPECT_NE(told.find(reason), std::string::npos) << name << ": " << told;
+  }
+}
+
+// LibreOffice undoes the escapes that the other reader shows as they are.
+TEST(OoxmlWorkbook, AnotherSpreadsheetProgramReadsEveryCell) {
+  if (!run("command -v soffice >/dev/null")) GTEST_SKIP() << "LibreOffice isn't there";
+  const TemporaryFolder folder;
+  folder.put("made.xlsx", open_ooxml(empty_ooxml())->with_sheet(make_sheet(kName)));
+  ASSERT_TRUE(run("soffice -env:UserInstallation=file://" + folder.at("user") +
+                  " --headless --convert-to csv:\"Text - txt" + " - csv (StarCalc)\":44,34,76,1 --outdir " +
+                  folder.at("") + " " + folder.at("made.xlsx") + " >/dev/null 2>&1"));
+  using namespace std::literals;
+  EXPECT_EQ(get_file(folder.at("made.csv")),
+            "\"Heading\",\"=1+1\",\"x < y & \"\"z\"\" ]]>\",\" two\nlines\t\",\"_x0041_ _x41_\",\"cr\r nul\0\","
+            "\"\xEF\xBF\xBE? ü€😀\"\n,,,,,,\na<0.10,6/1/2004 14:11,TRUE,,-1E+300,,\n"s);
+}
+
+}  // namespace
+}  // namespace trvtrout::spreadsheet
