@@ -191,6 +191,9 @@ def main(folder):
                         "--convert-to", "xls", "--outdir", folder, os.path.join(folder, "everything.xlsx"),
                         os.path.join(folder, "picture.ods")],
                        check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        if shutil.which("ssconvert"):
+            subprocess.run(["ssconvert", os.path.join(folder, "everything.xlsx"), os.path.join(folder, "rows-in-blocks.xls")],
+                           check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
 main(sys.argv[1])
