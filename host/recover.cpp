@@ -47,7 +47,7 @@ std::u16string output_path(const HostServices& services, const std::string& file
 bool same_place(Files& files, const std::u16string& path, const std::u16string& other) {
   const auto real = [](const std::u16string& name) {
     std::error_code none;
-    return std::filesystem::weakly_canonical(platform::machine_path(name), none);
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(platform::machine_path(name), none), none);
   };
   return files.SameFile(path, other) || real(path) == real(other);
 }
