@@ -33,8 +33,9 @@ std::u16string output_path(const HostServices& services, const std::string& file
                               ? GetOutputFileName(services, document, desc_name)
                               : ConfirmOutputFileName(services, document, desc_name, platform::class_path(given));
   if (name.path.empty()) {
-    complain(file + ": " + (name.failure.empty() ? "no name can be made for the new file" : name.failure) +
-             "; give one with --output" + kNothingWritten);
+    complain(file + ": " +
+             (name.failure.empty() ? "its name has no full stop, so none can be made of it" : name.failure) +
+             (given.empty() ? "; give one with --output" : "") + kNothingWritten);
     return {};
   }
   if (name.abandoned) {
@@ -47,7 +48,7 @@ std::u16string output_path(const HostServices& services, const std::string& file
 bool same_place(Files& files, const std::u16string& path, const std::u16string& other) {
   const auto real = [](const std::u16string& name) {
     std::error_code none;
-    return std::filesystem::weakly_canonical(platform::machine_path(name), none);
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(platform::machine_path(name), none), none);
   };
   return files.SameFile(path, other) || real(path) == real(other);
 }
@@ -83,22 +84,24 @@ std::string share(std::uint64_t part, std::uint64_t whole) {
 
 void print(const RecoveryAccount& account) {
   constexpr int kNameWidth = 26, kFateWidth = 30, kNumberWidth = 12;
-  const auto row = [](const std::string& name, const std::string& fate, const std::string& read,
-                      const std::string& kept) {
-    std::cerr << std::left << std::setw(kNameWidth) << name << std::setw(kFateWidth) << fate << std::right
-              << std::setw(kNumberWidth) << read << std::setw(kNumberWidth) << kept << '\n';
+  const auto row = [](const std::string& name, const std::string& fate) -> std::ostream& {
+    return std::cerr << std::left << std::setw(kNameWidth) << name << std::setw(kFateWidth) << fate << std::right
+                     << std::setw(kNumberWidth);
   };
-  row("part", "outcome", "bytes read", "kept");
+  row("part", "outcome") << "bytes read" << std::setw(kNumberWidth) << "kept" << '\n';
   for (const KeptPart& part : account.parts) {
-    row(std::string(part.name), text_of(part.fate).title, std::to_string(part.read), std::to_string(part.kept));
+    row(std::string(part.name), text_of(part.fate).title) << part.read << std::setw(kNumberWidth) << part.kept << '\n';
     for (const KeptList& list : part.lists) {
       if (list.announced == 0 && list.kept == 0) continue;
-      row(std::string("  ") + list.title, number_of(list.kept) + " of " + number_of(list.announced) + " records", "",
-          "");
+      std::cerr << "  " << std::left << std::setw(kNameWidth - 2) << list.title << number_of(list.kept) << " of "
+                << number_of(list.announced) << " records\n";
     }
   }
   std::cerr << "kept " << account.kept << " of " << account.bytes << " bytes (" << share(account.kept, account.bytes)
             << ")\n";
+  if (account.behind_end > 0) {
+    std::cerr << account.behind_end << " bytes behind the end tag are no part of the document\n";
+  }
 }
 
 Json to_json(const KeptPart& part) {

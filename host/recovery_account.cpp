@@ -161,13 +161,14 @@ RecoveryAccount account_for_recovery(const DocumentState& before, const Document
                                      const std::vector<PartRead>& parts, const std::vector<std::uint64_t>& written,
                                      std::uint64_t bytes) {
   const Accountant accountant(before, after, parts);
-  RecoveryAccount account{{accountant.header()}, bytes, 0, false};
+  RecoveryAccount account{.parts = {accountant.header()}, .bytes = bytes};
   std::size_t number = 0;
   vtrfile::for_each_section(
       [&](const auto& section) { account.parts.push_back(accountant.section(section.tag, written.at(number++))); });
 
   const Found end = find(parts, vtrfile::kEndTag);
   account.kept = end.read;
+  if (end.last && end.last->end < bytes) account.behind_end = bytes - end.last->end;
   for (const KeptPart& part : account.parts) account.kept += part.kept;
   account.nothing_lost = end.last && std::ranges::all_of(account.parts, [](const KeptPart& part) {
                            return part.fate == Fate::kWhole || part.fate == Fate::kAbsent;

@@ -47,6 +47,7 @@ struct RecoveryAccount {
   std::vector<KeptPart> parts;  // the header, then the sections
   std::uint64_t bytes = 0;      // of the whole file
   std::uint64_t kept = 0;
+  std::uint64_t behind_end = 0;  // bytes behind the end tag, which are no part of the document
   bool nothing_lost = false;
 };
 

@@ -16,6 +16,7 @@
 #include "platform/console/printable.h"
 #include "platform/files/local_files.h"
 #include "platform/files/path.h"
+#include "platform/files/staged_files.h"
 #include "platform/locale/code_page.h"
 #include "platform/locale/us_locale.h"
 #include "tests/fakes/fake_services.h"
@@ -127,6 +128,35 @@ TEST_F(LocalFilesTest, FullDiskIsToldAtEveryCallAndNothingIsWrittenBehindTheGap)
   };
   EXPECT_EXIT(fill(), testing::ExitedWithCode(0), "");
   EXPECT_EQ(fs::file_size(file), 100'000U);
+}
+
+TEST_F(LocalFilesTest, ABinaryOutputIsWrittenInPlaceOrBesideIt) {
+  const auto write = [&](Files& to, std::string_view bytes) {
+    const auto output = to.OpenBinaryOutput(name);
+    EXPECT_EQ(error_number([&] { files.OpenBinary(name); }), kErrorFileHeld) << "while it is written";
+    output->Write(bytes);
+    output->Close();
+  };
+  write(files, "ne");
+  EXPECT_EQ(get_file(file), "nept") << "not emptied, and the tail stays";
+  fs::permissions(file, fs::perms::owner_all);
+  fs::create_symlink(file, folder.at("link"));
+  {
+    StagedFiles given_up(files);
+    write(given_up, "given up");
+    EXPECT_EQ(get_file(file), "nept");
+  }
+  {
+    StagedFiles staged(files);
+    write(staged, "long enough");
+    EXPECT_EQ(files.OpenBinary(staged.content_path())->Size(), 11U);
+    EXPECT_EQ(get_file(file), "nept");
+    staged.commit();
+  }
+  EXPECT_EQ(get_file(folder.at("link")), "long enough");
+  EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_all);
+  const fs::path parent = fs::path(file).parent_path();
+  EXPECT_EQ(std::distance(fs::directory_iterator(parent), {}), 2) << "nothing is left beside them";
 }
 
 TEST(Paths, EveryByteStringSurvivesTheRoundTrip) {

@@ -5,6 +5,7 @@
 #include "tests/fakes/fake_services.h"
 #include "tests/operations.h"
 #include "tests/support.h"
+#include "vtrfile/sections.h"
 
 // What every operation makes of the sample documents, byte for byte, beside the approved texts in samples/expected.
 namespace trvtrout::tests {
@@ -51,6 +52,34 @@ TEST_P(Samples, AreReadAndReported) {
     EXPECT_EQ(bool(written), !fails) << part;
   }
   EXPECT_EQ(machine.memory.open_objects(), 0);
+}
+
+TEST_P(Samples, AreRecovered) {
+  if (!std::filesystem::exists(expected("recover.txt"))) return;  // nothing but the header of it can be read
+  fakes::Machine machine;
+  std::u16string damaged = u"C:\\Data\\Sample.VTR", fname = u"C:\\New.VTR", list, message = u"@GIVEN@";
+  machine.memory.files[damaged] = sample(GetParam());
+  TarvelVtrOut_InOut utility(machine.services());
+  Boolean primary = False;
+  utility.ReadVTR(damaged, list, primary);
+  machine.message_loop.count = 0;
+  ASSERT_TRUE(utility.RecoverVTR(fname, message)) << utility.LastFailure();
+  EXPECT_EQ(platform::to_utf8(message), file_bytes(expected("recover.txt")));
+  EXPECT_EQ(machine.message_loop.count, 2);
+  EXPECT_EQ(machine.memory.files[damaged], sample(GetParam())) << "the input is never written";
+
+  // Only what the lists call corrupted may differ from what was read.
+  Reading before, after;
+  before.read(sample(GetParam()));
+  after.read(machine.memory.files[fname]);
+  EXPECT_TRUE(after.complete);
+  EXPECT_EQ(after.current.Header->Version.bytes(), "01.02.00");
+  const std::string corrupted = platform::to_utf8(message.substr(message.find(u"permanently")));
+  vtrfile::for_each_section([&](const auto& section) {
+    const bool named = corrupted.find(section.tag == "Schema" ? "LOOKUPS" : section.structure) != std::string::npos;
+    EXPECT_EQ(bytes_of(*(after.current.*section.kSlot)) == bytes_of(*(before.current.*section.kSlot)), !named)
+        << section.tag;
+  });
 }
 
 class SamplePairs : public testing::TestWithParam<std::pair<const char*, const char*>> {};

@@ -8,6 +8,7 @@
 #include <sstream>
 
 #include "vtrfile/record_reader.h"
+#include "vtrfile/sections.h"
 
 namespace trvtrout::tests {
 
@@ -108,22 +109,11 @@ const KnownSection& known_section(std::string_view tag, bool old_format) {
   static const KnownSection none;
   static const KnownSection old_schema = {[](const Reading& reading) { return bytes_of(*reading.schema_old); },
                                           skip<SCHEMA_STRUCT_OLD1>};
-  static const std::map<std::string, KnownSection, std::less<>> sections = {
-      {"Schema", known<&DocumentSlots::Schema>()},
-      {"Relation", known<&DocumentSlots::Relation>()},
-      {"Hidden", known<&DocumentSlots::Hidden>()},
-      {"TreeHierarchy", known<&DocumentSlots::Tree>()},
-      {"Language", known<&DocumentSlots::Language>()},
-      {"Module", known<&DocumentSlots::Module>()},
-      {"TarvelDefinitionHeader", known<&DocumentSlots::DataSend>()},
-      {"TarvelFieldMatchHeader", known<&DocumentSlots::FieldMatches>()},
-      {"Extended", known<&DocumentSlots::Extended>()},
-      {"IncludeFile", known<&DocumentSlots::IncludeFile>()},
-      {"ControlTag", known<&DocumentSlots::ControlTag>()},
-      {"DSNList", known<&DocumentSlots::DSNList>()},
-      {"IncludeFileNew", known<&DocumentSlots::ImportFiles>()},
-      {"ResidualTable", known<&DocumentSlots::ResidualTable>()},
-  };
+  static const std::map<std::string_view, KnownSection> sections = std::apply(
+      []<auto... Member>(const Section<Member>&... section) {
+        return std::map<std::string_view, KnownSection>{{section.tag, known<Member>()}...};
+      },
+      kSections);
   if (old_format && tag == "Schema") return old_schema;
   const auto found = sections.find(tag);
   return found == sections.end() ? none : found->second;

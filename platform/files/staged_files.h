@@ -25,9 +25,9 @@ class StagedFiles : public Files {
   // May be called once. A file that stands there is held until the end; one that may not be written is refused.
   std::unique_ptr<BinaryOutput> OpenBinaryOutput(const std::u16string& path) override;
 
-  // Where the content can be read once it was closed; only after OpenBinaryOutput.
+  // Both only after OpenBinaryOutput. Where the content can be read once it was closed:
   std::u16string content_path() const;
-  // Raises ServiceError. The same.
+  // Raises ServiceError.
   void commit() { replacement_->commit(); }
 
  private:

@@ -1,0 +1,179 @@
+#include <gtest/gtest.h>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <unistd.h>
+
+#include "tests/command.h"
+#include "tests/support.h"
+
+namespace trvtrout::tests {
+namespace {
+
+using namespace vtrfile;
+using namespace std::string_literals;
+
+class RecoverCommand : public Command {
+ protected:
+  std::string bytes_of_file(const std::string& name) const { return file_bytes((folder_ / name).string()); }
+  auto files() const { return std::distance(fs::directory_iterator(folder_), fs::directory_iterator()); }
+  // Runs the command and expects that it refuses, says so on one line, and leaves all files as they are.
+  void expect_refused(const std::string& arguments, const std::string& says) {
+    const auto before = files();
+    const Outcome run = vtrout(arguments);
+    EXPECT_EQ(run.status, 2) << arguments;
+    EXPECT_EQ(run.out, "") << arguments;
+    EXPECT_NE(run.err.find(says), std::string::npos) << arguments << run.err;
+    EXPECT_NE(run.err.find("nothing was written"), std::string::npos) << arguments << run.err;
+    EXPECT_EQ(files(), before) << arguments;
+  }
+};
+
+TEST_F(RecoverCommand, RewritesEverySampleAndTellsWhatWasLost) {
+  const std::map<std::string, int> statuses = {
+      {"damaged/bad-variant-in-hidden.vtr", 1}, {"damaged/no-eof.vtr", 1},   {"damaged/sick-lists.vtr", 1},
+      {"damaged/unknown-section.vtr", 1},       {"odd/module-twice.vtr", 1},  // a record for which there is no place
+      {"odd/version-01.02.01.vtr", 2}};
+  for (const std::string& name : sample_names()) {
+    const std::string bytes = sample(name);
+    put("s.vtr", bytes);
+    const Outcome run = vtrout("recover s.vtr --output new.vtr --log log.txt --yes");
+    const auto expected = statuses.find(name);
+    ASSERT_EQ(run.status, expected == statuses.end() ? 0 : expected->second) << name << run.err;
+    EXPECT_TRUE(bytes_of_file("s.vtr") == bytes) << name;
+    EXPECT_EQ(run.err.find("(100.0%)") != std::string::npos, run.status == 0 || name == "damaged/no-eof.vtr")
+        << name << run.err;
+    if (run.status == 2) continue;
+    EXPECT_EQ(run.out, "new.vtr\n");
+    EXPECT_EQ(vtrout("info new.vtr").status, 0) << name;
+    std::string log = file_bytes(SAMPLES "/expected/" + name + "/recover.txt");
+    const std::string read = file_bytes(SAMPLES "/expected/" + name + "/read.txt");
+    const std::size_t list = read.find("StructureList:\r\n");
+    const std::string given = list == std::string::npos ? "" : read.substr(list + 16, read.size() - list - 18);
+    EXPECT_EQ(bytes_of_file("log.txt"), log.replace(log.find("@GIVEN@"), 7, given)) << name;
+  }
+}
+
+TEST_F(RecoverCommand, AccountsForProgramsAndPeople) {
+  const std::string whole = sample("plant.vtr");
+  const SectionPlace language = section_places(whole)[4];
+  ASSERT_EQ(language.tag, "Language");
+  put("d.vtr", whole.substr(0, language.begin + 500));
+  const Outcome programs = vtrout("recover d.vtr --output new.vtr --json");
+  EXPECT_EQ(programs.status, 1);
+  const auto account = nlohmann::json::parse(programs.out);
+  EXPECT_EQ(account["output"], "new.vtr");
+  EXPECT_EQ(account["nothingLost"], false);
+  EXPECT_EQ(account["damage"]["offset"], language.begin + 500);
+  EXPECT_EQ(account["bytesKept"], language.begin + 500);
+  EXPECT_EQ(account["parts"]["Schema"]["lists"]["fields"], nlohmann::json::parse(R"({"announced": 48, "kept": 48})"));
+  EXPECT_EQ(account["parts"]["Language"]["outcome"], "partlyRead");
+  EXPECT_EQ(account["parts"]["Language"]["lists"]["languages"]["announced"], 12);
+  EXPECT_GT(account["parts"]["Language"]["lists"]["languages"]["kept"], 3);
+  EXPECT_LT(account["parts"]["Language"]["lists"]["languages"]["kept"], 12);
+  EXPECT_EQ(account["parts"]["Module"]["outcome"], "notReached");
+  EXPECT_TRUE(account["message"].get<std::string>().starts_with("List of the structures that were sucessfuly read"));
+
+  const Outcome people = vtrout("recover d.vtr --output other.vtr");
+  EXPECT_TRUE(std::regex_search(people.err, std::regex("d.vtr: damaged at byte [0-9]+, SectionTag\\[6\\]: the file")))
+      << people.err;
+  EXPECT_TRUE(std::regex_search(people.err, std::regex("Language +partly read +[0-9]+ +[0-9]+\n")));
+  EXPECT_TRUE(std::regex_search(people.err, std::regex("Language texts +[4-9] of 12 records")));
+  EXPECT_TRUE(std::regex_search(people.err, std::regex("ResidualTable +never reached")));
+
+  // What the upgrade of the old format leaves behind is a loss.
+  SCHEMA_STRUCT_OLD1 schema{};
+  for (const char* left : {"", "left behind"}) {
+    schema.Product.Text10 = text(left);
+    put("old.vtr", FileBuilder("01.00.00").section("Schema", schema).with_end());
+    EXPECT_EQ(vtrout("recover old.vtr --output o.vtr --yes").status, *left ? 1 : 0);
+  }
+}
+
+TEST_F(RecoverCommand, NeverWritesOverTheDamagedFile) {
+  put("p.vtr", sample("damaged/no-eof.vtr"));
+  fs::create_symlink("p.vtr", folder_ / "symbolic.vtr");
+  fs::create_hard_link(folder_ / "p.vtr", folder_ / "hard.vtr");
+  for (const char* arguments : {"--output p.vtr", "--output ./p.vtr", "--output symbolic.vtr", "--output hard.vtr",
+                                "--output new.vtr --log p.vtr", "--output new.vtr --log hard.vtr"}) {
+    expect_refused("recover p.vtr --yes " + std::string(arguments), "never written over");
+  }
+  expect_refused("recover symbolic.vtr --yes --output p.vtr", "never written over");
+  expect_refused("recover p.vtr --output new.vtr --log ./new.vtr", "the log can't be the recovered file");
+  EXPECT_TRUE(bytes_of_file("p.vtr") == sample("damaged/no-eof.vtr"));
+}
+
+TEST_F(RecoverCommand, AnOlderFileIsLostOnlyToACompleteOneAndAfterAYes) {
+  put("p.vtr", sample("plant.vtr"));
+  put("old.vtr", "mine");
+  put("log.txt", "mine");
+  const std::string whole = "recover p.vtr --output old.vtr --log log.txt";
+  expect_refused(whole, "left as it was");
+  expect_refused(whole + " --no-clobber", "--no-clobber");
+  // A full disk, while the new file is written: a shell counts the limit in blocks of 512 bytes.
+  expect_refused("--version >/dev/null; ulimit -f 8; '" VTROUT "' " + whole + " --yes", "larger than is allowed");
+  // The same while the log is written, which comes last.
+  expect_refused("--version >/dev/null; flock log.txt '" VTROUT "' " + whole + " --yes", "held by another program");
+  expect_refused("--version >/dev/null; flock old.vtr '" VTROUT "' " + whole + " --yes", "held by another program");
+  expect_refused("recover p.vtr --output nowhere/new.vtr", "its folder doesn't exist");
+  expect_refused("recover p.vtr --output old.vtr --log nowhere/log.txt --yes", "its folder doesn't exist");
+  fs::create_directory(folder_ / "folder.vtr");
+  expect_refused("recover p.vtr --output folder.vtr --yes", "a folder");
+  expect_refused("recover p.vtr --output /dev/null --yes", "a device");
+  EXPECT_EQ(bytes_of_file("old.vtr"), "mine");
+  EXPECT_EQ(bytes_of_file("log.txt"), "mine");
+
+  fs::permissions(folder_ / "old.vtr", fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_EQ(vtrout(whole + " --yes").status, 0);
+  EXPECT_EQ(vtrout("info old.vtr").status, 0);
+  EXPECT_EQ(fs::status(folder_ / "old.vtr").permissions(), fs::perms::owner_read | fs::perms::owner_write);
+}
+
+TEST_F(RecoverCommand, RefusesWhatItCannotRead) {
+  put("empty.vtr", "");
+  put("text.vtr", "not a document");
+  HEADER_STRUCT header{.Version = text("01.02.00")};
+  header.Spare = VarRun<5>(var("\x03\0\0\0\0\0\0\0\0\0\0\0\0\0"s).at());
+  std::string broken = bytes_of(header);
+  put("cut.vtr", broken.substr(0, broken.size() - 4));
+  broken[broken.size() - 14] = '\x63';
+  put("broken.vtr", broken);
+  for (const char* file : {"missing.vtr", "empty.vtr", "text.vtr", "cut.vtr", "broken.vtr", "."}) {
+    const Outcome run = vtrout("recover " + std::string(file) + " --output new.vtr");
+    EXPECT_EQ(run.status, 2) << file;
+    EXPECT_EQ(lines(run.err).size(), 1U) << run.err;
+  }
+  EXPECT_EQ(files(), 4);
+  put("noextension", sample("plant.vtr"));
+  expect_refused("recover noextension", "give one with --output");
+  EXPECT_EQ(vtrout("recover noextension --output n.vtr").status, 0);
+}
+
+TEST_F(RecoverCommand, TakesNamesAsTheyCome) {
+  const std::string longest = std::string(200, 'x') + ".vtr";
+  for (const std::string& name : {"Pl\xC3\xA4nt \"one\" '.vtr"s, "$(touch x);.vtr"s, longest}) {
+    put("in.vtr", sample("damaged/no-eof.vtr"));
+    fs::rename(folder_ / "in.vtr", folder_ / name);
+    const std::string quoted = "'" + std::regex_replace(name, std::regex("'"), "'\\''") + "'";
+    const Outcome run = vtrout("recover " + quoted);
+    EXPECT_EQ(run.status, 1) << run.err;
+    ASSERT_EQ(lines(run.out).size(), 1U) << name;
+    const std::string path = lines(run.out)[0];
+    EXPECT_TRUE(path.starts_with(name.substr(0, name.find('.')) + "_Recovered_") && path.ends_with(".VTR")) << path;
+    EXPECT_TRUE(fs::exists(folder_ / path)) << path;
+  }
+}
+
+TEST_F(RecoverCommand, AFolderOrFileWithoutRightsIsLeftAlone) {
+  if (geteuid() == 0) GTEST_SKIP() << "nothing is forbidden to root";
+  put("p.vtr", sample("plant.vtr"));
+  put("old.vtr", "mine");
+  fs::permissions(folder_ / "old.vtr", fs::perms::owner_read);
+  expect_refused("recover p.vtr --output old.vtr --yes", "old.vtr");
+  fs::create_directory(folder_ / "closed");
+  fs::permissions(folder_ / "closed", fs::perms::owner_read | fs::perms::owner_exec);
+  expect_refused("recover p.vtr --output closed/new.vtr", "closed/new.vtr");
+}
+
+}  // namespace
+}  // namespace trvtrout::tests
