@@ -54,7 +54,8 @@ std::size_t peak_of_recovering(const std::string& bytes) {
   platform::DiscardingFiles files(machine.memory);
   const std::size_t before = g_now;
   g_peak = before;
-  TarvelVtrOut_InOut utility({files, machine.message_box, machine.save_dialog, machine.message_loop, machine.locale});
+  TarvelVtrOut_InOut utility(
+      {files, machine.message_box, machine.save_dialog, machine.message_loop, machine.locale, machine.spreadsheet});
   Boolean primary = False;
   utility.ReadVTR(path, list, primary);
   EXPECT_TRUE(utility.RecoverVTR(recovered, list));

@@ -82,7 +82,8 @@ class Xls:
 
     def filter(self, name):
         place = self.names.index(name)
-        found = [each.result.text for each in self.book.name_obj_list if each.builtin and each.name == "\r" and each.scope == place]
+        found = [each.result.text for each in self.book.name_obj_list
+                 if each.builtin and each.name == "_FilterDatabase" and each.scope == place]
         return found[0].split("!")[1].replace("$", "") if found else None
 
 
@@ -187,6 +188,8 @@ def check_with_program(reader, path, kind):
                     continue
                 if number is not None:
                     assert abs(float(seen) - number) <= (0.5 if "." in text else 0), (sheet, row, column, text, seen)
+                elif text in ("True", "False"):
+                    assert seen.upper() == text.upper() or seen == str(int(text == "True")), (sheet, row, column, text, seen)
                 else:
                     assert seen.replace("\r", "") == text.replace("\r", ""), (sheet, row, column, text, seen)
                 compared += text != ""
