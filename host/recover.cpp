@@ -128,6 +128,33 @@ void print_json(const RecoveryTask& task, const std::string& output, const Recov
              {"message", platform::to_utf8(message)}});
 }
 
+// Reads the file; false when there is nothing in it to recover, of which the user has been told.
+bool read_damaged(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file, std::u16string& message) {
+  if (read(machine, utility, file, message) == kTrouble) return false;
+  if (utility.LastParts().front().whole) return true;
+  complain(file + ": " + damage_text(*utility.LastDamage()) + "; without a header nothing can be recovered" +
+           kNothingWritten);
+  return false;
+}
+
+// The files to write; the log is empty when none is asked for.
+struct Targets {
+  std::u16string output, log;
+};
+
+// Nothing when one of them can't be written, of which the user has been told.
+std::optional<Targets> targets_of(const HostServices& services, const RecoveryTask& task) {
+  Targets targets;
+  targets.output = output_path(services, task.file, task.output, u"Recovered");
+  if (targets.output.empty()) return {};
+  if (task.log.empty()) return targets;
+  targets.log = output_path(services, task.file, task.log, u"Log");
+  if (targets.log.empty()) return {};
+  if (!same_place(services.files, targets.log, targets.output)) return targets;
+  complain(task.log + ": the log can't be the recovered file itself; name another one" + kNothingWritten);
+  return {};
+}
+
 // Writes a log that isn't in its place yet.
 void write_log(platform::StagedFiles& files, const std::u16string& path, const std::string& text) {
   const auto log = files.OpenBinaryOutput(path);
@@ -139,51 +166,32 @@ void write_log(platform::StagedFiles& files, const std::u16string& path, const s
 
 ExitStatus recover(const Settings& settings, const RecoveryTask& task) {
   Machine machine(settings);
-  Files& files = machine.services().files;
-  platform::StagedFiles output_files(files), log_files(files);
+  platform::StagedFiles output_files(machine.services().files), log_files(machine.services().files);
   TarvelVtrOut_InOut utility(machine.services(output_files));
   std::u16string message;
-  if (read(machine, utility, task.file, message) == kTrouble) return kTrouble;
-  if (!utility.LastParts().front().whole) {
-    complain(task.file + ": " + damage_text(*utility.LastDamage()) + "; without a header nothing can be recovered" +
-             kNothingWritten);
-    return kTrouble;
-  }
+  if (!read_damaged(machine, utility, task.file, message)) return kTrouble;
   std::error_code none;
   const auto bytes = std::filesystem::file_size(task.file, none);
+  auto targets = targets_of(machine.services(), task);
+  if (!targets) return kTrouble;
 
-  std::u16string output = output_path(machine.services(), task.file, task.output, u"Recovered");
-  if (output.empty()) return kTrouble;
-  const std::string shown = platform::machine_path(output);
-  std::u16string log;
-  if (!task.log.empty()) {
-    log = output_path(machine.services(), task.file, task.log, u"Log");
-    if (log.empty()) return kTrouble;
-    if (same_place(files, log, output)) {
-      complain(shown + ": the log can't be the recovered file itself; name another one" + kNothingWritten);
-      return kTrouble;
-    }
-  }
-
+  const std::string output = platform::machine_path(targets->output);
+  const auto trouble = [&](const std::string& what) {
+    complain(output + ": " + what + kNothingWritten);
+    return kTrouble;
+  };
   Progress progress;
-  progress.show("Writing " + shown);
+  progress.show("Writing " + output);
   const DocumentState before = state_of(utility, machine.locale());
-  if (!utility.RecoverVTR(output, message)) {
-    complain(shown + ": " + utility.LastFailure() + kNothingWritten);
-    return kTrouble;
-  }
-  progress.show("Checking " + shown);
+  if (!utility.RecoverVTR(targets->output, message)) return trouble(utility.LastFailure());
+  progress.show("Checking " + output);
   const auto written = read_back(machine.services(), output_files.content_path(), utility.CurrentSlots());
-  if (!written) {
-    complain(shown + ": what was written doesn't read back as the same document" + kNothingWritten);
-    return kTrouble;
-  }
+  if (!written) return trouble("what was written doesn't read back as the same document");
   try {
-    if (!log.empty()) write_log(log_files, log, machine.locale().Encode(message));
+    if (!targets->log.empty()) write_log(log_files, targets->log, machine.locale().Encode(message));
     output_files.commit();
   } catch (const ServiceError& error) {
-    complain(error.what() + std::string(kNothingWritten));
-    return kTrouble;
+    return trouble(error.what());
   }
   progress.show({});
 
@@ -191,12 +199,12 @@ ExitStatus recover(const Settings& settings, const RecoveryTask& task) {
       account_for_recovery(before, state_of(utility, machine.locale()), utility.LastParts(), *written, bytes);
   if (utility.LastDamage()) complain(task.file + ": " + damage_text(*utility.LastDamage()));
   if (task.json) {
-    print_json(task, shown, account, message, utility.LastDamage());
+    print_json(task, output, account, message, utility.LastDamage());
   } else {
     print(account);
-    std::cout << shown << std::endl;
+    std::cout << output << std::endl;
   }
-  if (!log.empty()) log_files.commit();
+  if (!targets->log.empty()) log_files.commit();
   return account.nothing_lost ? kFine : kRemarkable;
 }
 

@@ -9,19 +9,6 @@ namespace {
 
 using namespace vtrfile;
 
-// What a damaged reading still has to deliver, taken from the whole file.
-void expect_sections_before(const Reading& reading, const std::string& whole, const std::vector<SectionPlace>& places,
-                            std::size_t damage_at, const std::string& what) {
-  for (const SectionPlace& place : places) {
-    if (place.end > damage_at) break;
-    const bool again = std::ranges::count(places, place.tag, &SectionPlace::tag) > 1;
-    if (!again) {
-      ASSERT_TRUE(section_bytes(reading, place.tag) == whole.substr(place.begin, place.end - place.begin))
-          << place.tag << ": " << what;
-    }
-  }
-}
-
 // The items of a list in front of the cut are those of the whole file.
 template <class Item, class Key>
 void expect_items_before(const Array<Item>& items, const Array<Item>& whole, std::string_view image, std::size_t cut,

@@ -130,20 +130,17 @@ TEST_F(RecoverCommand, AnOlderFileIsLostOnlyToACompleteOneAndAfterAYes) {
 }
 
 TEST_F(RecoverCommand, RefusesWhatItCannotRead) {
-  put("empty.vtr", "");
-  put("text.vtr", "not a document");
   HEADER_STRUCT header{.Version = text("01.02.00")};
   header.Spare = VarRun<5>(var("\x03\0\0\0\0\0\0\0\0\0\0\0\0\0"s).at());
   std::string broken = bytes_of(header);
   put("cut.vtr", broken.substr(0, broken.size() - 4));
   broken[broken.size() - 14] = '\x63';
   put("broken.vtr", broken);
-  for (const char* file : {"missing.vtr", "empty.vtr", "text.vtr", "cut.vtr", "broken.vtr", "."}) {
-    const Outcome run = vtrout("recover " + std::string(file) + " --output new.vtr");
-    EXPECT_EQ(run.status, 2) << file;
-    EXPECT_EQ(lines(run.err).size(), 1U) << run.err;
+  for (const char* file : {"cut.vtr", "broken.vtr"}) {
+    expect_refused("recover " + std::string(file) + " --output new.vtr", "without a header");
   }
-  EXPECT_EQ(files(), 4);
+  EXPECT_EQ(vtrout("recover missing.vtr --output new.vtr").status, 2);
+  EXPECT_EQ(files(), 2);
   put("noextension", sample("plant.vtr"));
   expect_refused("recover noextension", "give one with --output");
   EXPECT_EQ(vtrout("recover noextension --output n.vtr").status, 0);

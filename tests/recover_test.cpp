@@ -51,19 +51,6 @@ class Recover : public testing::Test {
   std::u16string message = u"given";
 };
 
-// Sections of which the new file must hold every bit: those that stand in front of `end`, each once in the file.
-void expect_sections_before(const Reading& reading, const std::string& whole, const std::vector<SectionPlace>& places,
-                            std::size_t end, const std::string& what) {
-  const bool old_format = whole.find("01.00.00") < 100;
-  for (const SectionPlace& place : places) {
-    if (place.end > end) break;
-    if (std::ranges::count(places, place.tag, &SectionPlace::tag) > 1 || (old_format && place.tag == "Schema"))
-      continue;
-    ASSERT_TRUE(section_bytes(reading, place.tag) == whole.substr(place.begin, place.end - place.begin))
-        << place.tag << ": " << what;
-  }
-}
-
 // The smallest sample is cut at every byte, of the large ones each at every seventeenth, but not at the same ones, and
 // around the end of each section.
 TEST_F(Recover, AFileCutAnywhereBringsBackEverySectionThatIsWhole) {
@@ -71,7 +58,8 @@ TEST_F(Recover, AFileCutAnywhereBringsBackEverySectionThatIsWhole) {
   for (const std::string& name : sample_names()) {
     if (name == "damaged/sick-lists.vtr") continue;  // sections of it are emptied
     const std::string whole = sample(name);
-    const auto places = section_places(whole);
+    auto places = section_places(whole);
+    if (name == "plant-old-format.vtr") places.erase(places.begin());  // its schema is upgraded
     std::vector<std::size_t> cuts;
     for (std::size_t cut = ++first % 17; cut < whole.size(); cut += whole.size() < 1000 ? 1 : 17) cuts.push_back(cut);
     for (const SectionPlace& place : places) cuts.insert(cuts.end(), {place.begin, place.end - 1, place.end});
@@ -85,52 +73,23 @@ TEST_F(Recover, AFileCutAnywhereBringsBackEverySectionThatIsWhole) {
 }
 
 TEST_F(Recover, DamageSparesTheSectionsBeforeItWhateverItIs) {
-  struct Damage {
-    const char* name;
-    void (*strike)(std::string& bytes, const SectionPlace& place);
-  };
-  const Damage damages[] = {
-      {"unknown tag", [](std::string& bytes, const SectionPlace& place) { bytes[place.tag_begin + 2] ^= 0x20; }},
-      {"unknown variant types and counts",
-       [](std::string& bytes, const SectionPlace& place) {
-         for (std::size_t at = place.begin; at < place.end; ++at) bytes[at] = '\x7F';
-       }},
-      {"the largest counts",
-       [](std::string& bytes, const SectionPlace& place) {
-         for (std::size_t at = bytes.find("\x01\0"s, place.begin); at < place.end - 6; at = bytes.find("\x01\0"s, at)) {
-           bytes.replace(at, 6, "\x01\0\xFF\xFF\xFF\xFF"s);
-           at += 6;
-         }
-       }},
-      {"bytes that are missing",
-       [](std::string& bytes, const SectionPlace& place) { bytes.erase((place.begin + place.end) / 2, 3); }},
-      {"a bit", [](std::string& bytes, const SectionPlace& place) { bytes[(place.begin + place.end) / 2] ^= 0x10; }},
-  };
   const std::string whole = sample("dense.vtr");
   const auto places = section_places(whole);
   ASSERT_EQ(places.size(), 14U);
   for (const SectionPlace& place : places) {
-    for (const Damage& damage : damages) {
-      std::string bytes = whole;
-      damage.strike(bytes, place);
+    const std::size_t middle = (place.begin + place.end) / 2;
+    std::vector<std::string> damaged(5, whole);
+    damaged[0][place.tag_begin + 2] ^= 0x20;                            // an unknown tag
+    damaged[1].replace(place.begin, 40, std::string(40, '\x7F'));       // counts and variant types out of this world
+    damaged[2].replace(middle, 10, "\x01\0\xFF\xFF\xFF\xFF\1\0\0\0"s);  // a list of four thousand million items
+    damaged[3].erase(middle, 3);
+    damaged[4][middle] ^= 0x10;
+    for (const std::string& bytes : damaged) {
+      const std::string what = place.tag + ", damage " + std::to_string(&bytes - damaged.data());
       read(bytes);
-      const std::string what = place.tag + ", " + damage.name;
-      const Reading reading = recovered(what);
-      expect_sections_before(reading, whole, places, place.tag_begin, what);
+      expect_sections_before(recovered(what), whole, places, place.tag_begin, what);
     }
   }
-}
-
-TEST_F(Recover, ABrokenItemIsKeptAsFarAsItGoesWithAllBeforeIt) {
-  const std::string item = bytes_of(FIELD_MATCH_ITEM_STRUCT{.Key = text("key")});
-  read(FileBuilder()
-           .tag("TarvelFieldMatchHeader")
-           .raw("\x01\0\x03\0\0\0\x01\0\0\0"s + item + item.substr(0, 9) + "\x63\0"s + item)
-           .bytes());
-  ASSERT_EQ(utility->LastDamage()->path(), "TarvelFieldMatchHeader/Items[2]/Spare[2]");
-  const Reading reading = recovered("");
-  EXPECT_EQ(reading.current.FieldMatches->Items.size(), 3);
-  EXPECT_EQ(bytes_of(reading.current.FieldMatches->Items.at(2)), item);
 }
 
 TEST_F(Recover, TheHeaderSaysWhenAndWhereAndKeepsTheRest) {

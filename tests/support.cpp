@@ -153,4 +153,14 @@ std::vector<SectionPlace> section_places(std::string_view bytes) {
   return places;
 }
 
+void expect_sections_before(const Reading& reading, const std::string& whole, const std::vector<SectionPlace>& places,
+                            std::size_t damage_at, const std::string& what) {
+  for (const SectionPlace& place : places) {
+    if (place.end > damage_at) break;
+    if (std::ranges::count(places, place.tag, &SectionPlace::tag) > 1) continue;
+    ASSERT_TRUE(section_bytes(reading, place.tag) == whole.substr(place.begin, place.end - place.begin))
+        << place.tag << ": " << what;
+  }
+}
+
 }  // namespace trvtrout::tests

@@ -95,4 +95,8 @@ struct SectionPlace {
 };
 std::vector<SectionPlace> section_places(std::string_view bytes);
 
+// Holds the sections that end in front of `damage_at` to those of the whole file, but for the ones that occur twice.
+void expect_sections_before(const Reading& reading, const std::string& whole, const std::vector<SectionPlace>& places,
+                            std::size_t damage_at, const std::string& what);
+
 }  // namespace trvtrout::tests
