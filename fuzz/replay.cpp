@@ -8,8 +8,8 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-// Puts documents through a fuzz target without the fuzzer: each VTR file of the folders named, whole, cut at some
-// places, with some bytes changed, and beside every other one. A target that finds a fault aborts.
+// Puts seeds through a fuzz target without the fuzzer: each file in the folders named, whole, cut at some places, with
+// some bytes changed, and beside every other one. A target that finds a fault aborts.
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
@@ -30,24 +30,24 @@ void put_through_damaged(Bytes bytes) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::vector<Bytes> documents;
+  std::vector<Bytes> seeds;
   for (int number = 1; number < argc; ++number) {
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(argv[number])) {
-      if (!entry.is_regular_file() || entry.path().extension() != ".vtr") continue;
+    for (const auto& entry : std::filesystem::directory_iterator(argv[number])) {
+      if (!entry.is_regular_file()) continue;
       std::ifstream file(entry.path(), std::ios::binary);
-      documents.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+      seeds.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
     }
   }
-  for (const Bytes& document : documents) {
-    put_through(document);
-    put_through_damaged(document);
-    for (const Bytes& other : documents) {
-      Bytes pair = document;
+  for (const Bytes& seed : seeds) {
+    put_through(seed);
+    put_through_damaged(seed);
+    for (const Bytes& other : seeds) {
+      Bytes pair = seed;
       for (const char mark : std::string("#second#")) pair.push_back(static_cast<std::uint8_t>(mark));
       pair.insert(pair.end(), other.begin(), other.end());
       put_through(pair);
     }
   }
-  std::cout << documents.size() << " documents\n";
-  return documents.empty() ? 1 : 0;
+  std::cout << seeds.size() << " seeds\n";
+  return seeds.empty() ? 1 : 0;
 }
