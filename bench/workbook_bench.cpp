@@ -4,6 +4,7 @@
 #include "bench/measure.h"
 #include "platform/files/path.h"
 #include "platform/spreadsheet/text/comma_text.h"
+#include "platform/spreadsheet/workbook_file.h"
 
 namespace trvtrout::bench {
 namespace {
