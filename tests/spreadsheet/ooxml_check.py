@@ -89,8 +89,8 @@ def check(old, new):
     before, after = load_workbook(old), load_workbook(new)
     active = before.sheetnames.index(before.active.title)
     assert after.sheetnames == before.sheetnames[:active] + [NAME] + before.sheetnames[active:], after.sheetnames
-    for view in before.views:
-        assert (after.views[0].firstSheet or 0) == min(view.firstSheet or 0, active)
+    for old_view, new_view in zip(before.views, after.views):
+        assert (new_view.firstSheet or 0) == min(old_view.firstSheet or 0, active)
     assert after.active.title == NAME and after.epoch == before.epoch
     assert [sheet.title for sheet in after.worksheets if sheet.sheet_view.tabSelected] == [NAME]
     old_names, new_names = named(before), named(after)
