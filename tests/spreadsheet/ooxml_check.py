@@ -28,7 +28,7 @@ def unchanged(part, text):
         text = re.sub(rf'<(\w+:)?sheet [^<]*name="{NAME}"[^<]*/>', "", text)
         text = re.sub(rf"""<(\w+:)?definedName name="_xlnm._FilterDatabase" localSheetId="\d+" hidden="1">'{NAME}'"""
                       r"!\$A\$1:\$A\$3</(\w+:)?definedName>", "", text)
-        return re.sub(r"""((activeTab|localSheetId)=["'])\d+""", r"\1N", re.sub("<definedNames ?(/>|></definedNames>)", "", text))
+        return re.sub(r"""((activeTab|firstSheet|localSheetId)=["'])\d+""", r"\1N", re.sub("<definedNames ?(/>|></definedNames>)", "", text))
     return re.sub(r'<(\w+:)?(Override|Relationship) [^<]*"(/xl/)?(worksheets/sheet\d+|styles)\.xml"[^<]*/>', "", text)
 
 
@@ -89,6 +89,8 @@ def check(old, new):
     before, after = load_workbook(old), load_workbook(new)
     active = before.sheetnames.index(before.active.title)
     assert after.sheetnames == before.sheetnames[:active] + [NAME] + before.sheetnames[active:], after.sheetnames
+    for old_view, new_view in zip(before.views, after.views):
+        assert (new_view.firstSheet or 0) == min(old_view.firstSheet or 0, active)
     assert after.active.title == NAME and after.epoch == before.epoch
     assert [sheet.title for sheet in after.worksheets if sheet.sheet_view.tabSelected] == [NAME]
     old_names, new_names = named(before), named(after)

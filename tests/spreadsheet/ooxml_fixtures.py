@@ -35,6 +35,7 @@ def rich():
     book.defined_names.append(DefinedName("Here", attr_text="First!$C$1", localSheetId=0))
     book.defined_names.append(DefinedName("There", attr_text="Hidden!$A$1", localSheetId=2))
     book.active = 1
+    book.views[0].firstSheet = 3
     for sheet in first, second:
         sheet.sheet_view.tabSelected = True
     book.save(folder / "rich.xlsx")

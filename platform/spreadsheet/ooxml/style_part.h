@@ -15,7 +15,7 @@ namespace trvtrout::spreadsheet::ooxml {
 // Items of one kind that the workbook numbers from 0. Items are told apart by how they're written.
 class StyleList {
  public:
-  // `space` is the prefix that elements are written with.
+  // Of the elements `item` in the element `list`, which may be missing.
   StyleList(XmlPart& part, std::string_view list, std::string_view item);
 
   const std::vector<std::string>& items() const { return items_; }

@@ -14,7 +14,7 @@ namespace trvtrout::spreadsheet::ooxml {
 namespace {
 
 constexpr int kDeepest = 256;
-constexpr int kMostAttributes = 200;
+constexpr int kMostAttributes = 64;
 constexpr std::string_view kBlanks = " \t\r\n";
 
 // Bounds what a lookup costs and how deep a recursion goes.
