@@ -137,11 +137,11 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
     std::u16string report;
     const Boolean written = (utility.*part.compare)(primary, secondary, report);
     PartResult& result = results.emplace_back(PartResult{part.name, bool(written), {}, utility.LastCounts(), {}, {}});
-    const bool moved = !written || sheets.take(utility, part, report);
+    result.written = written && sheets.take(utility, part, report);
     progress.show({});
     if (output == Output::kFiles) result.report = platform::machine_path(report);
     if (!written) complain_of_part("comparison of", part.name, report, utility.LastFailure());
-    if (!written || !moved) {
+    if (!result.written) {
       status = kTrouble;
     } else if (status == kFine && result.different()) {
       status = kRemarkable;
