@@ -18,6 +18,8 @@ using namespace biff8;
 namespace {
 
 constexpr std::u16string_view kStream = u"Workbook";
+// Far more than a program shows; sheets are counted in 16 bits, of which the last values have meanings of their own.
+constexpr std::size_t kMostSheets = 0x7FFF;
 
 // What an OLE2 file must not have beside its workbook, and why.
 struct Forbidden {
@@ -181,6 +183,7 @@ void Biff8Workbook::mend_sheets(std::string& stream, const Move& move) const {
 }
 
 std::string Biff8Workbook::with_sheet(const Sheet& sheet) const {
+  if (names_.size() >= kMostSheets) throw WorkbookError("it has no room for another sheet");
   Globals globals = globals_;
   const std::size_t before = position(), sheets = names_.size() + 1;
   SheetSurroundings around{.bof = globals_.records.front().body,

@@ -88,10 +88,14 @@ struct Record {
   std::uint16_t type;
   std::string body;
 
-  std::uint16_t u16(std::size_t at) const { return get<std::uint16_t>(body, at); }
-  std::uint32_t u32(std::size_t at) const { return get<std::uint32_t>(body, at); }
-  void set16(std::size_t at, std::size_t value) { put(body, at, static_cast<std::uint16_t>(value)); }
-  void set32(std::size_t at, std::size_t value) { put(body, at, static_cast<std::uint32_t>(value)); }
+  // Numbers in the body. Raise WorkbookError, with the type, where it is too short for them.
+  std::uint16_t u16(std::size_t at) const;
+  std::uint32_t u32(std::size_t at) const;
+  void set16(std::size_t at, std::size_t value);
+  void set32(std::size_t at, std::size_t value);
+
+ private:
+  void check(std::size_t end) const;
 };
 
 void append_record(std::string& stream, const Record& record);

@@ -30,7 +30,6 @@ class SheetWriter {
   }
 
   std::string write() {
-    out_ = ByteWriter(std::string());
     head();
     for (std::size_t row = 0; row < sheet_.rows(); row += kRowsInBlock)
       block(row, std::min(row + kRowsInBlock, sheet_.rows()));
