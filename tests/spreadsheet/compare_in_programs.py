@@ -31,8 +31,8 @@ def sheets_of(path):
         cells = [[(cell.value, values[sheet.title][cell.coordinate].value) for cell in row] for row in sheet.iter_rows()]
         sheets[sheet.title] = (cells, sheet.auto_filter.ref, sheet.freeze_panes, sheet.sheet_state, sheet.print_area,
                                len(sheet._charts))
-    names = sorted((name.name, name.attr_text, formulas.sheetnames[name.localSheetId]
-                    if name.localSheetId is not None else None) for name in formulas.defined_names.definedName)
+    names = sorted(((name.name, name.attr_text, formulas.sheetnames[name.localSheetId]
+                    if name.localSheetId is not None else None) for name in formulas.defined_names.definedName), key=str)
     return sheets, names, formulas.active.title
 
 
