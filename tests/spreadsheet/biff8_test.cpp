@@ -28,10 +28,10 @@ class Biff8 : public testing::Test {
   bool python(const std::string& script, const std::string& arguments) const {
     return run("cd '" + folder_.at("") + "' && " + kPython + script + "' " + arguments);
   }
-  static bool has_program(const std::string& name) { return run("command -v " + name + " >/dev/null"); }
 
   std::vector<std::string> fixtures() {
     EXPECT_TRUE(python("make_biff8_fixtures.py", "."));
+    has_all_programs_ = run("command -v soffice ssconvert >/dev/null");
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(folder_.at("")))
       if (entry.path().extension() == ".xls") names.push_back(entry.path().filename().string());
@@ -46,6 +46,7 @@ class Biff8 : public testing::Test {
   }
 
   fakes::TemporaryFolder folder_;
+  bool has_all_programs_ = false;
 };
 
 std::string workbook_stream(const std::string& bytes) { return CompoundFile(bytes).stream(u"Workbook"); }
@@ -155,6 +156,8 @@ TEST_F(Biff8, AWorkbookGetsASheetAndNothingElseInItChanges) {
       EXPECT_EQ(parts_of(workbook_stream(once)).globals.all(type).size(),
                 parts_of(workbook_stream(twice)).globals.all(type).size());
   }
+  if (!has_all_programs_)
+    GTEST_SKIP() << "a spreadsheet program is missing; the workbooks of the others came out right";
 }
 
 TEST_F(Biff8, AnEmptyWorkbookGetsItsFirstSheets) {
@@ -178,8 +181,8 @@ TEST_F(Biff8, AnEmptyWorkbookGetsItsFirstSheets) {
 
 // Formulas across sheets, names, filters: as two spreadsheet programs see them before and after.
 TEST_F(Biff8, SpreadsheetProgramsReadTheSame) {
-  if (!has_program("soffice") || !has_program("ssconvert")) GTEST_SKIP() << "a spreadsheet program is missing";
   fixtures();
+  if (!has_all_programs_) GTEST_SKIP() << "a spreadsheet program is missing";
   for (const char* name : {"everything.xls", "sectors-of-4096.xls", "mini.xls"}) {
     folder_.put("after.xls",
                 open_biff8(fakes::get_file(path(name)))->with_sheet(tests::sheet_of_all_kinds("It's new")));
@@ -205,16 +208,11 @@ std::string with_record(std::uint16_t type, std::string_view body) {
   return changed([&](Globals& globals) { globals.insert(1, {type, std::string(body)}); });
 }
 
-// The workbook in an OLE2 file in which another stream, or the workbook itself, has another name.
-std::string renamed(std::u16string_view to) {
-  const std::string stream = workbook_stream(changed([](Globals&) {}));
-  return compound_file_of(to, stream);
-}
-
 TEST_F(Biff8, RefusesWhatItCannotChangeWithoutHarm) {
   using namespace std::string_literals;
   const std::string good = changed([](Globals&) {});
   ASSERT_NO_THROW(open_biff8(good)->with_sheet(tests::sheet_of_all_kinds("Two")));
+  const auto renamed = [&good](std::u16string_view to) { return compound_file_of(to, workbook_stream(good)); };
   const auto first_bound = [](Globals& globals) -> Record& { return globals.records[globals.all(kBoundSheet)[0]]; };
   const struct {
     std::string bytes;

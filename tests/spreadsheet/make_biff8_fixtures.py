@@ -61,20 +61,15 @@ def ole2(streams, shift=9):
 
 def several_sheets():
     book = xlwt.Workbook()
-    for name in ("Numbers", "Übersicht", "Third"):
-        book.add_sheet(name)
-    numbers, overview, third = (book.get_sheet(index) for index in range(3))
+    numbers, overview, third = (book.add_sheet(name) for name in ("Numbers", "Übersicht", "Third"))
     for row in range(40):
         numbers.write(row, 0, row + 0.5)
     overview.write(0, 0, xlwt.Formula("SUM(Numbers!A1:A40)"))
     overview.write(1, 0, xlwt.Formula("Third!A1*2"))
     third.write(0, 0, 21)
     third.write(1, 0, xlwt.Formula("Numbers!A2&\"x\""))
-    bold = xlwt.easyxf("font: bold on, colour red; align: horiz right", num_format_str="0.000")
-    third.write(2, 0, 1.5, bold)
-    for sheet in (numbers, third):
-        sheet.set_selected(True)
-    overview.set_selected(True)
+    third.write(2, 0, 1.5, xlwt.easyxf("font: bold on, colour red; align: horiz right", num_format_str="0.000"))
+    numbers.selected = third.selected = True
     book.set_active_sheet(1)
     return book
 
@@ -168,32 +163,24 @@ def picture(path):
             package.writestr(part, body)
 
 
-def main(folder):
-    def save(name, book):
-        book.save(os.path.join(folder, name))
-
-    save("sheets.xls", several_sheets())
-    save("texts.xls", texts_in_all_ways())
-    save("from-1904.xls", from_1904())
-    save("large.xls", beyond_seven_megabytes())
-    macros = {"_VBA_PROJECT": b"small", "Summary": bytes(range(256)) * 30}
-    small = xlwt.Workbook()
-    small.add_sheet("Small").write(0, 0, 1)
-    stream = small.get_biff_data()
-    for name, content, shift in (("mini.xls", small.get_biff_data(), 9),
-                                 ("sectors-of-4096.xls", several_sheets().get_biff_data(), 12)):
-        with open(os.path.join(folder, name), "wb") as file:
-            file.write(ole2({"Workbook": content, **macros}, shift))
-    if shutil.which("soffice"):
-        everything(os.path.join(folder, "everything.xlsx"))
-        picture(os.path.join(folder, "picture.ods"))
-        subprocess.run(["soffice", "-env:UserInstallation=file://" + os.path.abspath(folder) + "/profile", "--headless",
-                        "--convert-to", "xls", "--outdir", folder, os.path.join(folder, "everything.xlsx"),
-                        os.path.join(folder, "picture.ods")],
-                       check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-        if shutil.which("ssconvert"):
-            subprocess.run(["ssconvert", os.path.join(folder, "everything.xlsx"), os.path.join(folder, "rows-in-blocks.xls")],
-                           check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+def run(*command):
+    subprocess.run(command, check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
-main(sys.argv[1])
+os.chdir(sys.argv[1])
+for name, book in (("sheets.xls", several_sheets()), ("texts.xls", texts_in_all_ways()),
+                   ("from-1904.xls", from_1904()), ("large.xls", beyond_seven_megabytes())):
+    book.save(name)
+small = xlwt.Workbook()
+small.add_sheet("Small").write(0, 0, 1)
+macros = {"_VBA_PROJECT": b"small", "Summary": bytes(range(256)) * 30}
+for name, book, shift in (("mini.xls", small, 9), ("sectors-of-4096.xls", several_sheets(), 12)):
+    with open(name, "wb") as file:
+        file.write(ole2({"Workbook": book.get_biff_data(), **macros}, shift))
+everything("everything.xlsx")
+picture("picture.ods")
+if shutil.which("soffice"):
+    run("soffice", "-env:UserInstallation=file://" + os.path.abspath("profile"), "--headless", "--convert-to", "xls",
+        "everything.xlsx", "picture.ods")
+if shutil.which("ssconvert"):
+    run("ssconvert", "everything.xlsx", "rows-in-blocks.xls")

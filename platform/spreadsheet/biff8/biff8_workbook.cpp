@@ -1,6 +1,7 @@
 #include "platform/spreadsheet/biff8/biff8_workbook.h"
 
 #include <algorithm>
+#include <iterator>
 #include <utility>
 
 #include "platform/spreadsheet/biff8/compound_file.h"
@@ -18,6 +19,8 @@ using namespace biff8;
 namespace {
 
 constexpr std::u16string_view kStream = u"Workbook";
+// Far more than a program shows; sheets are counted in 16 bits, of which the last values have meanings of their own.
+constexpr std::size_t kMostSheets = 0x7FFF;
 
 // What an OLE2 file must not have beside its workbook, and why.
 struct Forbidden {
@@ -49,11 +52,16 @@ struct Substream {
   std::size_t begin;
   std::vector<RecordView> windows, indices;
   std::uint16_t row_height = kUsualRowHeight;
+  std::string settings;  // the records of calculation settings
 };
+
+constexpr std::uint16_t kCalculation[] = {kCalcCount, kCalcMode, kRefMode, kDelta, kIteration, kSaveRecalc};
 
 void note(Substream& sheet, const RecordView& record) {
   if (record.type == kWindow2) sheet.windows.push_back(record);
   if (record.type == kIndex) sheet.indices.push_back(record);
+  if (std::ranges::find(kCalculation, record.type) != std::end(kCalculation))
+    append_record(sheet.settings, {record.type, std::string(record.body)});
   // A height that holds for hidden or specially set rows is no model for other sheets.
   if (record.type == kDefaultRowHeight && record.body.size() >= 4 && (get<std::uint16_t>(record.body, 0) & 3) == 0)
     sheet.row_height = std::clamp<std::uint16_t>(get<std::uint16_t>(record.body, 2), 2, 8192);
@@ -105,6 +113,7 @@ class Biff8Workbook : public WorkbookFile {
   };
 
   void read_sheets();
+  std::string_view settings() const;
   std::size_t position() const;
   void add_bound_sheet(Globals& globals, const Sheet& sheet) const;
   void mend_places(Globals& globals, const Move& move) const;
@@ -141,6 +150,12 @@ std::size_t Biff8Workbook::position() const {
   const auto windows = globals_.all(kWindow1);
   const std::size_t active = windows.empty() ? 0 : globals_.records[windows[0]].u16(kActiveSheet);
   return active < names_.size() ? active : 0;
+}
+
+// They are the workbook's, so all sheets have the same; a chart sheet has none.
+std::string_view Biff8Workbook::settings() const {
+  const auto found = std::ranges::find_if(sheets_, [](const Substream& sheet) { return !sheet.settings.empty(); });
+  return found == sheets_.end() ? std::string_view() : found->settings;
 }
 
 void Biff8Workbook::add_bound_sheet(Globals& globals, const Sheet& sheet) const {
@@ -181,11 +196,13 @@ void Biff8Workbook::mend_sheets(std::string& stream, const Move& move) const {
 }
 
 std::string Biff8Workbook::with_sheet(const Sheet& sheet) const {
+  if (names_.size() >= kMostSheets) throw WorkbookError("it has no room for another sheet");
   Globals globals = globals_;
   const std::size_t before = position(), sheets = names_.size() + 1;
   SheetSurroundings around{.bof = globals_.records.front().body,
                            .xfs = add_styles(globals, sheet.styles),
                            .row_height = names_.empty() ? kUsualRowHeight : sheets_[before].row_height,
+                           .settings = settings(),
                            .windows = std::max<std::size_t>(1, globals.all(kWindow1).size()),
                            .drawing = {}};
   add_bound_sheet(globals, sheet);

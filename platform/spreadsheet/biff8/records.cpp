@@ -1,6 +1,8 @@
 #include "platform/spreadsheet/biff8/records.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 
 namespace trvtrout::spreadsheet::biff8 {
 
@@ -12,6 +14,33 @@ RecordView record_at(std::string_view stream, std::size_t at) {
   if (stream.size() - at - kRecordHead < length)
     raise_damaged("the record at byte " + std::to_string(at) + " of the stream Workbook is cut off");
   return {type, at, stream.substr(at + kRecordHead, length)};
+}
+
+void Record::check(std::size_t end) const {
+  if (body.size() >= end) return;
+  std::array<char, 4> number{};
+  char* number_end = std::to_chars(number.begin(), number.end(), type, 16).ptr;
+  raise_damaged("a record of the type " + std::string(number.begin(), number_end) + "h in it is too short");
+}
+
+std::uint16_t Record::u16(std::size_t at) const {
+  check(at + sizeof(std::uint16_t));
+  return get<std::uint16_t>(body, at);
+}
+
+std::uint32_t Record::u32(std::size_t at) const {
+  check(at + sizeof(std::uint32_t));
+  return get<std::uint32_t>(body, at);
+}
+
+void Record::set16(std::size_t at, std::size_t value) {
+  check(at + sizeof(std::uint16_t));
+  put(body, at, static_cast<std::uint16_t>(value));
+}
+
+void Record::set32(std::size_t at, std::size_t value) {
+  check(at + sizeof(std::uint32_t));
+  put(body, at, static_cast<std::uint32_t>(value));
 }
 
 void append_record(std::string& stream, const Record& record) {

@@ -14,12 +14,21 @@ namespace trvtrout::spreadsheet::biff8 {
 
 enum RecordType : std::uint16_t {
   kEof = 0x000A,
+  kCalcCount = 0x000C,
+  kCalcMode = 0x000D,
+  kRefMode = 0x000F,
+  kDelta = 0x0010,
+  kIteration = 0x0011,
   kProtect = 0x0012,
+  kHeader = 0x0014,
+  kFooter = 0x0015,
   kExternSheet = 0x0017,
   kName = 0x0018,
   kSelection = 0x001D,
   kDateMode = 0x0022,
   kExternName = 0x0023,
+  kPrintHeaders = 0x002A,
+  kPrintGridLines = 0x002B,
   kFilePass = 0x002F,
   kFont = 0x0031,
   kContinue = 0x003C,
@@ -30,12 +39,18 @@ enum RecordType : std::uint16_t {
   kCrn = 0x005A,
   kFileSharing = 0x005B,
   kObj = 0x005D,
+  kSaveRecalc = 0x005F,
   kColInfo = 0x007D,
+  kGuts = 0x0080,
   kWsBool = 0x0081,
+  kGridSet = 0x0082,
+  kHorizontalCenter = 0x0083,
+  kVerticalCenter = 0x0084,
   kBoundSheet = 0x0085,
   kCountry = 0x008C,
   kPalette = 0x0092,
   kAutoFilterInfo = 0x009D,
+  kSetup = 0x00A1,
   kXf = 0x00E0,
   kMsoDrawingGroup = 0x00EB,
   kMsoDrawing = 0x00EC,
@@ -44,6 +59,7 @@ enum RecordType : std::uint16_t {
   kExtSst = 0x00FF,
   kTabId = 0x013D,
   kSupBook = 0x01AE,
+  kRecalcId = 0x01C1,
   kDimensions = 0x0200,
   kBlank = 0x0201,
   kNumber = 0x0203,
@@ -57,6 +73,7 @@ enum RecordType : std::uint16_t {
   kFormat = 0x041E,
   kBof = 0x0809,
   kRealTimeData = 0x0813,
+  kHeaderPicture = 0x0866,
   kXfCrc = 0x087C,
   kXfExt = 0x087D,
   kStyleExt = 0x0892,
@@ -88,10 +105,14 @@ struct Record {
   std::uint16_t type;
   std::string body;
 
-  std::uint16_t u16(std::size_t at) const { return get<std::uint16_t>(body, at); }
-  std::uint32_t u32(std::size_t at) const { return get<std::uint32_t>(body, at); }
-  void set16(std::size_t at, std::size_t value) { put(body, at, static_cast<std::uint16_t>(value)); }
-  void set32(std::size_t at, std::size_t value) { put(body, at, static_cast<std::uint32_t>(value)); }
+  // Numbers in the body. Raise WorkbookError, with the type, where it is too short for them.
+  std::uint16_t u16(std::size_t at) const;
+  std::uint32_t u32(std::size_t at) const;
+  void set16(std::size_t at, std::size_t value);
+  void set32(std::size_t at, std::size_t value);
+
+ private:
+  void check(std::size_t end) const;
 };
 
 void append_record(std::string& stream, const Record& record);

@@ -30,7 +30,6 @@ class SheetWriter {
   }
 
   std::string write() {
-    out_ = ByteWriter(std::string());
     head();
     for (std::size_t row = 0; row < sheet_.rows(); row += kRowsInBlock)
       block(row, std::min(row + kRowsInBlock, sheet_.rows()));
@@ -51,13 +50,30 @@ class SheetWriter {
     std::string bof(around_.bof);
     put(bof, 2, kSheetSubstream);
     record(kBof, bof.size()).raw(bof);
+    out_.raw(around_.settings);
+    record(kPrintHeaders, 2).u16(0);
+    record(kPrintGridLines, 2).u16(0);
+    record(kGridSet, 2).u16(1);
+    record(kGuts, 8).zeros(8);
     record(kDefaultRowHeight, 4).u16(0).u16(around_.row_height);
     record(kWsBool, 2).u16(0x04C1);
+    page();
     record(kDefColWidth, 2).u16(8);
     for (const ColumnFormat& format : sheet_.columns) column(format);
     if (around_.drawing) record(kAutoFilterInfo, 2).u16(1);
     record(kDimensions, 14).u32(0).u32(static_cast<std::uint32_t>(sheet_.rows()));
     out_.u16(0).u16(static_cast<std::uint16_t>(widest_row_)).u16(0);
+  }
+
+  void page() {
+    constexpr std::uint16_t kNoPrinter = 0x0004, kUnscaled = 255;
+    constexpr double kMargin = 0.5;
+    record(kHeader, 0);
+    record(kFooter, 0);
+    record(kHorizontalCenter, 2).u16(0);
+    record(kVerticalCenter, 2).u16(0);
+    record(kSetup, 34).u16(0).u16(kUnscaled).u16(1).u16(1).u16(1).u16(kNoPrinter).u32(0);
+    out_.f64(kMargin).f64(kMargin).u16(1);
   }
 
   void column(const ColumnFormat& format) {

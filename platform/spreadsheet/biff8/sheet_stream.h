@@ -21,6 +21,7 @@ struct SheetSurroundings {
   std::string_view bof;            // the body of the workbook's BOF
   std::vector<std::uint16_t> xfs;  // the cell format of each style
   std::uint16_t row_height;        // in twips
+  std::string_view settings;       // the records of calculation settings, which each sheet repeats
   std::size_t windows;             // in which the sheet is shown
   std::optional<Drawing> drawing;  // of the filter's drop-down
 };
