@@ -106,6 +106,12 @@ TEST(Memory, StaysInProportionForHostileFiles) {
   EXPECT_LE(peak_of_reading(files[0].second), std::size_t{64} << 10) << "refused at once";
 }
 
+// What a cut file only announced becomes bytes of the new file, but not all of them at once.
+TEST(Memory, ARecoveryTakesNoRoomForItemsThatAreNotThere) {
+  const std::string bytes = FileBuilder().tag("Language").bytes() + "\0\0\0\0"s + list(100'000);
+  EXPECT_LE(peak_of_recovering(bytes), std::size_t{1} << 20);
+}
+
 // What a damaged file left announced must not become bytes when the next one is of the old format.
 TEST(Memory, AnUpgradeTakesNoRoomForItemsThatAreNotThere) {
   SCHEMA_STRUCT schema{};
