@@ -75,6 +75,7 @@ Substream read_substream(std::string_view stream, std::size_t begin, std::size_t
     if (at >= limit) raise_damaged("a sheet in it has no end");
     const RecordView record = record_at(stream, at);
     if (at == begin && record.type != kBof) raise_damaged("a sheet in it has no begin");
+    if (record.end() > limit) raise_damaged("a sheet in it reaches into another one");
     if (record.type == kBof) ++depth;
     if (record.type == kEof) --depth;
     if (depth == 1) note(sheet, record);
