@@ -276,6 +276,19 @@ TEST_F(Biff8, TheChecksumOfCellFormatsFollowsUnlessItWasWrong) {
   EXPECT_NE(after.u32(16), right);
 }
 
+// A table of 109 sectors is listed in the header, and one of 127 more in each further sector.
+TEST_F(Biff8, AnOle2FileKeepsItsStreamWhereTheTableGrows) {
+  for (const std::size_t table_sectors : {1, 109, 236}) {
+    for (std::size_t missing = 0; missing < 8; ++missing) {
+      std::string content((128 * table_sectors - missing) * 512 + missing, 'a');
+      const std::string file = compound_file_of(u"Workbook", content);
+      ASSERT_TRUE(workbook_stream(file) == content) << table_sectors << " less " << missing;
+      content += std::string(5000, 'b');
+      ASSERT_TRUE(workbook_stream(CompoundFile(file).with_stream(u"Workbook", content)) == content);
+    }
+  }
+}
+
 TEST_F(Biff8, ADamagedWorkbookIsRefusedOrStaysWhole) {
   std::mt19937 random(7);
   const auto any = [&random](std::size_t below) { return random() % below; };

@@ -75,6 +75,7 @@ Substream read_substream(std::string_view stream, std::size_t begin, std::size_t
     if (at >= limit) raise_damaged("a sheet in it has no end");
     const RecordView record = record_at(stream, at);
     if (at == begin && record.type != kBof) raise_damaged("a sheet in it has no begin");
+    if (record.end() > limit) raise_damaged("a sheet in it reaches into another one");
     if (record.type == kBof) ++depth;
     if (record.type == kEof) --depth;
     if (depth == 1) note(sheet, record);
@@ -168,10 +169,10 @@ void Biff8Workbook::add_bound_sheet(Globals& globals, const Sheet& sheet) const 
 
 void Biff8Workbook::mend_places(Globals& globals, const Move& move) const {
   const auto sheets = globals.all(kBoundSheet);
+  const std::size_t added = position();
   for (std::size_t each = 0; each < sheets.size(); ++each) {
     Record& record = globals.records[sheets[each]];
-    const bool is_new = each == position();
-    record.set32(kPlace, is_new ? move(move.inserted_at) - move.inserted : move(record.u32(kPlace)));
+    record.set32(kPlace, each == added ? move(move.inserted_at) - move.inserted : move(record.u32(kPlace)));
   }
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/spreadsheet/biff8/records.h"
@@ -20,7 +21,10 @@ struct Globals {
   std::size_t place_for(std::uint16_t type) const;
   void insert(std::size_t index, Record record);
   // Puts a record behind those of its type.
-  void append(Record record) { insert(place_for(record.type), std::move(record)); }
+  void append(Record record) {
+    const std::size_t place = place_for(record.type);
+    insert(place, std::move(record));
+  }
   // The body of a record with the CONTINUE records behind it; and the way back.
   std::string whole_body(std::size_t index) const;
   void set_whole_body(std::size_t index, std::string_view body);

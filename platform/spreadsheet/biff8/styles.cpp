@@ -146,6 +146,7 @@ std::vector<std::uint16_t> add_styles(Globals& globals, const std::vector<CellSt
   const bool was_right = !stored().empty() && globals.records[stored()[0]].u32(kXfChecksum) == checksum(globals);
   Styles table(globals);
   std::vector<std::uint16_t> numbers;
+  numbers.reserve(styles.size());
   for (const CellStyle& style : styles) numbers.push_back(table.number(style));
   if (was_right) {
     Record& record = globals.records[stored()[0]];
