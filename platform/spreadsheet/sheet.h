@@ -66,6 +66,10 @@ struct ColumnFormat {
   double width;         // in digits of the normal font; 0 for the default width
 };
 
+// The width of a column as both workbook formats hold it: with the margins of its cells, in 256ths of a digit. 0 gives
+// the default width.
+std::uint16_t stored_width(double digits);
+
 // A sheet that is to be added to a workbook. Its cells hold views into its texts, so it can be moved and not copied.
 struct Sheet {
   Sheet() = default;

@@ -36,7 +36,7 @@ def check_new_sheet(book, expected):
             info = sheet.colinfo_map[index]
             check_style(book, info.xf_index, expected["styles"][column["style"]])
             if column["width"]:
-                assert info.width == round(column["width"] * 256)
+                assert info.width == (column["width"] * 7 + 5) / 7 * 256 // 1
     for row, cells in enumerate(expected["rows"]):
         for column, (kind, value, style) in enumerate(cells):
             if kind == "skipped":

@@ -10,8 +10,6 @@ namespace trvtrout::spreadsheet::biff8 {
 namespace {
 
 constexpr std::size_t kRowsInBlock = 32;
-constexpr double kWidthUnit = 256;                 // parts of a digit's width
-constexpr std::uint16_t kUsualColumnWidth = 2340;  // in that unit: 64 pixels
 
 class SheetWriter {
  public:
@@ -78,12 +76,10 @@ class SheetWriter {
 
   void column(const ColumnFormat& format) {
     constexpr std::uint16_t kHasOwnWidth = 0x0002;
-    const bool is_usual = format.width <= 0;
-    const double width = std::min(std::round(format.width * kWidthUnit), 255 * kWidthUnit);
     record(kColInfo, 12).u16(static_cast<std::uint16_t>(format.first));
     out_.u16(static_cast<std::uint16_t>(last_column(format)));
-    out_.u16(is_usual ? kUsualColumnWidth : static_cast<std::uint16_t>(width)).u16(around_.xfs.at(format.style));
-    out_.u16(is_usual ? 0 : kHasOwnWidth).u16(0);
+    out_.u16(stored_width(format.width)).u16(around_.xfs.at(format.style));
+    out_.u16(format.width > 0 ? kHasOwnWidth : 0).u16(0);
   }
 
   // A cell that shows no more than its column would show without it isn't written.

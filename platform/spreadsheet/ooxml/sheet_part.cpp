@@ -14,10 +14,6 @@ namespace trvtrout::spreadsheet::ooxml {
 namespace {
 
 constexpr std::size_t kPieceSize = 65536;
-constexpr double kDefaultWidth = 8.43;
-
-// The format counts five pixels beside the digits, which are seven wide, in steps of 1/256.
-double written_width(double digits) { return std::trunc((digits * 7 + 5) / 7 * 256) / 256; }
 
 template <class Number>
 void append_number(std::string& out, Number number) {
@@ -120,7 +116,7 @@ void SheetWriter::append_columns() {
     piece_ += "<col min=\"" + std::to_string(format.first + 1) + "\" max=\"" + std::to_string(format.last + 1) + '"';
     piece_ += " width=\"";
     // A column that has a format can't be without a width.
-    append_number(piece_, written_width(format.width > 0 ? format.width : kDefaultWidth));
+    append_number(piece_, stored_width(format.width) / 256.0);
     piece_ += format.width > 0 ? "\" customWidth=\"1\"" : "\"";
     append_format(" style=\"", format.style);
     piece_ += "/>";
