@@ -122,5 +122,21 @@ TEST_F(WorkbookCommand, StatisticsMovesOneReport) {
             "bersicht', 'Languages']\n");
 }
 
+// Bytes of the code page come out as characters, and control characters as what they are.
+TEST_F(WorkbookCommand, TextsFollowTheCodePage) {
+  folder_.put("cyrillic.csv", "\xC4\xE0,\x01_x0041_\r\n");
+  for (const std::string workbook : {"w.xls", "w.xlsx"}) {
+    ASSERT_EQ(vtrout("report plant.vtr --part lang --workbook " + workbook), 0) << err_;
+    ASSERT_EQ(vtrout("statistics " + workbook + " cyrillic.csv New --code-page 1251"), 0) << err_;
+  }
+  ASSERT_EQ(run("/usr/bin/python3 -c \"import openpyxl, xlrd\nfrom openpyxl.utils.escape import unescape\n"
+                "one = xlrd.open_workbook('w.xls').sheet_by_name('New').row_values(0)\n"
+                "other = [unescape(cell.value) for cell in openpyxl.load_workbook('w.xlsx')['New'][1]]\n"
+                "print(ascii(one), ascii(other))\""),
+            0)
+      << err_;
+  EXPECT_EQ(out_, "['\\u0414\\u0430', '\\x01_x0041_'] ['\\u0414\\u0430', '\\x01_x0041_']\n");
+}
+
 }  // namespace
 }  // namespace trvtrout::tests
