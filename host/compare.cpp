@@ -8,6 +8,7 @@
 #include "host/workbook_target.h"
 #include "platform/files/path.h"
 #include "platform/text/utf8.h"
+#include "reports/guard.h"
 
 namespace trvtrout::host {
 namespace {
@@ -66,13 +67,13 @@ Json to_json(const PartResult& result) {
            {{"primary", to_json(result.repeated_in_primary)}, {"secondary", to_json(result.repeated_in_secondary)}}}};
 }
 
-void print_json(const ComparisonTask& task, const std::vector<PartResult>& results) {
+void print_json(const ComparisonTask& task, const std::vector<PartResult>& results, bool workbook_is_done) {
   Json parts = Json::object();
   for (const PartResult& result : results) parts[result.name] = to_json(result);
   const Json whole = {{"primary", task.primary},
                       {"secondary", task.secondary},
                       {"different", std::ranges::any_of(results, &PartResult::different)},
-                      {"workbook", task.workbook.empty() ? Json() : Json(task.workbook)},
+                      {"workbook", workbook_is_done ? Json(task.workbook) : Json()},
                       {"parts", parts}};
   show_json(whole);
 }
@@ -86,10 +87,11 @@ class ComparisonSheets {
     if (task.workbook.empty()) return;
     workbook_.emplace(task.workbook, parts_);
     std::ranges::reverse(parts_);  // each sheet comes in front of the one before
-    // Colouring asks for the primary document as the one last read.
-    if (task.color && !read_whole(machine, primary_, task.primary, False)) {
-      throw ServiceError(0, task.primary + " has changed while it was compared; try again");
-    }
+  }
+
+  // Colouring asks for the primary document as the one last read. False when it can't be read, which the user was told.
+  bool prepare(Machine& machine) {
+    return !workbook_ || !task_.color || read_whole(machine, primary_, task_.primary, False);
   }
 
   // In the order in which they are to be compared.
@@ -101,18 +103,26 @@ class ComparisonSheets {
                                         task_.color ? True : False);
     });
   }
-  // Completes the workbook, and puts the results into the order of the sheets.
-  void finish(std::vector<PartResult>& results) {
-    if (!workbook_) return;
-    workbook_->finish(!task_.json);
+  // Puts the results into the order of the sheets, and these into the workbook unless one is missing. The status of
+  // the whole then.
+  ExitStatus finish(std::vector<PartResult>& results, ExitStatus status) {
+    if (!workbook_) return status;
     std::ranges::reverse(results);
+    if (status == kTrouble) return left_as_it_was(task_.workbook);
+    is_done_ = guarded([&] { return workbook_->finish(), true; },
+                       [](const Failure& failure) { return complain(failure.what), false; });
+    if (!is_done_) return kTrouble;
+    if (!task_.json) std::cout << task_.workbook << std::endl;
+    return status;
   }
+  bool is_done() const { return is_done_; }
 
  private:
   const ComparisonTask& task_;
   std::vector<Part> parts_;
   TarvelVtrOut_InOut primary_;
   std::optional<WorkbookTarget> workbook_;
+  bool is_done_ = false;
 };
 
 }  // namespace
@@ -126,6 +136,7 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
     return kTrouble;
   }
   ComparisonSheets sheets(machine, task);
+  if (!sheets.prepare(machine)) return kTrouble;
   machine.speak_of(task.primary);  // whose name the reports bear
 
   ExitStatus status = kFine;
@@ -140,7 +151,9 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
     result.written = written && sheets.take(utility, part, report);
     progress.show({});
     if (output == Output::kFiles) result.report = platform::machine_path(report);
-    if (!written) complain_of_part("comparison of", part.name, report, utility.LastFailure());
+    // A text that is on its way into a workbook has no file of its own.
+    const std::u16string where = output == Output::kHeld ? u"" : report;
+    if (!written) complain_of_part("comparison of", part.name, where, utility.LastFailure());
     if (!result.written) {
       status = kTrouble;
     } else if (status == kFine && result.different()) {
@@ -153,9 +166,9 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
       std::cout << result.report << std::endl;
     }
   }
-  sheets.finish(results);
+  status = sheets.finish(results, status);
   if (task.json) {
-    print_json(task, results);
+    print_json(task, results, sheets.is_done());
   } else {
     print_table(task.summary ? std::cout : std::cerr, results);
   }

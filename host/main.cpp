@@ -39,9 +39,14 @@ void add_parts(CLI::App& command, std::vector<std::string>& parts) {
       ->allow_extra_args(false);
 }
 
+// A variable of the shell that isn't set mustn't stand for "no file".
+std::string require_name(const std::string& name) { return name.empty() ? "the name of a file is missing" : ""; }
+
 CLI::Option* add_workbook(CLI::App& command, std::string& workbook) {
-  return command.add_option("--workbook", workbook,
-                            "Move each part into a sheet of this .xls or .xlsx file, which is made if missing");
+  return command
+      .add_option("--workbook", workbook,
+                  "Move each part into a sheet of this .xls or .xlsx file, which is made if missing; asks no questions")
+      ->check(require_name);
 }
 
 int run(int argc, char** argv) {
@@ -63,10 +68,11 @@ int run(int argc, char** argv) {
   auto* const report_command = app.add_subcommand("report", "Write detail reports beside a file; prints their paths");
   report_command->add_option("FILE", reports.file, "A VTR file")->required();
   add_parts(*report_command, reports.parts);
-  report_command->add_flag("--temporary", reports.temporary, "Ask for the temporary name, which has no date in it");
+  auto* const temporary =
+      report_command->add_flag("--temporary", reports.temporary, "Ask for the temporary name, which has no date in it");
   add_overwrite(*report_command, settings);
   add_code_page(*report_command, settings);
-  add_workbook(*report_command, reports.workbook);
+  add_workbook(*report_command, reports.workbook)->excludes(temporary);
   report_command->callback([&] { status = report(settings, reports); });
 
   ComparisonTask task;
@@ -76,8 +82,9 @@ int run(int argc, char** argv) {
   compare_command->add_option("SECONDARY", task.secondary, "The VTR file that came after it")->required();
   add_parts(*compare_command, task.parts);
   auto* const summary = compare_command->add_flag("--summary", task.summary, "Write no files, print the counts alone");
-  add_workbook(*compare_command, task.workbook)->excludes(summary);
-  compare_command->add_flag("!--no-color", task.color, "Leave the labels in the workbook without colours");
+  auto* const compared_workbook = add_workbook(*compare_command, task.workbook)->excludes(summary);
+  compare_command->add_flag("!--no-color", task.color, "Leave the labels in the workbook without colours")
+      ->needs(compared_workbook);
   compare_command->add_flag("--json", task.json, "The counts for programs; docs/json.md tells the form");
   add_overwrite(*compare_command, settings);
   add_code_page(*compare_command, settings);

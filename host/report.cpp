@@ -32,7 +32,8 @@ ExitStatus report(const Settings& settings, const ReportTask& task) {
     progress.show(std::string("Writing the report on ") + part.name);
     std::u16string report_path;
     const Boolean written = (utility.*part.report)(path, report_path, is_temp);
-    if (!written) complain_of_part("report on", part.name, report_path, utility.LastFailure());
+    // A text that is on its way into a workbook has no file of its own.
+    if (!written) complain_of_part("report on", part.name, workbook ? u"" : report_path, utility.LastFailure());
     const bool moved = written && workbook && workbook->take(utility, part.name, report_path, [&](const auto& target) {
       return utility.XL_Output_Statistics(target, report_path, part.sheet_name);
     });
@@ -40,7 +41,11 @@ ExitStatus report(const Settings& settings, const ReportTask& task) {
     if (!written || (workbook && !moved)) status = kTrouble;
     if (written && !workbook) std::cout << platform::machine_path(report_path) << std::endl;
   }
-  if (workbook) workbook->finish(true);
+  if (workbook) {
+    if (status == kTrouble) return left_as_it_was(task.workbook);
+    workbook->finish();
+    std::cout << task.workbook << std::endl;
+  }
   return status;
 }
 

@@ -2,25 +2,15 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cerrno>
-#include <cstdio>
-#include <fcntl.h>
-#include <iostream>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include "host/machine.h"
-#include "platform/files/file_handle.h"
 #include "platform/files/path.h"
-#include "platform/spreadsheet/program/sheet_names.h"
-#include "platform/spreadsheet/program/workbook_on_disk.h"
 
 namespace trvtrout::host {
 namespace {
 
 using spreadsheet::WorkbookFormat;
 
-constexpr const char* kVerb = "make";
 constexpr int kBadFileName = 52;
 
 bool exists(const std::string& path) {
@@ -36,60 +26,45 @@ WorkbookFormat format_by_name(const std::string& path) {
   throw ServiceError(kBadFileName, "can't make \"" + path + "\": name a new workbook .xlsx or .xls");
 }
 
-// Not over a file that has come to stand there.
-int rename_to_new(const std::string& from, const std::string& to) {
-  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
-  if (errno != EINVAL) return errno;  // what a file system says that doesn't know the flag
-  return exists(to) ? EEXIST : std::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
-}
-
 }  // namespace
 
+ExitStatus left_as_it_was(const std::string& workbook) {
+  complain(workbook + ": nothing was changed, because not every sheet could be made; --part leaves parts out");
+  return kTrouble;
+}
+
+void require_workbook_path(const std::string& path) {
+  if (path.find('\\') == std::string::npos) return;
+  throw ServiceError(kBadFileName, "can't change \"" + path + "\": a workbook's path may have no backslash; rename it");
+}
+
 WorkbookTarget::WorkbookTarget(const std::string& path, const std::vector<Part>& parts) : path_(path) {
+  require_workbook_path(path);
+  std::string bytes;
   if (exists(path)) {
-    look_at(path, parts);
+    standing_.emplace(path);
+    for (const Part& part : parts) standing_->require_free(part.sheet_name);
+    bytes = standing_->bytes();
   } else {
-    make_new();
+    bytes = spreadsheet::empty_workbook(format_by_name(path));
   }
-  class_path_ = platform::class_path(new_path_.empty() ? path_ : new_path_);
-}
-
-WorkbookTarget::~WorkbookTarget() {
-  if (!new_path_.empty()) unlink(new_path_.c_str());
-}
-
-void WorkbookTarget::look_at(const std::string& path, const std::vector<Part>& parts) const {
-  const spreadsheet::WorkbookOnDisk workbook(path);
-  for (const Part& part : parts) workbook.require_free(part.sheet_name);
-}
-
-void WorkbookTarget::make_new() {
-  const std::string bytes = spreadsheet::empty_workbook(format_by_name(path_));
-  new_path_ = platform::temporary_path_beside(path_);
-  try {
-    platform::FileHandle file(new_path_, kVerb, platform::Access::kWrite, platform::Creation::kOnlyNew);
-    if (const int error = file.write(bytes); error != 0) platform::raise_file_error(error, path_, kVerb);
-  } catch (...) {
-    unlink(new_path_.c_str());
-    throw;
-  }
+  content_.emplace(path);
+  content_->write(bytes);
+  content_->finish();
+  class_path_ = platform::class_path(content_->temporary_path());
 }
 
 void WorkbookTarget::complain_of_sheet(const char* part, std::string why) const {
-  // The user knows the name that the workbook will have.
-  if (const std::size_t at = new_path_.empty() ? why.npos : why.find(new_path_); at != why.npos) {
-    why.replace(at, new_path_.size(), path_);
-  }
+  // The user knows the name that the workbook has, or will have.
+  const std::string& temporary = content_->temporary_path();
+  if (const std::size_t at = why.find(temporary); at != why.npos) why.replace(at, temporary.size(), path_);
   complain_of_part("sheet for", part, platform::class_path(path_), why);
 }
 
-void WorkbookTarget::finish(bool prints) {
-  if (!has_sheet_) return;
-  if (!new_path_.empty()) {
-    if (const int error = rename_to_new(new_path_, path_); error != 0) platform::raise_file_error(error, path_, kVerb);
-    new_path_.clear();
-  }
-  if (prints) std::cout << path_ << std::endl;
+void WorkbookTarget::finish() {
+  if (!standing_) return content_->commit_new();
+  standing_->require_unchanged();
+  content_->commit();
 }
 
 }  // namespace trvtrout::host

@@ -1,48 +1,51 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "component/TarvelVtrOut_InOut.h"
+#include "host/machine.h"
 #include "host/parts.h"
+#include "platform/files/replacement.h"
+#include "platform/spreadsheet/program/workbook_on_disk.h"
 
 namespace trvtrout::host {
 
-// The workbook that parts of a document become sheets of. One that doesn't exist is made under a name of its own beside
-// the place where it'll stand, and put there by finish(); destroying the target before leaves nothing behind.
+// The workbook that parts of a document become sheets of. The sheets go into a copy of it, or into a new workbook, that
+// stands beside it under a name of its own; finish() puts that in its place. Without finish() the workbook is as it
+// was.
 class WorkbookTarget {
  public:
   // Looks for whatever stands in the way of these parts' sheets before anything is changed: raises ServiceError when
   // the workbook can't be added to, when it has a sheet of such a name, and for a new one whose name doesn't end in
-  // .xls or .xlsx. `path`: of the machine.
+  // .xls or .xlsx. `path`: of the machine. The workbook is held for other programs until the target is destroyed.
   WorkbookTarget(const std::string& path, const std::vector<Part>& parts);
-  ~WorkbookTarget();
-  WorkbookTarget(const WorkbookTarget&) = delete;
-  WorkbookTarget& operator=(const WorkbookTarget&) = delete;
 
-  // Moves the report that stands at `report` with the operation `move` into the workbook and removes the report. Tells
-  // the user on failure.
+  // Moves the report that stands at `report` into a sheet, with the operation move(path of the workbook), and removes
+  // the report. Tells the user on failure.
   template <class Move>
   bool take(TarvelVtrOut_InOut& utility, const char* part, const std::u16string& report, Move&& move) {
     const Boolean moved = move(class_path_);
     if (!moved) complain_of_sheet(part, utility.LastFailure());
     utility.Delete_ASCII(report);
-    has_sheet_ = has_sheet_ || moved;
     return bool(moved);
   }
-  // Puts a new workbook in its place and prints the path, unless it got no sheet at all. Raises ServiceError.
-  // `prints`: whether the path goes to stdout.
-  void finish(bool prints);
+  // Puts the sheets in their place; raises ServiceError.
+  void finish();
 
  private:
-  void look_at(const std::string& path, const std::vector<Part>& parts) const;
-  void make_new();
   void complain_of_sheet(const char* part, std::string why) const;
 
   std::string path_;
-  std::string new_path_;  // where a new workbook grows; empty for one that existed
-  std::u16string class_path_;
-  bool has_sheet_ = false;
+  std::optional<spreadsheet::WorkbookOnDisk> standing_;
+  std::optional<platform::Replacement> content_;
+  std::u16string class_path_;  // of the content
 };
+
+// Tells the user that not all sheets could be made, and so none was put into the workbook.
+ExitStatus left_as_it_was(const std::string& workbook);
+
+// Raises ServiceError for a path (of the machine) that the class can't name: one with a backslash.
+void require_workbook_path(const std::string& path);
 
 }  // namespace trvtrout::host

@@ -81,6 +81,24 @@ TEST_F(WorkbookCommand, OtherProgramsReadTheSameSheets) {
   if (!any) GTEST_SKIP() << "neither soffice nor ssconvert is here";
 }
 
+// All sheets or none: what one part can't have, the others don't leave behind.
+TEST_F(WorkbookCommand, AFailingPartLeavesTheWorkbookAsItWas) {
+  folder_.put("sick.vtr", sample("damaged/sick-lists.vtr"));
+  ASSERT_EQ(vtrout("report plant.vtr --part lang --workbook w.xlsx"), 0) << err_;
+  fs::rename(folder_.at("w.xlsx"), folder_.at("theirs.xlsx"));
+  ASSERT_EQ(vtrout("statistics theirs.xlsx none.csv S"), 2);
+  const std::string before = fakes::get_file(folder_.at("theirs.xlsx"));
+  const std::size_t count = files();
+  for (const std::string workbook : {"theirs.xlsx", "new.xls"}) {
+    EXPECT_EQ(
+        vtrout("compare sick.vtr plant.vtr --part product --part tree --part lookup --json --workbook " + workbook), 2);
+    EXPECT_NE(err_.find("nothing was changed"), std::string::npos) << err_;
+    EXPECT_NE(out_.find("\"workbook\": null"), std::string::npos) << out_;
+  }
+  EXPECT_TRUE(fakes::get_file(folder_.at("theirs.xlsx")) == before);
+  EXPECT_EQ(files(), count);
+}
+
 // The command says what stands in the way before it changes anything.
 TEST_F(WorkbookCommand, RefusalsChangeNothing) {
   ASSERT_EQ(vtrout("report plant.vtr --part lang --workbook w.xlsx"), 0) << err_;
@@ -94,7 +112,12 @@ TEST_F(WorkbookCommand, RefusalsChangeNothing) {
       {"report plant.vtr --workbook plant.vtr", "not a workbook"},
       {"compare plant.vtr plant-next.vtr --summary --workbook w.xlsx", "--summary"},
       {"statistics none.xlsx report.csv S", "report.csv"},
-      {"statistics w.xlsx plant.vtr S", "plant.vtr"},
+      {"statistics w.xlsx plant.vtr S", "ends in .csv"},
+      {"statistics report.csv report.csv S", "comes first"},
+      {"statistics 'a\\w.xlsx' report.csv S", "backslash"},
+      {"report plant.vtr --workbook ''", "--workbook"},
+      {"report plant.vtr --temporary --workbook w.xlsx", "--temporary"},
+      {"compare plant.vtr plant-next.vtr --no-color", "--workbook"},
   };
   for (const auto& [arguments, reason] : cases) {
     EXPECT_EQ(vtrout(arguments), 2) << arguments;

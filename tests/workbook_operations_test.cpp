@@ -127,6 +127,10 @@ TEST_F(WorkbookOperations, TheRowEstimateFollowsTheAccessors) {
   };
   std::int32_t size = 0;
   const auto tree = [&](auto& document) { return document.GetTreInfo(count, current, max, size), size; };
+  const auto tables = [&](auto& document) { return document.GetTableInfo(count, current, max, size), size; };
+  const auto lookups = [&](auto& document) { return document.GetLookupInfo(count, current, max, size), size; };
+  const auto tags = [&](auto& document) { return document.GetTagInfo(count, size), size; };
+  const auto languages = [&](auto& document) { return document.GetLanInfo(count, size), size; };
   const auto include = [&](auto& document) { return document.GetInclInfo(count, current, max, size), size; };
   const auto module = [&](auto& document) { return document.GetMdlInfo(count, size), size; };
   const auto fields = [&](auto& document) { return document.GetFieldsInfo(size), size; };
@@ -134,6 +138,10 @@ TEST_F(WorkbookOperations, TheRowEstimateFollowsTheAccessors) {
   const Case cases[] = {{u"Product", 28, 6 + sum(include) + sum(module)},
                         {u"Tree", 12, sum(tree)},
                         {u"Fields", 8, sum(fields)},
+                        {u"Tables", 12, sum(tables)},
+                        {u"Lookups", 12, sum(lookups)},
+                        {u"Control Tags", 10, sum(tags)},
+                        {u"Languages", 10, sum(languages)},
                         {u"Data Send", 12, 4 + sum(nodes)}};
   for (const auto& [sheet, first, rows] : cases) {
     spreadsheet = {};
@@ -146,8 +154,18 @@ TEST_F(WorkbookOperations, TheRowEstimateFollowsTheAccessors) {
     }
     EXPECT_EQ(first_value, "Sheet2.Range(A" + std::to_string(first) + ").Cells.Value");
     EXPECT_EQ(last_value, "Sheet2.Range(A" + std::to_string(first + rows) + ").Cells.Value");
-    EXPECT_GT(rows, 8);
+    EXPECT_GT(rows, 6);
   }
+
+  // A list that doesn't hold together counts for nothing.
+  TarvelVtrOut_InOut sick{machine.services()};
+  read(sick, tests::sample("damaged/sick-lists.vtr"));
+  ASSERT_NE(sick.GetLanInfo(count, size), u"OK");
+  spreadsheet = {};
+  ASSERT_EQ(utility.XL_Output_Compared(u"b.xls", u"r.CSV", u"Languages", &sick, &secondary, True), True);
+  const auto last = std::ranges::find_if(spreadsheet.calls.rbegin(), spreadsheet.calls.rend(),
+                                         [](const auto& call) { return call.ends_with("Value"); });
+  EXPECT_EQ(*last, "Sheet2.Range(A" + std::to_string(10 + languages(secondary)) + ").Cells.Value");
 }
 
 // Whatever fails, both sheets are released, the application quits and is released, and the result is False.

@@ -103,10 +103,10 @@ void raise_file_error(int error, const std::string& path, const char* verb) {
   throw ServiceError(found ? row->number : kOtherError, std::string("can't ") + verb + " \"" + path + "\": " + reason);
 }
 
-FileHandle::FileHandle(std::string path, const char* verb, Access access, Creation creation)
-    : path_(std::move(path)), verb_(verb) {
-  if (path_.find('\0') != std::string::npos) raise(EILSEQ);
-  descriptor_ = open_descriptor(path_, access, creation);
+FileHandle::FileHandle(std::string path, const char* verb, Access access, Creation creation, std::string told_as)
+    : path_(told_as.empty() ? path : std::move(told_as)), verb_(verb) {
+  if (path.find('\0') != std::string::npos) raise(EILSEQ);
+  descriptor_ = open_descriptor(path, access, creation);
   if (descriptor_ < 0) raise(errno);
   int error = regular_file_error(descriptor_);
   if (error == 0) error = lock(descriptor_, access);
@@ -118,10 +118,22 @@ FileHandle::FileHandle(std::string path, const char* verb, Access access, Creati
 FileHandle::FileHandle(FileHandle&& other) noexcept
     : path_(std::move(other.path_)), verb_(other.verb_), descriptor_(std::exchange(other.descriptor_, -1)) {}
 
-std::uint64_t FileHandle::size() const {
+struct stat FileHandle::status() const {
   struct stat status {};
   if (fstat(descriptor_, &status) != 0) raise(errno);
-  return static_cast<std::uint64_t>(status.st_size);
+  return status;
+}
+
+std::uint64_t FileHandle::size() const { return static_cast<std::uint64_t>(status().st_size); }
+
+void FileHandle::rewind() const {
+  if (lseek(descriptor_, 0, SEEK_SET) != 0) raise(errno);
+}
+
+std::string FileHandle::read_rest() const {
+  std::string bytes(size(), '\0');
+  bytes.resize(read({reinterpret_cast<unsigned char*>(bytes.data()), bytes.size()}));
+  return bytes;
 }
 
 std::size_t FileHandle::read(std::span<unsigned char> into) const {

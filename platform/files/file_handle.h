@@ -4,6 +4,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <sys/stat.h>
 
 namespace trvtrout::platform {
 
@@ -14,8 +15,8 @@ enum class Creation { kNever, kIfMissing, kOnlyNew };
 // couldn't be done with the file.
 class FileHandle {
  public:
-  // Changes nothing in a file that exists. Raises ServiceError.
-  FileHandle(std::string path, const char* verb, Access access, Creation creation);
+  // Changes nothing in a file that exists. Messages name it `told_as`, if that isn't empty. Raises ServiceError.
+  FileHandle(std::string path, const char* verb, Access access, Creation creation, std::string told_as = {});
   ~FileHandle() { close(); }
   FileHandle(FileHandle&& other) noexcept;
   FileHandle(const FileHandle&) = delete;
@@ -25,6 +26,12 @@ class FileHandle {
   std::uint64_t size() const;
   // Returns fewer bytes than asked only at the end of the file. Raises ServiceError.
   std::size_t read(std::span<unsigned char> into) const;
+  // The next read begins at the first byte. Raises ServiceError.
+  void rewind() const;
+  // The bytes from here to the end. Raises ServiceError.
+  std::string read_rest() const;
+  // What the machine tells of the file. Raises ServiceError.
+  struct stat status() const;
   // Raises ServiceError.
   void truncate() const;
   // The error number of the machine, 0 for none; after an error some of the bytes may have been written.

@@ -49,6 +49,11 @@ class Cell {
   };
 };
 
+// How large a sheet may be.
+struct SheetLimits {
+  std::uint32_t rows, columns;
+};
+
 // How a cell is shown.
 struct CellStyle {
   std::string number_format = "General";  // UTF-8, as US settings spell it

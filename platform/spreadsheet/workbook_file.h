@@ -18,11 +18,6 @@ class WorkbookError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-// How large a sheet may be.
-struct SheetLimits {
-  std::uint32_t rows, columns;
-};
-
 // A workbook that somebody made, held as its bytes. Nothing in it changes but what a new sheet needs.
 class WorkbookFile {
  public:

@@ -48,27 +48,37 @@ class ChangedHead : public PartStream {
   std::unique_ptr<PartStream> rest_;
 };
 
+// What stands in front of a sheet's cells, the largest that makes sense, and what all sheets together may have there.
+constexpr std::size_t kLargestHead = std::size_t{4} << 20;
+constexpr std::size_t kLargestHeads = std::size_t{64} << 20;
+
 // The sheet with no view of it selected; nothing if none was. What selects it stands in front of its cells, so that no
-// more of a large sheet is looked at.
-std::unique_ptr<PartStream> without_selection(const Package& package, const std::string& name) {
+// more of a large sheet is looked at: at most `budget` bytes, of which what was looked at is taken. The root of a sheet
+// of old macros isn't in the workbook's namespace, `space`; its children are.
+std::unique_ptr<PartStream> without_selection(const Package& package, const std::string& name, std::string_view space,
+                                              std::size_t& budget) {
   auto content = package.stream(name);
   std::string head;
-  for (std::size_t goal = 65536; goal <= kLargestXml; goal *= 2) {
+  for (std::size_t goal = 65536; goal <= kLargestHead; goal *= 2) {
     bool is_whole = false;
     while (head.size() < goal && !is_whole) {
       const std::string_view piece = content->next();
       head += piece;
       is_whole = piece.empty();
     }
+    if (head.size() > budget) break;
+    budget -= head.size();
     XmlPart part(name, head, is_whole ? XmlExtent::kWhole : XmlExtent::kHead);
-    if (!is_whole && !part.child(part.root(), "sheetData")) continue;
-    for (const auto view : part.children(part.child(part.root(), "sheetViews"), "sheetView")) {
+    if (!is_whole && !part.child(part.root(), "sheetData", space)) continue;
+    for (const auto view : part.children(part.child(part.root(), "sheetViews", space), "sheetView", space)) {
       if (is_true(view.attribute("tabSelected"))) part.set_attribute(view, "tabSelected", "0");
     }
     if (!part.is_changed()) return nullptr;
     return std::make_unique<ChangedHead>(part.changed_text(), head.size(), std::move(content));
   }
-  throw WorkbookError("its part '" + name + "' has no cells within 32 MB; such a workbook can't be added to");
+  throw WorkbookError("its part '" + name +
+                      "' has too much in front of its cells; open the workbook in a spreadsheet " +
+                      "program and save it again");
 }
 
 class OoxmlWorkbook : public WorkbookFile {
@@ -127,10 +137,12 @@ std::string OoxmlWorkbook::free_part(const ContentTypes& types, const std::strin
 void OoxmlWorkbook::deselect_all(const WorkbookPart& workbook, const Relations& relations,
                                  std::vector<PartChange>& changes) const {
   std::unordered_set<std::string> seen;
+  std::size_t budget = kLargestHeads;
   for (const std::string& id : workbook.sheet_relations()) {
     const std::string name = relations.target(id);
     if (!package_.has(name) || !seen.insert(lower(name)).second) continue;
-    if (auto content = without_selection(package_, name)) changes.push_back({name, std::move(content)});
+    if (auto content = without_selection(package_, name, workbook.dialect().main, budget))
+      changes.push_back({name, std::move(content)});
   }
 }
 

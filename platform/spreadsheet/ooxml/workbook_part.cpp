@@ -63,6 +63,10 @@ WorkbookPart::WorkbookPart(std::string name, std::string text) : part_(std::move
                         "in a spreadsheet program and save it again");
   dialect_ = &*found;
   sheets_ = part_.children(list_, "sheet");
+  for (const auto sharing : part_.children(root, "fileSharing")) {
+    if (sharing.attribute("reservationPassword") || sharing.attribute("hashValue"))
+      throw WorkbookError("a password stands before changes to it; take the password off first");
+  }
   for (const auto protection : part_.children(root, "workbookProtection")) {
     if (is_true(protection.attribute("lockStructure")))
       throw WorkbookError("its structure is protected, so that no sheet can be added; take the protection off first");

@@ -106,8 +106,9 @@ std::string_view XmlPart::namespace_of(pugi::xml_node element) const {
   return namespace_of(element, prefix_of(element.name()));
 }
 
-std::vector<pugi::xml_node> XmlPart::children(pugi::xml_node parent, std::string_view local) const {
-  const std::string_view space = namespace_of(root());
+std::vector<pugi::xml_node> XmlPart::children(pugi::xml_node parent, std::string_view local,
+                                              std::string_view space) const {
+  if (space.empty()) space = namespace_of(root());
   std::vector<pugi::xml_node> found;
   for (const auto node : parent.children()) {
     if (node.type() == pugi::node_element && local_name(node.name()) == local && namespace_of(node) == space)
@@ -116,8 +117,8 @@ std::vector<pugi::xml_node> XmlPart::children(pugi::xml_node parent, std::string
   return found;
 }
 
-pugi::xml_node XmlPart::child(pugi::xml_node parent, std::string_view local) const {
-  const auto found = children(parent, local);
+pugi::xml_node XmlPart::child(pugi::xml_node parent, std::string_view local, std::string_view space) const {
+  const auto found = children(parent, local, space);
   return found.empty() ? pugi::xml_node() : found.front();
 }
 

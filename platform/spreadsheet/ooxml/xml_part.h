@@ -33,10 +33,11 @@ class XmlPart {
   std::string_view namespace_of(pugi::xml_node element) const;
   // What `prefix` stands for at an element; empty if it isn't declared.
   static std::string_view namespace_of(pugi::xml_node element, std::string_view prefix);
-  // The child elements of that name in the root's namespace.
-  std::vector<pugi::xml_node> children(pugi::xml_node parent, std::string_view local_name) const;
+  // The child elements of that name in a namespace, the root's unless said otherwise.
+  std::vector<pugi::xml_node> children(pugi::xml_node parent, std::string_view local_name,
+                                       std::string_view space = {}) const;
   // The first of them, null if there's none or no parent.
-  pugi::xml_node child(pugi::xml_node parent, std::string_view local_name) const;
+  pugi::xml_node child(pugi::xml_node parent, std::string_view local_name, std::string_view space = {}) const;
   // An element as it's written.
   std::string_view source(pugi::xml_node element) const;
 

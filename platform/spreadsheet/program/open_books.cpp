@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <set>
 #include <utility>
 
 #include "platform/files/path.h"
@@ -13,15 +14,8 @@
 namespace trvtrout::spreadsheet {
 namespace {
 
-// A text is opened as far as it goes; what a workbook takes of it is its own matter.
-constexpr SheetLimits kTextLimits{0xFFFFFFFE, 16384};
-
-bool is_comma_text(std::u16string_view path) {
-  constexpr std::u16string_view kExtension = u".csv";
-  return path.size() >= kExtension.size() &&
-         std::ranges::equal(path.substr(path.size() - kExtension.size()), kExtension,
-                            [](char16_t one, char16_t other) { return (one < 128 ? one | 32 : one) == other; });
-}
+// What the larger format takes, and one more: the workbook tells what is too much for it.
+constexpr SheetLimits kTextLimits{1048577, 16385};
 
 std::string read_all(Files& files, const std::u16string& path) {
   const auto file = files.OpenBinary(path);
@@ -38,13 +32,22 @@ int year_of(Date date) {
 }
 
 std::string free_sheet_name(const std::vector<std::string>& taken) {
+  std::set<std::u16string> folded;
+  for (const std::string& name : taken) folded.insert(without_case(name));
   for (std::size_t number = 1;; ++number) {
     std::string name = "Sheet" + std::to_string(number);
-    if (std::ranges::none_of(taken, [&](const auto& other) { return same_sheet_name(name, other); })) return name;
+    if (!folded.contains(without_case(name))) return name;
   }
 }
 
 }  // namespace
+
+bool is_comma_text(std::u16string_view path) {
+  constexpr std::u16string_view kExtension = u".csv";
+  return path.size() >= kExtension.size() &&
+         std::ranges::equal(path.substr(path.size() - kExtension.size()), kExtension,
+                            [](char16_t one, char16_t other) { return (one < 128 ? one | 32 : one) == other; });
+}
 
 OpenBook::OpenBook(const std::u16string& path, Files& files, Locale& locale) : path_(path) {
   if (is_comma_text(path)) {

@@ -12,6 +12,9 @@
 
 namespace trvtrout::spreadsheet {
 
+// Whether a spreadsheet takes the file for a comma-separated text: by its extension.
+bool is_comma_text(std::u16string_view path);
+
 // A text or a workbook that an application has open.
 class OpenBook {
  public:

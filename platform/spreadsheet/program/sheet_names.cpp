@@ -15,20 +15,18 @@ constexpr std::size_t kMaxLength = 31;  // 16-bit units
 constexpr std::u16string_view kForbidden = u":\\/?*[]";
 constexpr std::string_view kReserved = "History";  // the program's own sheet of changes
 
-std::u16string lower(std::string_view utf8) {
+bool is_control(char16_t unit) { return unit < u' '; }
+
+}  // namespace
+
+std::u16string without_case(std::string_view name) {
   static const locale_t kUnicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-  std::u16string text = platform::from_utf8(utf8);
+  std::u16string text = platform::from_utf8(name);
   for (char16_t& unit : text) {
     if (kUnicode) unit = static_cast<char16_t>(towlower_l(unit, kUnicode));
   }
   return text;
 }
-
-bool is_control(char16_t unit) { return unit < u' '; }
-
-}  // namespace
-
-bool same_sheet_name(std::string_view one, std::string_view other) { return lower(one) == lower(other); }
 
 void require_sheet_name(const std::u16string& name, const std::vector<std::string>& others) {
   const std::string shown = platform::to_utf8(name);
@@ -41,9 +39,10 @@ void require_sheet_name(const std::u16string& name, const std::vector<std::strin
     refuse("none of : \\ / ? * [ ] and no control character may be in it");
   }
   if (name.front() == u'\'' || name.back() == u'\'') refuse("an apostrophe may not begin or end it");
-  if (same_sheet_name(shown, kReserved)) refuse("the name is reserved");
+  if (without_case(shown) == without_case(kReserved)) refuse("the name is reserved");
+  const std::u16string folded = without_case(shown);
   const auto same =
-      std::ranges::find_if(others, [&](const std::string& other) { return same_sheet_name(shown, other); });
+      std::ranges::find_if(others, [&](const std::string& other) { return folded == without_case(other); });
   if (same != others.end()) refuse("the workbook has a sheet \"" + *same + "\"; rename or remove it first");
 }
 

@@ -1,8 +1,5 @@
 #include "platform/spreadsheet/program/workbook_on_disk.h"
 
-#include <cerrno>
-#include <utility>
-
 #include "platform/files/replacement.h"
 #include "platform/spreadsheet/program/sheet_names.h"
 #include "platform/spreadsheet/program/spreadsheet_error.h"
@@ -27,18 +24,6 @@ void require_unowned(const std::string& path) {
   }
 }
 
-std::string read_all(const platform::FileHandle& handle) {
-  std::string bytes(handle.size(), '\0');
-  bytes.resize(handle.read({reinterpret_cast<unsigned char*>(bytes.data()), bytes.size()}));
-  return bytes;
-}
-
-struct stat status_of(const std::string& path) {
-  struct stat status {};
-  if (stat(path.c_str(), &status) != 0) platform::raise_file_error(errno, path, kVerb);
-  return status;
-}
-
 bool unchanged(const struct stat& one, const struct stat& other) {
   return one.st_dev == other.st_dev && one.st_ino == other.st_ino && one.st_size == other.st_size &&
          one.st_mtim.tv_sec == other.st_mtim.tv_sec && one.st_mtim.tv_nsec == other.st_mtim.tv_nsec;
@@ -46,24 +31,37 @@ bool unchanged(const struct stat& one, const struct stat& other) {
 
 }  // namespace
 
-WorkbookOnDisk::WorkbookOnDisk(std::string path)
-    : path_(std::move(path)), handle_(path_, kVerb, platform::Access::kUpdate, platform::Creation::kNever) {
+WorkbookOnDisk::WorkbookOnDisk(const std::string& path)
+    : path_(platform::behind_links(path)),
+      handle_(path_, kVerb, platform::Access::kUpdate, platform::Creation::kNever, path),
+      opened_(handle_.status()) {
   require_unowned(path_);
-  opened_ = status_of(path_);
-  file_ = naming_file(path_, [&] { return open_workbook(read_all(handle_)); });
+  file_ = naming_file(path, [&] { return open_workbook(handle_.read_rest()); });
+}
+
+std::string WorkbookOnDisk::bytes() const {
+  handle_.rewind();
+  return handle_.read_rest();
 }
 
 void WorkbookOnDisk::require_free(const std::u16string& sheet_name) const {
   naming_file(path_, [&] { require_sheet_name(sheet_name, file_->sheet_names()); });
 }
 
+void WorkbookOnDisk::require_unchanged() const {
+  struct stat now {};
+  if (stat(path_.c_str(), &now) != 0 || !unchanged(opened_, now)) {
+    refuse_held(path_, "another program has changed it in the meantime; try again");
+  }
+  require_unowned(path_);
+}
+
 void WorkbookOnDisk::save_with(const Sheet& sheet) {
   const std::string bytes = naming_file(path_, [&] { return file_->with_sheet(sheet); });
   platform::Replacement replacement(path_);
   replacement.write(bytes);
-  if (!unchanged(opened_, status_of(path_))) {
-    refuse_held(path_, "another program has changed it in the meantime; try again");
-  }
+  replacement.finish();
+  require_unchanged();
   replacement.commit();
 }
 

@@ -9,24 +9,28 @@
 
 namespace trvtrout::spreadsheet {
 
-// A workbook that is open for a change: locked for other programs until it's destroyed.
+// A workbook that is open for a change: locked for other programs until it's destroyed. All members raise ServiceError,
+// naming the file and the reason.
 class WorkbookOnDisk {
  public:
-  // `path`: of the machine. Raises ServiceError, naming the file and the reason, when it can't be read or changed, when
-  // another program holds it, and when it's no workbook that a sheet can be added to.
-  explicit WorkbookOnDisk(std::string path);
+  // `path`: of the machine; a link is followed. Refuses what can't be read or changed, what another program holds, and
+  // what is no workbook that a sheet can be added to.
+  explicit WorkbookOnDisk(const std::string& path);
 
   const WorkbookFile& file() const { return *file_; }
-  // Raises ServiceError, with the reason, unless a sheet can be added under this name.
+  // The file as it was opened, for a copy of it.
+  std::string bytes() const;
+  // Refuses a name that no sheet can be added under.
   void require_free(const std::u16string& sheet_name) const;
-  // Puts the workbook with `sheet` in its place; on failure it's as it was. Raises ServiceError, also when the file has
-  // been changed since it was opened.
+  // Refuses a file that another program has changed or opened since.
+  void require_unchanged() const;
+  // Puts the workbook with `sheet` in its place; on failure it's as it was.
   void save_with(const Sheet& sheet);
 
  private:
   std::string path_;
   platform::FileHandle handle_;
-  struct stat opened_ {};
+  struct stat opened_;
   std::unique_ptr<WorkbookFile> file_;
 };
 

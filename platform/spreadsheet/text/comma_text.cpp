@@ -20,11 +20,15 @@ bool ends_cell(char character) { return character == ',' || ends_line(character)
 class CommaTextReader {
  public:
   // `text` stands in the texts of `sheet`.
-  CommaTextReader(Sheet& sheet, std::string& text, int present_year)
-      : sheet_(sheet), at_(text.data()), end_(text.data() + text.size()), present_year_(present_year) {}
+  CommaTextReader(Sheet& sheet, std::string& text, int present_year, SheetLimits limits)
+      : sheet_(sheet),
+        at_(text.data()),
+        end_(text.data() + text.size()),
+        present_year_(present_year),
+        limits_(limits) {}
 
   void read() {
-    while (at_ != end_) {
+    while (at_ != end_ && sheet_.rows() <= limits_.rows) {
       if (!ends_line(*at_)) take_cells();
       // CR LF, LF or CR.
       take('\r');
@@ -35,8 +39,10 @@ class CommaTextReader {
 
  private:
   void take_cells() {
+    const std::size_t first = sheet_.cells.size();
     do {
       sheet_.cells.push_back(cell(take_cell()));
+      if (sheet_.cells.size() - first > limits_.columns) at_ = end_;
     } while (take(','));
   }
 
@@ -100,18 +106,19 @@ class CommaTextReader {
   char* at_;
   char* end_;
   int present_year_;
+  SheetLimits limits_;
   std::array<std::uint16_t, kValueFormats> styles_{};  // of each format the sheet's style; 0 until it's needed
 };
 
 }  // namespace
 
-Sheet read_comma_text(std::string text, int present_year) {
+Sheet read_comma_text(std::string text, int present_year, SheetLimits limits) {
   if (text.size() > std::numeric_limits<std::uint32_t>::max()) {
     throw std::length_error("a comma-separated text of 4 GiB or more doesn't fit into a sheet; move it in parts");
   }
   Sheet sheet;
   std::string& kept = sheet.texts.emplace_back(std::move(text));
-  CommaTextReader(sheet, kept, present_year).read();
+  CommaTextReader(sheet, kept, present_year, limits).read();
   return sheet;
 }
 
