@@ -39,6 +39,9 @@ void add_parts(CLI::App& command, std::vector<std::string>& parts) {
       ->allow_extra_args(false);
 }
 
+// An empty path would mean that none was given.
+std::string not_empty(const std::string& path) { return path.empty() ? "a path is missing" : ""; }
+
 CLI::Option* add_workbook(CLI::App& command, std::string& workbook) {
   return command.add_option("--workbook", workbook,
                             "Move each part into a sheet of this .xls or .xlsx file, which is made if missing");
@@ -88,8 +91,10 @@ int run(int argc, char** argv) {
       "recover", "Write what can be read of a file to a new one; prints its path, tells what became of each section");
   recover_command->add_option("FILE", recovery.file, "A VTR file, damaged or of the old format; it's never changed")
       ->required();
-  recover_command->add_option("--output", recovery.output, "The new file; a name beside FILE unless said otherwise");
-  recover_command->add_option("--log", recovery.log, "A text file for the lists of what was read and recovered");
+  recover_command->add_option("--output", recovery.output, "The new file; a name beside FILE unless said otherwise")
+      ->check(not_empty);
+  recover_command->add_option("--log", recovery.log, "A text file for the lists of what was read and recovered")
+      ->check(not_empty);
   recover_command->add_flag("--json", recovery.json, "For programs; docs/json.md tells the form");
   add_overwrite(*recover_command, settings);
   add_code_page(*recover_command, settings);

@@ -2,9 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cerrno>
-#include <cstdio>
-#include <fcntl.h>
 #include <iostream>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -12,6 +9,7 @@
 #include "host/machine.h"
 #include "platform/files/file_handle.h"
 #include "platform/files/path.h"
+#include "platform/files/replacement.h"
 #include "platform/spreadsheet/program/sheet_names.h"
 #include "platform/spreadsheet/program/workbook_on_disk.h"
 
@@ -34,13 +32,6 @@ WorkbookFormat format_by_name(const std::string& path) {
   if (extension == ".xls") return WorkbookFormat::kBiff8;
   if (extension == ".xlsx") return WorkbookFormat::kOoxml;
   throw ServiceError(kBadFileName, "can't make \"" + path + "\": name a new workbook .xlsx or .xls");
-}
-
-// Not over a file that has come to stand there.
-int rename_to_new(const std::string& from, const std::string& to) {
-  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
-  if (errno != EINVAL) return errno;  // what a file system says that doesn't know the flag
-  return exists(to) ? EEXIST : std::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
 }
 
 }  // namespace
@@ -86,7 +77,8 @@ void WorkbookTarget::complain_of_sheet(const char* part, std::string why) const 
 void WorkbookTarget::finish(bool prints) {
   if (!has_sheet_) return;
   if (!new_path_.empty()) {
-    if (const int error = rename_to_new(new_path_, path_); error != 0) platform::raise_file_error(error, path_, kVerb);
+    if (const int error = platform::rename_to_new(new_path_, path_); error != 0)
+      platform::raise_file_error(error, path_, kVerb);
     new_path_.clear();
   }
   if (prints) std::cout << path_ << std::endl;

@@ -2,27 +2,51 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <fcntl.h>
 #include <filesystem>
+#include <sys/stat.h>
 #include <system_error>
 #include <unistd.h>
+#include <utility>
 
 #include "platform/files/path.h"
+#include "reports/host_services.h"
 
 namespace trvtrout::platform {
 namespace {
 
 constexpr const char* kVerb = "write";
 
+constexpr int kBadFileName = 52;
+
+bool exists(const std::string& path) {
+  struct stat status {};
+  return lstat(path.c_str(), &status) == 0;
+}
+
 std::string behind_links(const std::string& path) {
   std::error_code none;
   const auto real = std::filesystem::canonical(path, none);
-  return none ? path : real.string();
+  if (!none) return real.string();
+  // A new name in its place would take the link away from whoever made it.
+  if (std::filesystem::is_symlink(path, none)) {
+    throw ServiceError(kBadFileName,
+                       std::string("can't ") + kVerb + " \"" + path + "\": it's a link that leads nowhere");
+  }
+  return path;
 }
 
 }  // namespace
 
-Replacement::Replacement(const std::string& path)
+int rename_to_new(const std::string& from, const std::string& to) noexcept {
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
+  if (errno != EINVAL) return errno;  // what a file system says that doesn't know the flag
+  return exists(to) ? EEXIST : std::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+}
+
+Replacement::Replacement(const std::string& path, std::string model)
     : path_(behind_links(path)),
+      model_(std::move(model)),
       temporary_path_(temporary_path_beside(path_)),
       file_(temporary_path_, kVerb, Access::kWrite, Creation::kOnlyNew) {}
 
@@ -36,7 +60,7 @@ void Replacement::write(std::string_view bytes) {
 
 void Replacement::finish() {
   if (finished_) return;
-  file_.take_rights_of(path_);
+  file_.take_rights_of(exists(path_) ? path_ : model_);
   file_.sync();
   if (const int error = file_.close(); error != 0) raise_file_error(error, path_, kVerb);
   finished_ = true;
@@ -45,6 +69,12 @@ void Replacement::finish() {
 void Replacement::commit() {
   finish();
   if (std::rename(temporary_path_.c_str(), path_.c_str()) != 0) raise_file_error(errno, path_, kVerb);
+  temporary_path_.clear();
+}
+
+void Replacement::commit_new() {
+  finish();
+  if (const int error = rename_to_new(temporary_path_, path_); error != 0) raise_file_error(error, path_, kVerb);
   temporary_path_.clear();
 }
 

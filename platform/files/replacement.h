@@ -11,8 +11,9 @@ namespace trvtrout::platform {
 // it was; destroying it without commit() leaves nothing behind.
 class Replacement {
  public:
-  // `path`: of a file that exists or not; a link is followed. Raises ServiceError.
-  explicit Replacement(const std::string& path);
+  // `path`: of a file that exists or not. A link is followed; one that leads nowhere is refused. A file that doesn't
+  // exist will have the rights of the one at `model`. Raises ServiceError.
+  explicit Replacement(const std::string& path, std::string model = {});
   ~Replacement();
   Replacement(const Replacement&) = delete;
   Replacement& operator=(const Replacement&) = delete;
@@ -26,12 +27,19 @@ class Replacement {
   void finish();
   // Puts it, finished, in the file's place. Raises ServiceError.
   void commit();
+  // The same, but raises ServiceError when anything stands there.
+  void commit_new();
 
  private:
   std::string path_;
+  std::string model_;
   std::string temporary_path_;
   FileHandle file_;
   bool finished_ = false;
 };
+
+// Gives the file at `from` the name `to`, but not over a file that has come to stand there. The error number of the
+// machine, 0 for none.
+int rename_to_new(const std::string& from, const std::string& to) noexcept;
 
 }  // namespace trvtrout::platform
