@@ -44,7 +44,7 @@ std::shared_ptr<const vtrfile::Image> TarvelVtrOut_InOut::load(const std::u16str
 
 Boolean TarvelVtrOut_InOut::ReadVTR(std::u16string& Fname, std::u16string& StructureList, Boolean& IsSecondary) {
   damage_.reset();
-  parts_.clear();
+  last_read_ = {};
   if (Fname.empty()) return fail({0, "no file was named"});
   vtrfile::DocumentReader reader(current_, IsSecondary ? secondary_ : primary_, SchemaOld);
   const Boolean result = guarded(
@@ -65,7 +65,7 @@ Boolean TarvelVtrOut_InOut::ReadVTR(std::u16string& Fname, std::u16string& Struc
         StructureList = widen(reader.structure_list());
         return fail(failure);
       });
-  parts_ = reader.take_parts();
+  last_read_ = reader.take_account();
   return result;
 }
 

@@ -60,8 +60,8 @@ class TarvelVtrOut_InOut {
   std::u16string GetOutputFileName(const std::u16string& Fname, const std::u16string& DescName,
                                    std::u16string& VTRFname);
 
-  // Each adds a sheet named `StrSheetName` to the workbook `XLFname`, in front of its active sheet, and moves the report
-  // `ASCIIFname` into it; a detail report the first, a comparison the second. The workbook must exist. The names
+  // Each adds a sheet named `StrSheetName` to the workbook `XLFname`, in front of its active sheet, and moves the
+  // report `ASCIIFname` into it; a detail report the first, a comparison the second. The workbook must exist. The names
   // "Product", "Tables", "Fields", "Tree", "Lookups", "Control Tags", "Languages" and "Data Send" give the sheet the
   // formats of that report. On failure the workbook is as it was. The report stays.
   Boolean XL_Output_Statistics(const std::u16string& XLFname, const std::u16string& ASCIIFname,
@@ -130,8 +130,9 @@ class TarvelVtrOut_InOut {
   const vtrfile::DocumentSlots& CurrentSlots() const noexcept { return current_; }
   const std::optional<vtrfile::ReadError>& LastDamage() const noexcept { return damage_; }
   const std::string& LastFailure() const noexcept { return last_failure_; }
-  // What the last ReadVTR met in its file, part by part, whole or not.
-  const std::vector<vtrfile::PartRead>& LastParts() const noexcept { return parts_; }
+  // What the last ReadVTR met in its file: the parts, whole or not, and the bytes between them of which nothing can be
+  // told. There may be such bytes even when the result was True.
+  const vtrfile::FileRead& LastRead() const noexcept { return last_read_; }
   // The rows of the last comparison, as far as it came.
   const ComparisonCounts& LastCounts() const noexcept { return counts_; }
   // The keys that occur more than once in the part that was last compared, of the primary or the `secondary` document.
@@ -153,7 +154,7 @@ class TarvelVtrOut_InOut {
   vtrfile::GroupSlots primary_;
   vtrfile::GroupSlots secondary_;
   std::optional<vtrfile::ReadError> damage_;
-  std::vector<vtrfile::PartRead> parts_;
+  vtrfile::FileRead last_read_;
   std::string last_failure_;
   const Comparison* last_comparison_ = nullptr;
   ComparisonCounts counts_;

@@ -28,11 +28,12 @@ struct PartResult {
 bool read_whole(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file, Boolean is_secondary) {
   std::u16string structure_list;
   const ExitStatus status = read(machine, utility, file, structure_list, is_secondary);
-  if (status == kRemarkable) {
-    complain(file + ": " + damage_text(*utility.LastDamage()) + "; it can't be compared: see `vtrout info`, and " +
-             "`vtrout recover` for what can be saved");
-  }
-  return status == kFine;
+  if (status == kTrouble) return false;
+  // What a read passed over it has told; the document is complete as far as the format knows.
+  if (!utility.LastDamage()) return true;
+  complain(file + ": " + damage_text(*utility.LastDamage()) + "; it can't be compared: see `vtrout info`, and " +
+           "`vtrout recover` for what can be saved");
+  return false;
 }
 
 void print_table(std::ostream& out, const std::vector<PartResult>& results) {

@@ -21,29 +21,58 @@ struct List {
   const char* title;
   const char* key;
   std::variant<FullAccessor, CountAccessor, SizeAccessor> accessor;
+  RecordCount (*count)(const DocumentSlots&);
 };
+
+// The records of the list that is the record of a section, or that stands in it under these names.
+template <auto Slot>
+RecordCount records(const DocumentSlots& document) {
+  return count_records(*(document.*Slot));
+}
+template <auto Slot, auto Name>
+RecordCount records(const DocumentSlots& document) {
+  return count_records((*(document.*Slot)).*Name);
+}
+template <auto Slot>
+RecordCount fields(const DocumentSlots& document) {
+  return count_fields((document.*Slot)->Tables);
+}
 
 template <auto Member>
 constexpr std::string_view tag_of = vtrfile::kSection<Member>.tag;
 
 const List kLists[] = {
-    {tag_of<&DocumentSlots::Schema>, "Tables", "tables", &Utility::GetTableInfo},
-    {tag_of<&DocumentSlots::Schema>, "Fields of all tables", "fields", &Utility::GetFieldsInfo},
-    {tag_of<&DocumentSlots::Schema>, "Lookups", "lookups", &Utility::GetLookupInfo},
-    {tag_of<&DocumentSlots::Relation>, "Relations", "relations", &Utility::GetRelInfo},
-    {tag_of<&DocumentSlots::Hidden>, "Hidden tables", "hiddenTables", &Utility::GetHidTableInfo},
-    {tag_of<&DocumentSlots::Hidden>, "Fields of hidden tables", "hiddenFields", &Utility::GetHidFieldsInfo},
-    {tag_of<&DocumentSlots::Hidden>, "Hidden lookups", "hiddenLookups", &Utility::GetHidLookInfo},
-    {tag_of<&DocumentSlots::Tree>, "Tree nodes", "tree", &Utility::GetTreInfo},
-    {tag_of<&DocumentSlots::Language>, "Language texts", "languages", &Utility::GetLanInfo},
-    {tag_of<&DocumentSlots::Module>, "Modules", "modules", &Utility::GetMdlInfo},
-    {tag_of<&DocumentSlots::FieldMatches>, "Field matches", "fieldMatches", &Utility::GetFmsInfo},
-    {tag_of<&DocumentSlots::Extended>, "Extended storage", "extendedStorage", &Utility::GetExtInfo},
-    {tag_of<&DocumentSlots::IncludeFile>, "Include files", "includeFiles", &Utility::GetInclInfo},
-    {tag_of<&DocumentSlots::ControlTag>, "Control tags", "controlTags", &Utility::GetTagInfo},
-    {tag_of<&DocumentSlots::DSNList>, "DSN list", "dsnList", &Utility::GetDSNInfo},
-    {tag_of<&DocumentSlots::ImportFiles>, "Import files", "importFiles", &Utility::GetIncNewInfo},
-    {tag_of<&DocumentSlots::ResidualTable>, "Residual tables", "residualTables", &Utility::GetResiTblInfo},
+    {tag_of<&DocumentSlots::Schema>, "Tables", "tables", &Utility::GetTableInfo,
+     records<&DocumentSlots::Schema, &vtrfile::SCHEMA_STRUCT::Tables>},
+    {tag_of<&DocumentSlots::Schema>, "Fields of all tables", "fields", &Utility::GetFieldsInfo,
+     fields<&DocumentSlots::Schema>},
+    {tag_of<&DocumentSlots::Schema>, "Lookups", "lookups", &Utility::GetLookupInfo,
+     records<&DocumentSlots::Schema, &vtrfile::SCHEMA_STRUCT::Lookups>},
+    {tag_of<&DocumentSlots::Relation>, "Relations", "relations", &Utility::GetRelInfo,
+     records<&DocumentSlots::Relation, &vtrfile::RELATION_STRUCT::Relations>},
+    {tag_of<&DocumentSlots::Hidden>, "Hidden tables", "hiddenTables", &Utility::GetHidTableInfo,
+     records<&DocumentSlots::Hidden, &vtrfile::HIDETABLES_STRUCT::Tables>},
+    {tag_of<&DocumentSlots::Hidden>, "Fields of hidden tables", "hiddenFields", &Utility::GetHidFieldsInfo,
+     fields<&DocumentSlots::Hidden>},
+    {tag_of<&DocumentSlots::Hidden>, "Hidden lookups", "hiddenLookups", &Utility::GetHidLookInfo,
+     records<&DocumentSlots::Hidden, &vtrfile::HIDETABLES_STRUCT::Lookups>},
+    {tag_of<&DocumentSlots::Tree>, "Tree nodes", "tree", &Utility::GetTreInfo, records<&DocumentSlots::Tree>},
+    {tag_of<&DocumentSlots::Language>, "Language texts", "languages", &Utility::GetLanInfo,
+     records<&DocumentSlots::Language>},
+    {tag_of<&DocumentSlots::Module>, "Modules", "modules", &Utility::GetMdlInfo, records<&DocumentSlots::Module>},
+    {tag_of<&DocumentSlots::FieldMatches>, "Field matches", "fieldMatches", &Utility::GetFmsInfo,
+     records<&DocumentSlots::FieldMatches>},
+    {tag_of<&DocumentSlots::Extended>, "Extended storage", "extendedStorage", &Utility::GetExtInfo,
+     records<&DocumentSlots::Extended>},
+    {tag_of<&DocumentSlots::IncludeFile>, "Include files", "includeFiles", &Utility::GetInclInfo,
+     records<&DocumentSlots::IncludeFile>},
+    {tag_of<&DocumentSlots::ControlTag>, "Control tags", "controlTags", &Utility::GetTagInfo,
+     records<&DocumentSlots::ControlTag>},
+    {tag_of<&DocumentSlots::DSNList>, "DSN list", "dsnList", &Utility::GetDSNInfo, records<&DocumentSlots::DSNList>},
+    {tag_of<&DocumentSlots::ImportFiles>, "Import files", "importFiles", &Utility::GetIncNewInfo,
+     records<&DocumentSlots::ImportFiles>},
+    {tag_of<&DocumentSlots::ResidualTable>, "Residual tables", "residualTables", &Utility::GetResiTblInfo,
+     records<&DocumentSlots::ResidualTable>},
 };
 
 struct Ask {
@@ -83,6 +112,7 @@ DocumentAccount account_for(Utility& utility, Locale& locale) {
     AccountList& entry =
         account.lists.emplace_back(AccountList{.section = list.section, .title = list.title, .key = list.key});
     std::visit(Ask{utility, entry}, list.accessor);
+    entry.records = list.count(utility.CurrentSlots());
   }
   // The stored number is that of the definitions, the recount that of their nodes.
   AccountList& nodes = account.lists.emplace_back(

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "component/TarvelVtrOut_InOut.h"
+#include "host/list_counts.h"
 
 namespace trvtrout::host {
 
@@ -25,6 +26,7 @@ struct AccountList {
   std::optional<std::int32_t> count, current, max;
   std::int32_t size = 0;
   std::u16string result;
+  RecordCount records;
 };
 
 // What the accessors tell of the document last read.

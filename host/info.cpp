@@ -50,13 +50,15 @@ Json to_json(const AccountList& list) {
 }
 
 void print_json(const DocumentAccount& account, const std::string& file, const std::u16string& structure_list,
-                const std::optional<vtrfile::ReadError>& damage) {
+                const TarvelVtrOut_InOut& utility) {
+  const auto& damage = utility.LastDamage();
   Json lists = Json::object();
   for (const AccountList& list : account.lists) lists[list.key] = to_json(list);
   const Json whole = {{"file", file},
                       {"result", !damage},
                       {"structureList", damage ? Json(platform::to_utf8(structure_list)) : Json()},
                       {"damage", damage ? damage_json(*damage) : Json()},
+                      {"gaps", gaps_json(utility.LastRead().gaps)},
                       {"header", to_json(account.header)},
                       {"product", to_json(account.product)},
                       {"lists", lists}};
@@ -74,12 +76,12 @@ ExitStatus info(const Settings& settings, const std::string& file, bool json) {
 
   const DocumentAccount account = account_for(utility, machine.locale());
   if (json) {
-    print_json(account, file, structure_list, utility.LastDamage());
+    print_json(account, file, structure_list, utility);
   } else {
     print(account, file);
-    if (status == kRemarkable) std::cout << '\n' << printable(structure_list) << '\n';
+    if (utility.LastDamage()) std::cout << '\n' << printable(structure_list) << '\n';
   }
-  if (status == kRemarkable) {
+  if (utility.LastDamage()) {
     std::cout.flush();
     complain(file + ": " + damage_text(*utility.LastDamage()));
   }

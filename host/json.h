@@ -3,6 +3,7 @@
 #include <iostream>
 #include <nlohmann/json.hpp>
 
+#include "vtrfile/part_read.h"
 #include "vtrfile/read_error.h"
 
 namespace trvtrout::host {
@@ -10,7 +11,16 @@ namespace trvtrout::host {
 using Json = nlohmann::ordered_json;
 
 inline Json damage_json(const vtrfile::ReadError& damage) {
-  return {{"offset", damage.offset()}, {"path", damage.path()}, {"found", damage.found()}};
+  return {{"offset", damage.offset()},
+          {"path", damage.path()},
+          {"found", damage.found()},
+          {"mayBeginAt", damage.may_begin_at()}};
+}
+
+inline Json gaps_json(const std::vector<vtrfile::Gap>& gaps) {
+  Json all = Json::array();
+  for (const vtrfile::Gap& gap : gaps) all.push_back({{"begin", gap.begin}, {"end", gap.end}, {"found", gap.found}});
+  return all;
 }
 
 // To stdout. A file's name can hold bytes that are no UTF-8.

@@ -43,12 +43,18 @@ ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string
   machine.speak_of(file);
   std::u16string path = platform::class_path(file);
   structure_list.clear();
+  bool whole = false;
   {
     Progress progress;
     progress.show("Reading " + file);
-    if (utility.ReadVTR(path, structure_list, is_secondary)) return kFine;
+    whole = bool(utility.ReadVTR(path, structure_list, is_secondary));
   }
-  if (utility.LastDamage()) return kRemarkable;
+  const auto& damage = utility.LastDamage();
+  for (const vtrfile::Gap& gap : utility.LastRead().gaps) {
+    if (!damage || damage->offset() != gap.begin) complain(file + ": " + gap_text(gap));
+  }
+  if (damage) return kRemarkable;
+  if (whole) return utility.LastRead().gaps.empty() ? kFine : kRemarkable;
   // Of an unsupported version the class has told the user itself.
   if (!structure_list.empty()) complain(file + ": " + utility.LastFailure());
   return kTrouble;
@@ -60,7 +66,17 @@ void complain_of_part(const char* what, const char* part, const std::u16string& 
 }
 
 std::string damage_text(const vtrfile::ReadError& damage) {
-  return "damaged at byte " + std::to_string(damage.offset()) + ", " + damage.path() + ": " + damage.found();
+  std::string text = "damaged: reading stopped at byte " + std::to_string(damage.offset()) + ", " + damage.path() +
+                     ": " + damage.found();
+  if (damage.may_begin_at() != damage.offset()) {
+    text += "; the damage may begin earlier, from byte " + std::to_string(damage.may_begin_at()) + " on";
+  }
+  return text;
+}
+
+std::string gap_text(const vtrfile::Gap& gap) {
+  return "damaged: of the " + std::to_string(gap.end - gap.begin) + " bytes from byte " + std::to_string(gap.begin) +
+         " on nothing can be told: " + gap.found + "; the damage may begin earlier, and a section may be missing";
 }
 
 }  // namespace trvtrout::host

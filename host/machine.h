@@ -74,8 +74,9 @@ class Progress {
   bool shown_ = false;
 };
 
-// Reads `file` (a path of the machine) into `utility`. kFine, kRemarkable for a damaged file (`structure_list` has the
-// two lists), kTrouble for one that can't be read, of which the user has been told. Never creates the file.
+// Reads `file` (a path of the machine) into `utility`. kFine, kRemarkable for a damaged file, kTrouble for one that
+// can't be read, of which the user has been told. When the damage ended the reading `structure_list` has the two lists;
+// when it was passed over the file was read to its end, and the user has been told. Never creates the file.
 ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file, std::u16string& structure_list,
                 Boolean is_secondary = False);
 
@@ -84,5 +85,7 @@ void complain_of_part(const char* what, const char* part, const std::u16string& 
 
 // Where the reading of a damaged file broke off, for people.
 std::string damage_text(const vtrfile::ReadError& damage);
+// Of which bytes nothing could be told, for people.
+std::string gap_text(const vtrfile::Gap& gap);
 
 }  // namespace trvtrout::host

@@ -95,8 +95,10 @@ int run(int argc, char** argv) {
       "recover", "Write what can be read of a file to a new one; prints its path, tells what became of each section");
   recover_command->add_option("FILE", recovery.file, "A VTR file, damaged or of the old format; it's never changed")
       ->required();
-  recover_command->add_option("--output", recovery.output, "The new file; a name beside FILE unless said otherwise");
-  recover_command->add_option("--log", recovery.log, "A text file for the lists of what was read and recovered");
+  recover_command->add_option("--output", recovery.output, "The new file; a name beside FILE unless said otherwise")
+      ->check(require_name);
+  recover_command->add_option("--log", recovery.log, "A text file for the lists of what was read and recovered")
+      ->check(require_name);
   recover_command->add_flag("--json", recovery.json, "For programs; docs/json.md tells the form");
   add_overwrite(*recover_command, settings);
   add_code_page(*recover_command, settings);

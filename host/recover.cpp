@@ -5,22 +5,29 @@
 
 #include "host/commands.h"
 #include "host/json.h"
+#include "host/read_back.h"
 #include "host/recovery_account.h"
 #include "platform/files/path.h"
 #include "platform/files/staged_files.h"
 #include "platform/text/utf8.h"
 #include "reports/naming.h"
-#include "vtrfile/record_writer.h"
-#include "vtrfile/sections.h"
 
 namespace trvtrout::host {
 namespace {
 
 constexpr const char* kNothingWritten = "; nothing was written";
 
-// The file to write, as the class knows it; empty when there is none, of which the user has been told.
-std::u16string output_path(const HostServices& services, const std::string& file, const std::string& given,
-                           const std::u16string& desc_name) {
+// A file to write.
+struct Target {
+  std::u16string path;    // as the class knows it
+  bool replaces = false;  // a file that stands there; the user has agreed
+};
+
+bool stands(Files& files, const std::u16string& path) { return files.CreateFileSystemObject()->FileExists(path); }
+
+// Nothing when there is no file to write, of which the user has been told.
+std::optional<Target> target_for(const HostServices& services, const std::string& file, const std::string& given,
+                                 const std::u16string& desc_name) {
   const std::u16string document = platform::class_path(file);
   const auto is_document = [&](const std::u16string& path) {
     if (!services.files.SameFile(path, document)) return false;
@@ -42,7 +49,8 @@ std::u16string output_path(const HostServices& services, const std::string& file
     complain(platform::machine_path(name.path) + ": the file that stands there was left as it was" + kNothingWritten);
     return {};
   }
-  return is_document(name.path) ? std::u16string() : name.path;
+  if (is_document(name.path)) return {};
+  return Target{name.path, name.asked && stands(services.files, name.path)};
 }
 
 bool same_place(Files& files, const std::u16string& path, const std::u16string& other) {
@@ -51,26 +59,6 @@ bool same_place(Files& files, const std::u16string& path, const std::u16string& 
     return std::filesystem::weakly_canonical(std::filesystem::absolute(platform::machine_path(name), none), none);
   };
   return files.SameFile(path, other) || real(path) == real(other);
-}
-
-// Reads the new file and holds it to the document that was written: the bytes of each section's record, or nothing when
-// it isn't the same.
-std::optional<std::vector<std::uint64_t>> read_back(const HostServices& services, std::u16string path,
-                                                    const vtrfile::DocumentSlots& document) {
-  TarvelVtrOut_InOut reader(services);
-  std::u16string list;
-  Boolean primary = False;
-  if (!reader.ReadVTR(path, list, primary)) return {};
-  std::vector<std::uint64_t> sizes;
-  bool same = true;
-  vtrfile::for_each_section([&](const auto& section) {
-    std::string written, found;
-    vtrfile::RecordWriter(written).write(*(document.*section.kSlot));
-    vtrfile::RecordWriter(found).write(*(reader.CurrentSlots().*section.kSlot));
-    same = same && written == found;
-    sizes.push_back(written.size());
-  });
-  return same ? std::optional(sizes) : std::nullopt;
 }
 
 std::string number_of(const std::optional<std::int64_t>& number) { return number ? std::to_string(*number) : "?"; }
@@ -82,8 +70,37 @@ std::string share(std::uint64_t part, std::uint64_t whole) {
   return std::to_string(full / 10) + '.' + std::to_string(full % 10) + '%';
 }
 
+void print(const KeptList& list, int indent, int width, bool whole) {
+  if (list.announced == 0 && list.kept == 0 && list.surplus == 0) return;
+  const std::string margin(static_cast<std::size_t>(indent), ' ');
+  std::cerr << margin << std::left << std::setw(width) << list.title << list.kept << " of " << number_of(list.announced)
+            << " records";
+  if (list.empty > 0) std::cerr << "; " << list.empty << " more slots are announced, and empty in the new file";
+  std::cerr << '\n';
+  if (list.surplus == 0) return;
+  std::cerr << margin << std::setw(width) << "" << list.surplus << " more read behind the announced ones"
+            << (whole ? "" : "; they may be what stood behind the list") << '\n';
+}
+
+// What the table has no place for.
+void print_remarks(const RecoveryAccount& account) {
+  std::string other_texts;
+  for (const KeptPart& part : account.parts) {
+    if (!part.tag_texts_kept) (other_texts += other_texts.empty() ? "" : ", ") += part.name;
+  }
+  if (!other_texts.empty()) {
+    std::cerr << "texts of these tags are lost, since all tags of the new file have those of the last one: "
+              << other_texts << '\n';
+  }
+  std::cerr << "kept " << (account.kept_at_most ? "at most " : "") << account.kept << " of " << account.bytes
+            << " bytes (" << share(account.kept, account.bytes) << ")\n";
+  if (account.behind_end > 0) {
+    std::cerr << account.behind_end << " bytes behind the end tag are no part of the document\n";
+  }
+}
+
 void print(const RecoveryAccount& account) {
-  constexpr int kNameWidth = 26, kFateWidth = 30, kNumberWidth = 12;
+  constexpr int kNameWidth = 26, kFateWidth = 30, kNumberWidth = 12, kIndent = 2;
   const auto row = [](const std::string& name, const std::string& fate) -> std::ostream& {
     return std::cerr << std::left << std::setw(kNameWidth) << name << std::setw(kFateWidth) << fate << std::right
                      << std::setw(kNumberWidth);
@@ -91,91 +108,133 @@ void print(const RecoveryAccount& account) {
   row("part", "outcome") << "bytes read" << std::setw(kNumberWidth) << "kept" << '\n';
   for (const KeptPart& part : account.parts) {
     row(std::string(part.name), text_of(part.fate).title) << part.read << std::setw(kNumberWidth) << part.kept << '\n';
-    for (const KeptList& list : part.lists) {
-      if (list.announced == 0 && list.kept == 0) continue;
-      std::cerr << "  " << std::left << std::setw(kNameWidth - 2) << list.title << number_of(list.kept) << " of "
-                << number_of(list.announced) << " records\n";
-    }
+    for (const KeptList& list : part.lists) print(list, kIndent, kNameWidth - kIndent, part.fate == Fate::kWhole);
   }
-  std::cerr << "kept " << account.kept << " of " << account.bytes << " bytes (" << share(account.kept, account.bytes)
-            << ")\n";
-  if (account.behind_end > 0) {
-    std::cerr << account.behind_end << " bytes behind the end tag are no part of the document\n";
-  }
+  print_remarks(account);
 }
 
 Json to_json(const KeptPart& part) {
-  const auto number = [](const std::optional<std::int64_t>& value) { return value ? Json(*value) : Json(); };
   Json lists = Json::object();
   for (const KeptList& list : part.lists) {
-    lists[list.key] = {{"announced", number(list.announced)}, {"kept", number(list.kept)}};
+    lists[list.key] = {{"announced", list.announced ? Json(*list.announced) : Json()},
+                       {"kept", list.kept},
+                       {"surplus", list.surplus},
+                       {"empty", list.empty}};
   }
-  return {{"outcome", text_of(part.fate).key}, {"bytesRead", part.read}, {"bytesKept", part.kept}, {"lists", lists}};
+  return {{"outcome", text_of(part.fate).key},
+          {"bytesRead", part.read},
+          {"bytesKept", part.kept},
+          {"tagTextsKept", part.tag_texts_kept},
+          {"lists", lists}};
 }
 
-void print_json(const RecoveryTask& task, const std::string& output, const RecoveryAccount& account,
-                const std::u16string& message, const std::optional<vtrfile::ReadError>& damage) {
+// What was written, and what kept the log alone from its place.
+struct Written {
+  std::string output, log_failure;
+  std::u16string message;
+};
+
+void print_json(const RecoveryTask& task, const Written& written, const RecoveryAccount& account,
+                const TarvelVtrOut_InOut& utility) {
   Json parts = Json::object();
   for (const KeptPart& part : account.parts) parts[std::string(part.name)] = to_json(part);
+  const auto& damage = utility.LastDamage();
   show_json({{"file", task.file},
-             {"output", output},
-             {"log", task.log.empty() ? Json() : Json(task.log)},
+             {"output", written.output},
+             {"log", task.log.empty() || !written.log_failure.empty() ? Json() : Json(task.log)},
              {"nothingLost", account.nothing_lost},
              {"damage", damage ? damage_json(*damage) : Json()},
+             {"gaps", gaps_json(utility.LastRead().gaps)},
              {"bytes", account.bytes},
              {"bytesKept", account.kept},
+             {"keptAtMost", account.kept_at_most},
+             {"bytesBehindEnd", account.behind_end},
              {"parts", parts},
-             {"message", platform::to_utf8(message)}});
+             {"message", platform::to_utf8(written.message)}});
 }
 
 // Reads the file; false when there is nothing in it to recover, of which the user has been told.
 bool read_damaged(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file, std::u16string& message) {
-  if (read(machine, utility, file, message) == kTrouble) return false;
-  if (utility.LastParts().front().whole) return true;
+  if (read(machine, utility, file, message) == kTrouble) {
+    // Of a file that can't be read at all the list has been made, and the user told why.
+    if (message.empty()) complain(file + ": its version can't be read; the file may be damaged" + kNothingWritten);
+    return false;
+  }
+  if (utility.LastRead().parts.front().whole) return true;
   complain(file + ": " + damage_text(*utility.LastDamage()) + "; without a header nothing can be recovered" +
            kNothingWritten);
   return false;
 }
 
-// The files to write; the log is empty when none is asked for.
 struct Targets {
-  std::u16string output, log;
+  Target output;
+  std::optional<Target> log;  // none when none is asked for
 };
 
 // Nothing when one of them can't be written, of which the user has been told.
 std::optional<Targets> targets_of(const HostServices& services, const RecoveryTask& task) {
-  Targets targets;
-  targets.output = output_path(services, task.file, task.output, u"Recovered");
-  if (targets.output.empty()) return {};
-  if (task.log.empty()) return targets;
-  targets.log = output_path(services, task.file, task.log, u"Log");
-  if (targets.log.empty()) return {};
-  if (!same_place(services.files, targets.log, targets.output)) return targets;
+  const auto output = target_for(services, task.file, task.output, u"Recovered");
+  if (!output) return {};
+  if (task.log.empty()) return Targets{*output, {}};
+  const auto log = target_for(services, task.file, task.log, u"Log");
+  if (!log) return {};
+  if (!same_place(services.files, log->path, output->path)) return Targets{*output, log};
   complain(task.log + ": the log can't be the recovered file itself; name another one" + kNothingWritten);
   return {};
 }
 
-// Writes a log that isn't in its place yet.
-void write_log(platform::StagedFiles& files, const std::u16string& path, const std::string& text) {
-  const auto log = files.OpenBinaryOutput(path);
-  log->Write(text);
-  log->Close();
+// The recovered file and its log, which stand beside their places until both are complete.
+class NewFiles {
+ public:
+  // `files` must outlive it.
+  NewFiles(Files& files, const std::string& model) : output_(files, model), log_(files, model) {}
+
+  Files& output() { return output_; }
+  std::u16string content_path() const { return output_.content_path(); }
+  // Raises ServiceError when the new file isn't in its place. What kept the log alone from its place, if anything.
+  std::string commit(const Targets& targets, const std::string& log_text) {
+    if (targets.log) {
+      const auto log = log_.OpenBinaryOutput(targets.log->path);
+      log->Write(log_text);
+      log->Close();
+    }
+    output_.commit(targets.output.replaces);
+    try {
+      if (targets.log) log_.commit(targets.log->replaces);
+    } catch (const ServiceError& error) {
+      return error.what();
+    }
+    return {};
+  }
+
+ private:
+  platform::StagedFiles output_, log_;
+};
+
+void tell(const RecoveryTask& task, const Written& written, const RecoveryAccount& account,
+          const TarvelVtrOut_InOut& utility) {
+  if (utility.LastDamage()) complain(task.file + ": " + damage_text(*utility.LastDamage()));
+  if (!written.log_failure.empty()) complain(written.output + " was written; the log wasn't: " + written.log_failure);
+  if (task.json) {
+    print_json(task, written, account, utility);
+  } else {
+    print(account);
+    std::cout << written.output << std::endl;
+  }
 }
 
 }  // namespace
 
 ExitStatus recover(const Settings& settings, const RecoveryTask& task) {
   Machine machine(settings);
-  platform::StagedFiles output_files(machine.services().files), log_files(machine.services().files);
-  TarvelVtrOut_InOut utility(machine.services(output_files));
+  NewFiles files(machine.services().files, task.file);
+  TarvelVtrOut_InOut utility(machine.services(files.output()));
   std::u16string message;
   if (!read_damaged(machine, utility, task.file, message)) return kTrouble;
-  std::error_code none;
-  const auto bytes = std::filesystem::file_size(task.file, none);
   auto targets = targets_of(machine.services(), task);
   if (!targets) return kTrouble;
 
-  const std::string output = platform::machine_path(targets->output);
+  const std::string output = platform::machine_path(targets->output.path);
   const auto trouble = [&](const std::string& what) {
     complain(output + ": " + what + kNothingWritten);
     return kTrouble;
@@ -183,29 +242,23 @@ ExitStatus recover(const Settings& settings, const RecoveryTask& task) {
   Progress progress;
   progress.show("Writing " + output);
   const DocumentState before = state_of(utility, machine.locale());
-  if (!utility.RecoverVTR(targets->output, message)) return trouble(utility.LastFailure());
+  if (!utility.RecoverVTR(targets->output.path, message)) return trouble(utility.LastFailure());
   progress.show("Checking " + output);
-  const auto written = read_back(machine.services(), output_files.content_path(), utility.CurrentSlots());
-  if (!written) return trouble("what was written doesn't read back as the same document");
+  std::optional<std::vector<std::uint64_t>> sizes;
+  std::string log_failure;
   try {
-    if (!targets->log.empty()) write_log(log_files, targets->log, machine.locale().Encode(message));
-    output_files.commit();
+    sizes = read_back(machine.services(), files.content_path(), utility.CurrentSlots());
+    if (!sizes) return trouble("what was written doesn't read back as the same document");
+    log_failure = files.commit(*targets, machine.locale().Encode(message));
   } catch (const ServiceError& error) {
     return trouble(error.what());
   }
   progress.show({});
 
   const RecoveryAccount account =
-      account_for_recovery(before, state_of(utility, machine.locale()), utility.LastParts(), *written, bytes);
-  if (utility.LastDamage()) complain(task.file + ": " + damage_text(*utility.LastDamage()));
-  if (task.json) {
-    print_json(task, output, account, message, utility.LastDamage());
-  } else {
-    print(account);
-    std::cout << output << std::endl;
-  }
-  if (!targets->log.empty()) log_files.commit();
-  return account.nothing_lost ? kFine : kRemarkable;
+      account_for_recovery(before, state_of(utility, machine.locale()), utility.LastRead(), *sizes);
+  tell(task, {output, log_failure, message}, account, utility);
+  return account.nothing_lost && log_failure.empty() ? kFine : kRemarkable;
 }
 
 }  // namespace trvtrout::host

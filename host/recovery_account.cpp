@@ -7,7 +7,7 @@
 namespace trvtrout::host {
 namespace {
 
-using vtrfile::Array;
+using vtrfile::Carried;
 using vtrfile::DocumentSlots;
 using vtrfile::kSection;
 using vtrfile::PartRead;
@@ -16,44 +16,13 @@ constexpr std::string_view kSchema = kSection<&DocumentSlots::Schema>.tag;
 constexpr std::string_view kHidden = kSection<&DocumentSlots::Hidden>.tag;
 constexpr std::string_view kDataSend = kSection<&DocumentSlots::DataSend>.tag;
 
-std::int64_t not_negative(std::int64_t count) { return std::max<std::int64_t>(count, 0); }
-
-// Elements that the file held; those that it only announced are in the array too, and empty.
-template <class Item>
-std::int64_t held(const Array<Item>& items) {
-  return items.allocated() ? items.block().stored : 0;
-}
-
-// The sum of what `number` tells of each item that the file held.
-template <class Item, class Number>
-std::int64_t sum(const Array<Item>& items, Number number) {
-  std::int64_t total = 0;
-  for (std::int64_t place = 0; place < held(items); ++place) {
-    total += number(items.position(static_cast<std::uint32_t>(place)));
-  }
-  return total;
-}
-
-std::int64_t announced_fields(const vtrfile::TABLES_STRUCT& tables) {
-  return sum(tables.Items, [](const vtrfile::TABLES_ITEM_STRUCT& table) { return not_negative(table.Fields.Count); });
-}
-
-// The recount of these lists looks at no slot, so what was kept is counted here.
-std::vector<KeptList> data_send_lists(const vtrfile::DATASEND_STRUCT& before, const vtrfile::DATASEND_STRUCT& after) {
-  using Definition = vtrfile::DATASEND_ITEM_STRUCT;
-  const auto announced = [](const Definition& item) { return not_negative(item.Count); };
-  const auto kept = [](const Definition& item) { return std::min(not_negative(item.Count), held(item.Nodes)); };
-  return {{"Definitions", "definitions", not_negative(before.Count),
-           std::min(not_negative(after.Count), held(after.Items))},
-          {"Nodes", "nodes", sum(before.Items, announced), sum(after.Items, kept)}};
-}
-
 bool holds_together(const AccountList& list) { return list.result == u"OK"; }
 
 // What the file says of the section that is called `name`.
 struct Found {
   const PartRead* last = nullptr;  // the one whose record remains; null when the section wasn't met
   std::uint64_t read = 0;
+  std::uint64_t bare = 0;  // bytes of further tags that had no record behind them
   int records = 0;
 };
 
@@ -61,42 +30,77 @@ Found find(const std::vector<PartRead>& parts, std::string_view name) {
   Found found;
   for (const PartRead& part : parts) {
     if (part.name != name) continue;
-    if (part.records > 0 || !found.last) found.last = &part;
-    found.read += part.end - part.begin;
+    const std::uint64_t bytes = part.end - part.begin;
+    const bool remains = part.records > 0 || !found.last;
+    if (remains && found.last && found.last->records == 0) found.bare += found.last->end - found.last->begin;
+    if (remains) found.last = &part;
+    if (!remains) found.bare += bytes;
+    found.read += bytes;
     found.records += part.records;
   }
   return found;
 }
 
+KeptList kept_list(const char* title, const char* key, const RecordCount& before, const RecordCount& after,
+                   bool whole) {
+  KeptList list{title, key, before.announced, std::min(after.expected(), before.announced), 0, after.empty};
+  list.surplus = after.used - list.kept;
+  // The number that stands in front of a list may be behind the place where reading stopped.
+  if (!whole && list.announced == 0 && list.surplus == 0) list.announced.reset();
+  return list;
+}
+
+bool has_fewer(const KeptList& list) { return list.announced && list.kept < *list.announced; }
+
 class Accountant {
  public:
-  Accountant(const DocumentState& before, const DocumentState& after, const std::vector<PartRead>& parts)
-      : before_(before), after_(after), parts_(parts), complete_(find(parts, vtrfile::kEndTag).last != nullptr) {}
+  Accountant(const DocumentState& before, const DocumentState& after, const vtrfile::FileRead& read)
+      : before_(before), after_(after), read_(read), complete_(find(read.parts, vtrfile::kEndTag).last != nullptr) {}
 
+  // Without a whole header nothing is recovered.
   KeptPart header() const {
-    const PartRead& header = parts_.front();
-    return {header.name, header.whole ? Fate::kWhole : Fate::kPartlyRead, header.end, header.end, {}};
+    const PartRead& header = read_.parts.front();
+    return {header.name, Fate::kWhole, header.end, header.end};
   }
 
   KeptPart section(std::string_view name, std::uint64_t written) const {
-    const Found found = find(parts_, name);
-    if (!found.last) return {.name = name, .fate = complete_ ? Fate::kAbsent : Fate::kNotReached};
-    KeptPart part{name, fate(name, found), found.read, 0, lists(name, found.last->whole)};
-    // A record that was emptied as a whole is none that was kept; of the two with several lists the rest stays.
-    if (part.fate != Fate::kEmptied || name == kSchema || name == kHidden) {
-      const std::uint64_t tag = found.last->content - found.last->begin;
-      part.kept = tag + (found.last->records > 0 ? std::min(found.last->end - found.last->record, written) : 0);
+    const Found found = find(read_.parts, name);
+    if (!found.last) {
+      return {name, !read_.gaps.empty() ? Fate::kNotFound : complete_ ? Fate::kAbsent : Fate::kNotReached};
     }
+    KeptPart part{.name = name, .read = found.read, .lists = lists(name, found.last->whole)};
+    part.fate = fate(part, found);
+    std::uint64_t lost_texts = 0;
+    for (const PartRead& met : read_.parts) {
+      if (met.name == name && met.tag_texts != last_tag_texts()) lost_texts += met.tag_texts.size();
+    }
+    part.tag_texts_kept = lost_texts == 0;
+    part.kept = kept(part, found, written);
+    part.kept -= std::min(part.kept, lost_texts);
     return part;
   }
 
  private:
-  Fate fate(std::string_view name, const Found& found) const {
-    Fate fate = Fate::kWhole;
-    if (!found.last->carried_over) fate = Fate::kLeftBehind;
+  vtrfile::TagTexts last_tag_texts() const {
+    const auto& tag = *before_.slots.SectionTag;
+    return {tag.Text1.bytes(), tag.Text2.bytes()};
+  }
+
+  std::uint64_t kept(const KeptPart& part, const Found& found, std::uint64_t written) const {
+    // A record that was emptied as a whole is none that was kept; of the two with several lists the rest stays.
+    const bool emptied = part.fate == Fate::kEmptied && part.name != kSchema && part.name != kHidden;
+    if (emptied || part.fate == Fate::kNotCarried) return 0;
+    const std::uint64_t tag = found.last->content - found.last->begin;
+    return found.bare + tag + (found.last->records > 0 ? std::min(found.last->end - found.last->record, written) : 0);
+  }
+
+  Fate fate(const KeptPart& part, const Found& found) const {
+    if (found.last->carried == Carried::kNone) return Fate::kNotCarried;
+    Fate fate = std::ranges::any_of(part.lists, has_fewer) ? Fate::kFewer : Fate::kWhole;
+    if (found.last->carried == Carried::kPart) fate = Fate::kLeftBehind;
     if (found.records > 1) fate = Fate::kReplaced;
     for (std::size_t list = 0; list < before_.lists.size(); ++list) {
-      if (before_.lists[list].section == name && !holds_together(before_.lists[list])) {
+      if (before_.lists[list].section == part.name && !holds_together(before_.lists[list])) {
         if (holds_together(after_.lists[list])) return Fate::kEmptied;
         fate = Fate::kUnsound;
       }
@@ -105,29 +109,33 @@ class Accountant {
   }
 
   std::vector<KeptList> lists(std::string_view name, bool whole) const {
+    if (name == kDataSend) {
+      const auto &before = *before_.slots.DataSend, &after = *after_.slots.DataSend;
+      return {
+          kept_list("Definitions", "definitions", count_definitions(before), count_definitions(after), whole),
+          kept_list("Nodes", "nodes", count_nodes(before), count_nodes(after), whole),
+      };
+    }
     std::vector<KeptList> lists;
-    if (name == kDataSend) lists = data_send_lists(*before_.slots.DataSend, *after_.slots.DataSend);
-    for (std::size_t number = 0; name != kDataSend && number < before_.lists.size(); ++number) {
+    for (std::size_t number = 0; number < before_.lists.size(); ++number) {
       const AccountList& list = before_.lists[number];
       if (list.section != name) continue;
-      KeptList& kept = lists.emplace_back(KeptList{list.title, list.key, {}, {}});
-      kept.announced =
-          list.count ? not_negative(*list.count)
-                     : announced_fields(name == kSchema ? before_.slots.Schema->Tables : before_.slots.Hidden->Tables);
-      if (holds_together(after_.lists[number])) kept.kept = after_.lists[number].size;
-    }
-    // The number that stands in front of a list may be behind the place where reading stopped.
-    for (KeptList& list : lists) {
-      if (!whole && list.announced == 0) list.announced.reset();
+      lists.push_back(kept_list(list.title, list.key, list.records, after_.lists[number].records, whole));
     }
     return lists;
   }
 
   const DocumentState& before_;
   const DocumentState& after_;
-  const std::vector<PartRead>& parts_;
+  const vtrfile::FileRead& read_;
   bool complete_;
 };
+
+// Whether bytes count as kept of which some may not be in the new file.
+bool counts_too_much(const KeptPart& part) {
+  return part.kept > 0 &&
+         (part.fate == Fate::kPartlyRead || part.fate == Fate::kEmptied || part.fate == Fate::kLeftBehind);
+}
 
 }  // namespace
 
@@ -137,6 +145,8 @@ FateText text_of(Fate fate) {
       return {"whole", "whole"};
     case Fate::kAbsent:
       return {"not in the file", "absent"};
+    case Fate::kNotFound:
+      return {"not found", "notFound"};
     case Fate::kPartlyRead:
       return {"partly read", "partlyRead"};
     case Fate::kEmptied:
@@ -147,6 +157,10 @@ FateText text_of(Fate fate) {
       return {"more than one, the last kept", "replaced"};
     case Fate::kLeftBehind:
       return {"not all has a place", "leftBehind"};
+    case Fate::kNotCarried:
+      return {"read, but not carried over", "notCarriedOver"};
+    case Fate::kFewer:
+      return {"fewer records than announced", "fewerThanAnnounced"};
     case Fate::kNotReached:
       return {"never reached", "notReached"};
   }
@@ -158,20 +172,21 @@ DocumentState state_of(TarvelVtrOut_InOut& utility, Locale& locale) {
 }
 
 RecoveryAccount account_for_recovery(const DocumentState& before, const DocumentState& after,
-                                     const std::vector<PartRead>& parts, const std::vector<std::uint64_t>& written,
-                                     std::uint64_t bytes) {
-  const Accountant accountant(before, after, parts);
-  RecoveryAccount account{.parts = {accountant.header()}, .bytes = bytes};
+                                     const vtrfile::FileRead& read, const std::vector<std::uint64_t>& written) {
+  const Accountant accountant(before, after, read);
+  RecoveryAccount account{.parts = {accountant.header()}, .bytes = read.bytes};
   std::size_t number = 0;
   vtrfile::for_each_section(
       [&](const auto& section) { account.parts.push_back(accountant.section(section.tag, written.at(number++))); });
 
-  const Found end = find(parts, vtrfile::kEndTag);
+  const Found end = find(read.parts, vtrfile::kEndTag);
   account.kept = end.read;
-  if (end.last && end.last->end < bytes) account.behind_end = bytes - end.last->end;
+  if (end.last && end.last->end < read.bytes) account.behind_end = read.bytes - end.last->end;
   for (const KeptPart& part : account.parts) account.kept += part.kept;
-  account.nothing_lost = end.last && std::ranges::all_of(account.parts, [](const KeptPart& part) {
-                           return part.fate == Fate::kWhole || part.fate == Fate::kAbsent;
+  account.kept_at_most = std::ranges::any_of(account.parts, counts_too_much);
+  account.nothing_lost = end.last && account.kept + account.behind_end == account.bytes &&
+                         std::ranges::all_of(account.parts, [](const KeptPart& part) {
+                           return part.tag_texts_kept && (part.fate == Fate::kWhole || part.fate == Fate::kAbsent);
                          });
   return account;
 }

@@ -14,11 +14,14 @@ namespace trvtrout::host {
 enum class Fate {
   kWhole,
   kAbsent,      // the file was read to its end and doesn't have it
+  kNotFound,    // the same, but there were bytes of which nothing could be told
   kPartlyRead,  // the end of the file or damage broke it off
   kEmptied,     // a list of it doesn't hold together
   kUnsound,     // a list of it doesn't hold together, but stays as it was read
   kReplaced,    // the file holds it more than once, and the last one counts
   kLeftBehind,  // of the old format, with content that has no place in the current one
+  kNotCarried,  // of the old format, and broken off: nothing of it came into the document
+  kFewer,       // a list of it has fewer records than it announces
   kNotReached,
 };
 
@@ -28,18 +31,22 @@ struct FateText {
 };
 FateText text_of(Fate fate);
 
-// The records of one list; no value where that can't be told.
+// The records of one list.
 struct KeptList {
   const char* title;
   const char* key;
-  std::optional<std::int64_t> announced, kept;
+  std::optional<std::int64_t> announced;  // no value where that can't be told
+  std::int64_t kept = 0;                  // of those announced
+  std::int64_t surplus = 0;               // kept beyond those; of a broken list perhaps what stood behind it
+  std::int64_t empty = 0;                 // announced behind the end of the file, and empty in the new one
 };
 
 struct KeptPart {
   std::string_view name;  // "Header", or the tag of a section
   Fate fate = Fate::kAbsent;
-  std::uint64_t read = 0;  // bytes that were read of it
-  std::uint64_t kept = 0;  // of these, the bytes of what is in the new file
+  std::uint64_t read = 0;      // bytes that were read of it
+  std::uint64_t kept = 0;      // of these, the bytes of what is in the new file; of a broken part at most so many
+  bool tag_texts_kept = true;  // all tags of the new file have the texts of the last one of the old file
   std::vector<KeptList> lists;
 };
 
@@ -48,6 +55,7 @@ struct RecoveryAccount {
   std::uint64_t bytes = 0;      // of the whole file
   std::uint64_t kept = 0;
   std::uint64_t behind_end = 0;  // bytes behind the end tag, which are no part of the document
+  bool kept_at_most = false;     // `kept` counts bytes of broken parts
   bool nothing_lost = false;
 };
 
@@ -58,10 +66,9 @@ struct DocumentState {
 };
 DocumentState state_of(TarvelVtrOut_InOut& utility, Locale& locale);
 
-// `before`, `after`: the document as it was read from a file of `bytes` bytes with these `parts`, and as it was
-// written. `written`: bytes of each section's record in the new file.
+// `before`, `after`: the document as it was read from the file that gave `read`, and as it was written. `written`:
+// bytes of each section's record in the new file.
 RecoveryAccount account_for_recovery(const DocumentState& before, const DocumentState& after,
-                                     const std::vector<vtrfile::PartRead>& parts,
-                                     const std::vector<std::uint64_t>& written, std::uint64_t bytes);
+                                     const vtrfile::FileRead& read, const std::vector<std::uint64_t>& written);
 
 }  // namespace trvtrout::host

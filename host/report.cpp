@@ -16,7 +16,7 @@ ExitStatus report(const Settings& settings, const ReportTask& task) {
   std::u16string structure_list;
   ExitStatus status = read(machine, utility, task.file, structure_list);
   if (status == kTrouble) return status;
-  if (status == kRemarkable) {
+  if (utility.LastDamage()) {
     complain(task.file + ": " + damage_text(*utility.LastDamage()) + "; the reports hold what could be read before it");
   }
 

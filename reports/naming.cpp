@@ -42,6 +42,7 @@ OutputName settle(const HostServices& services, FileSystemObject& file_system, O
   const MessageAnswer answer =
       services.message_box.Show(u"File " + name.path + u" already exists. Do you want to overwite it?",
                                 MessageButtons::kYesNoCancel, std::nullopt);
+  name.asked = true;
   if (answer == MessageAnswer::kCancel) name.abandoned = true;
   if (answer == MessageAnswer::kNo) {
     const std::u16string pattern = u"*" + std::u16string(extension);

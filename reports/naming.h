@@ -17,6 +17,7 @@ struct OutputName {
   // The user answered Cancel about the file that stands at `path`: it must not be touched.
   bool abandoned = false;
   std::string failure;  // why the path is empty, for people
+  bool asked = false;   // a file stood there, and the user has agreed to this path or chosen another
 };
 
 // Creates the text file of a report under a settled name. Raises ServiceError and what keeps a name from being used: it

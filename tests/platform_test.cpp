@@ -151,10 +151,22 @@ TEST_F(LocalFilesTest, ABinaryOutputIsWrittenInPlaceOrBesideIt) {
     write(staged, "long enough");
     EXPECT_EQ(files.OpenBinary(staged.content_path())->Size(), 11U);
     EXPECT_EQ(get_file(file), "nept");
-    staged.commit();
+    EXPECT_EQ(error_number([&] { staged.commit(false); }), 58) << "nobody has agreed that the file goes";
+    EXPECT_EQ(get_file(file), "nept");
+    staged.commit(true);
   }
   EXPECT_EQ(get_file(folder.at("link")), "long enough");
   EXPECT_EQ(fs::status(file).permissions(), fs::perms::owner_all);
+  {
+    StagedFiles fresh(files, file);
+    fresh.OpenBinaryOutput(class_path(folder.at("new")))->Close();
+    fresh.commit(false);
+  }
+  EXPECT_EQ(fs::status(folder.at("new")).permissions(), fs::perms::owner_all) << "those of its model";
+  fs::remove(folder.at("new"));
+  fs::create_symlink("nowhere", folder.at("new"));
+  EXPECT_THROW(StagedFiles(files).OpenBinaryOutput(class_path(folder.at("new"))), ServiceError);
+  fs::remove(folder.at("new"));
   const fs::path parent = fs::path(file).parent_path();
   EXPECT_EQ(std::distance(fs::directory_iterator(parent), {}), 2) << "nothing is left beside them";
 }

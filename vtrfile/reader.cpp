@@ -80,8 +80,9 @@ DocumentReader::DocumentReader(DocumentSlots& current, GroupSlots& group, Slot<S
 
 bool DocumentReader::read(std::shared_ptr<const Image> image) {
   image_ = std::move(image);
+  met_.bytes = image_->size();
   records_ = std::make_unique<RecordReader>(*image_);
-  read_part(PartRead::kHeader, 0, [this] { read_records(current_.Header, 1); });
+  read_part({.name = PartRead::kHeader}, [this] { read_records(current_.Header, 1); });
   (read_list_ += kHeaderName) += kLineEnd;
   replace_all(not_read_list_, entry(kHeaderName), "");
   replace_all(old_not_read_list_, entry(kOldHeaderName), "");
@@ -99,7 +100,7 @@ void DocumentReader::read_sections(bool old_format) {
     const std::uint64_t offset = records_->offset();
     const std::string_view tag = next_tag();
     if (tag == kEndTag) {
-      parts_.push_back({.name = kEndTag, .begin = offset, .content = records_->offset(), .end = records_->offset()});
+      read_part(part_behind_tag(kEndTag, offset), [] {});
       (read_list_ += kEndTag) += kLineEnd;
       return;
     }
@@ -107,15 +108,10 @@ void DocumentReader::read_sections(bool old_format) {
     const auto section = std::ranges::find_if(
         sections, [&](const KnownSection& known) { return known.tag == tag && (known.in_old_format || !old_format); });
     if (section == sections.end()) {
-      if (unknown_tag_number_ == 0) {
-        unknown_tag_number_ = number;
-        unknown_tag_offset_ = offset;
-        unknown_tag_ = tag_is_cut_ ? "the file ends here, without its \"EOF\" tag"
-                                   : shown(tag) + " where the tag of a section was due";
-      }
+      enter_unknown_tag(number, offset);
       continue;
     }
-    read_part(section->tag, offset, [&] {
+    read_part(part_behind_tag(section->tag, offset), [&] {
       const int count = current_.SectionTag->Count;
       if (old_format && section->tag == kSchema.tag) {
         read_old_schema(count);
@@ -129,19 +125,20 @@ void DocumentReader::read_sections(bool old_format) {
 }
 
 template <class Read>
-void DocumentReader::read_part(std::string_view name, std::uint64_t begin, Read&& read) {
-  parts_.push_back({.name = name, .begin = begin, .content = records_->offset()});
+void DocumentReader::read_part(PartRead part, Read&& read) {
+  met_.parts.push_back(std::move(part));
   try {
     read();
   } catch (ReadError& error) {
     // Of a list that is too long all was read that the file holds.
-    parts_.back().end = records_->cut() ? image_->size() : error.offset();
-    parts_.back().whole = false;
-    error.enter(std::string(name));
+    met_.parts.back().end = records_->cut() ? image_->size() : error.offset();
+    met_.parts.back().whole = false;
+    error.enter(std::string(met_.parts.back().name));
+    error.read_since(met_.parts.back().begin);
     throw;
   }
-  parts_.back().end = records_->offset();
-  if (records_->cut()) parts_.back().whole = false;
+  met_.parts.back().end = records_->offset();
+  if (records_->cut()) met_.parts.back().whole = false;
 }
 
 std::string_view DocumentReader::next_tag() {
@@ -153,7 +150,7 @@ std::string_view DocumentReader::next_tag() {
 
 template <class Record>
 void DocumentReader::read_records(Slot<Record>& slot, int count) {
-  PartRead& part = parts_.back();
+  PartRead& part = met_.parts.back();
   for (int number = 1; number <= count; ++number) {
     // A record that was read isn't given up for one that the file only announces.
     if (number > 1 && records_->at_end()) {
@@ -181,9 +178,11 @@ void DocumentReader::read_section(int count) {
 }
 
 void DocumentReader::read_old_schema(int count) {
+  Carried& carried = met_.parts.back().carried;
+  carried = Carried::kNone;
   read_records(schema_old_, count);
   UpgradeSchema(kOldFormatVersion, schema_old_, current_.Schema);
-  parts_.back().carried_over = !UpgradeLeavesBehind(*schema_old_);
+  carried = UpgradeLeavesBehind(*schema_old_) ? Carried::kPart : Carried::kAll;
   group_.Schema = current_.Schema;
 }
 
@@ -202,13 +201,35 @@ void DocumentReader::account(const KnownSection& section, bool old_format) {
   replace_all(not_read_list_, "FIELDS_STRUCT, ", "");
 }
 
-void DocumentReader::give_up() const {
-  const bool lost = unknown_tag_number_ != 0;
-  ReadError error(lost ? unknown_tag_offset_ : records_->offset(),
-                  lost ? unknown_tag_ : "more than " + std::to_string(kMaxTags) + " section tags");
-  error.enter(static_cast<std::uint64_t>(lost ? unknown_tag_number_ : kMaxTags + 1));
-  error.enter("SectionTag");
-  throw error;
+PartRead DocumentReader::part_behind_tag(std::string_view name, std::uint64_t begin) const {
+  return {.name = name,
+          .begin = begin,
+          .content = records_->offset(),
+          .tag_texts = TagTexts{current_.SectionTag->Text1.bytes(), current_.SectionTag->Text2.bytes()}};
+}
+
+void DocumentReader::enter_unknown_tag(int number, std::uint64_t offset) {
+  const std::string found = tag_is_cut_
+                                ? "the file ends here, without its \"EOF\" tag"
+                                : shown(current_.SectionTag->Tag.bytes()) + " where the tag of a section was due";
+  if (!astray_) {
+    astray_.emplace(offset, found, ReadError::Cause::kOutOfStep);
+    astray_->enter(static_cast<std::uint64_t>(number));
+    astray_->enter("SectionTag");
+    astray_->read_since(met_.parts.back().begin);
+  }
+  if (tag_is_cut_) return;
+  if (met_.gaps.empty() || met_.gaps.back().end != offset) met_.gaps.push_back({.begin = offset, .found = found});
+  met_.gaps.back().end = records_->offset();
+}
+
+void DocumentReader::give_up() {
+  if (!astray_) {
+    astray_.emplace(records_->offset(), "more than " + std::to_string(kMaxTags) + " section tags");
+    astray_->enter(static_cast<std::uint64_t>(kMaxTags + 1));
+    astray_->enter("SectionTag");
+  }
+  throw *astray_;
 }
 
 }  // namespace trvtrout::vtrfile

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -10,6 +11,7 @@
 
 #include "vtrfile/document.h"
 #include "vtrfile/part_read.h"
+#include "vtrfile/read_error.h"
 #include "vtrfile/record_reader.h"
 
 namespace trvtrout::vtrfile {
@@ -36,15 +38,15 @@ class DocumentReader {
   // The two status lists, at any moment: the structures that were read, a blank line, those that were not.
   std::string structure_list() const { return read_list_ + "\r\n" + not_read_list_; }
 
-  // The parts of the file in the order in which they were met, as far as reading came. May be called once.
-  std::vector<PartRead> take_parts() noexcept { return std::move(parts_); }
+  // What was met in the file as far as reading came. May be called once.
+  FileRead take_account() noexcept { return std::move(met_); }
 
  private:
   struct KnownSection;
   static std::span<const KnownSection> known_sections();
 
   template <class Read>
-  void read_part(std::string_view name, std::uint64_t begin, Read&& read);
+  void read_part(PartRead part, Read&& read);
   template <auto Member>
   void read_section(int count);
   void read_old_schema(int count);
@@ -55,22 +57,21 @@ class DocumentReader {
   void read_sections(bool old_format);
   std::string_view next_tag();
   void account(const KnownSection& section, bool old_format);
-  [[noreturn]] void give_up() const;
+  void enter_unknown_tag(int number, std::uint64_t offset);
+  PartRead part_behind_tag(std::string_view name, std::uint64_t begin) const;
+  [[noreturn]] void give_up();
 
   DocumentSlots& current_;
   GroupSlots& group_;
   Slot<SCHEMA_STRUCT_OLD1>& schema_old_;
   std::shared_ptr<const Image> image_;
   std::unique_ptr<RecordReader> records_;
-  std::vector<PartRead> parts_;
+  FileRead met_;
   std::string read_list_;
   std::string not_read_list_;
   std::string old_not_read_list_;
-  bool tag_is_cut_ = false;  // the tag last read, by the end of the file
-  // The first tag that names no section, where the walk lost its way, and what was found there.
-  std::uint64_t unknown_tag_offset_ = 0;
-  int unknown_tag_number_ = 0;
-  std::string unknown_tag_;
+  bool tag_is_cut_ = false;          // the tag last read, by the end of the file
+  std::optional<ReadError> astray_;  // the first tag that names no section, where the walk lost its way
 };
 
 }  // namespace trvtrout::vtrfile

@@ -8,7 +8,7 @@ namespace {
 // A cut file may announce more than it holds, and its missing elements are delivered empty; but what is announced must
 // stay in proportion to the file, or a few bytes would make a rewritten file of gigabytes.
 constexpr Allowance kAllowance = Allowance{4} << 20;
-constexpr Allowance kAllowancePerByte = 16;
+constexpr Allowance kAllowancePerByte = 2;
 
 }  // namespace
 
@@ -41,6 +41,13 @@ RecordReader::Place RecordReader::filled_variant(Place at, Var& variant) {
   return behind ? behind : cut_end();
 }
 
+RecordReader::Place RecordReader::with_empty(Place at, Place behind, std::size_t slots) {
+  if (at == behind) return nullptr;
+  unsigned char* const copy = new_bytes(static_cast<std::size_t>(behind - at) + 2 * slots);
+  std::fill_n(std::copy(at, behind, copy), 2 * slots, static_cast<unsigned char>(0));
+  return copy;
+}
+
 RecordReader::Place RecordReader::filled_var_run(Place at, std::size_t slots, Place& run) {
   Place behind = at;
   for (std::size_t slot = 0; slot < slots; ++slot) {
@@ -49,14 +56,12 @@ RecordReader::Place RecordReader::filled_var_run(Place at, std::size_t slots, Pl
       const Place next = filled_variant(behind, variant);
       if (variant.empty()) {
         // The end of the file cuts this slot: it and those behind it are Empty.
-        const auto whole = static_cast<std::size_t>(behind - at);
-        unsigned char* const copy = new_bytes(whole + 2 * (slots - slot));
-        std::fill_n(std::copy(at, behind, copy), 2 * (slots - slot), static_cast<unsigned char>(0));
-        run = whole > 0 ? copy : nullptr;
+        run = with_empty(at, behind, slots - slot);
         return end_;
       }
       behind = next;
     } catch (ReadError& error) {
+      run = with_empty(at, behind, slots - slot);
       error.enter(slot + 1);
       throw;
     }

@@ -52,8 +52,11 @@ class RecordReader {
   Place cut_text(Place at, Text& text);
   Place variant(Place at, Var& variant);
   Place filled_variant(Place at, Var& variant);
-  // The run of `slots` variants at `at` is filled or cut; sets `run` to where it can be found.
+  // The run of `slots` variants at `at` is filled, cut or broken; sets `run` to where it can be found, even when it
+  // raises ReadError.
   Place filled_var_run(Place at, std::size_t slots, Place& run);
+  // A copy of the bytes from `at` to `behind`, with `slots` Empty variants behind them; null when there are no bytes.
+  Place with_empty(Place at, Place behind, std::size_t slots);
   // Takes what elements behind the end of the file would take there off the allowance; False when it isn't enough.
   bool allow(std::uint64_t missing, std::size_t least_bytes) noexcept;
 

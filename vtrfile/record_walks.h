@@ -138,9 +138,14 @@ RecordReader::Place RecordReader::var_run(Place at, VarRun<Slots>& into) {
     return at + sizeof kUnused;
   }
   Place run = nullptr;
-  const Place behind = filled_var_run(at, Slots, run);
+  try {
+    at = filled_var_run(at, Slots, run);
+  } catch (ReadError&) {
+    into = VarRun<Slots>(run);
+    throw;
+  }
   into = VarRun<Slots>(run);
-  return behind;
+  return at;
 }
 
 template <class Element>
@@ -171,8 +176,10 @@ RecordReader::Place RecordReader::array(Place at, Array<Element>& into) {
   if (block->stored < block->count) cut_ = true;
   if (!allow(block->count - block->stored, least_bytes<Element>())) {
     block->count = block->stored;
-    throw ReadError(offset_of(descriptor), "a list of " + std::to_string(count) + " items, of which the file holds " +
-                                               std::to_string(block->stored));
+    throw ReadError(
+        offset_of(descriptor),
+        "a list of " + std::to_string(count) + " items, of which the file holds " + std::to_string(block->stored),
+        ReadError::Cause::kOutOfStep);
   }
   return at;
 }

@@ -7,14 +7,14 @@ namespace {
 
 // Steps `size` back from the end of the array over its unused slots. An array without a used slot runs off its lower
 // end, which raises SubscriptOutOfRange as any index outside the array does; `size` keeps what was reached.
-template <class Item, class IsUsed>
-void step_back(const Array<Item>& items, std::int64_t last, IsUsed is_used, std::int32_t& size) {
+template <class Item>
+void step_back(const Array<Item>& items, std::int64_t last, std::int32_t& size) {
   for (std::int64_t index = last; !is_used(items.at(index)); --index) --size;
 }
 
 // The recount of a list whose array is there when `gate` isn't 0.
-template <class List, class IsUsed>
-ListInfo recount_list(const List& list, std::int32_t gate, IsUsed is_used) {
+template <class List>
+ListInfo recount_list(const List& list, std::int32_t gate) {
   ListInfo info{.count = list.Count};
   if constexpr (requires { list.Max; }) {
     info.current = list.Current;
@@ -24,7 +24,7 @@ ListInfo recount_list(const List& list, std::int32_t gate, IsUsed is_used) {
     if (gate != 0) {
       if (!list.Items.allocated()) throw SubscriptOutOfRange();
       info.size = static_cast<std::int32_t>(list.Items.size());
-      step_back(list.Items, list.Items.size(), is_used, info.size);
+      step_back(list.Items, list.Items.size(), info.size);
     }
     info.ok = true;
   } catch (const SubscriptOutOfRange&) {
@@ -32,47 +32,22 @@ ListInfo recount_list(const List& list, std::int32_t gate, IsUsed is_used) {
   return info;
 }
 
-template <auto Key>
-constexpr auto kHas = [](const auto& item) { return !(item.*Key).empty(); };
-
 }  // namespace
 
-ListInfo recount(const INCLUDEFILE_STRUCT& list) {
-  return recount_list(list, list.Max, kHas<&INCLUDEFILE_ITEM_STRUCT::FileName>);
-}
-ListInfo recount(const MODULE_STRUCT& list) {
-  return recount_list(list, list.Count, kHas<&MODULE_ITEM_STRUCT::ControlTag>);
-}
-ListInfo recount(const TREE_HIERARCHY_STRUCT& list) {
-  return recount_list(list, list.Max, [](const auto& node) { return !node.Description.empty() || !node.Tid.empty(); });
-}
-ListInfo recount(const TABLES_STRUCT& list) { return recount_list(list, list.Max, kHas<&TABLES_ITEM_STRUCT::Tid>); }
-ListInfo recount(const LOOKUPS_STRUCT& list) { return recount_list(list, list.Max, kHas<&LOOKUPS_ITEM_STRUCT::Id>); }
-ListInfo recount(const CONTROLTAG_STRUCT& list) {
-  return recount_list(list, list.Count, kHas<&CONTROLTAG_ITEM_STRUCT::ControlTag>);
-}
-ListInfo recount(const LANGUAGE_STRUCT& list) {
-  return recount_list(list, list.Count, kHas<&LANGUAGE_ITEM_STRUCT::Code>);
-}
-ListInfo recount(const DSNMAIN_STRUCT& list) { return recount_list(list, list.Count, kHas<&DSN_ITEM_STRUCT::Key>); }
-ListInfo recount(const EXTENDED_STORAGE_STRUCT& list) {
-  return recount_list(list, list.Count, kHas<&EXTENDED_STORAGE_ITEM_STRUCT::Key>);
-}
-ListInfo recount(const FIELD_MATCHES_STRUCT& list) {
-  return recount_list(list, list.Count, kHas<&FIELD_MATCH_ITEM_STRUCT::Key>);
-}
-ListInfo recount(const IMPORT_FILES& list) {
-  return recount_list(list, list.Count, kHas<&IMPORT_FILE_ITEM_STRUCT::Key>);
-}
-ListInfo recount(const RELATION_LIST_STRUCT& list) {
-  return recount_list(list, list.Count, kHas<&RELATION_ITEM_STRUCT::Key>);
-}
-ListInfo recount(const RESIDUAL_TABLES_STRUCT& list) {
-  return recount_list(list, list.Count, kHas<&RESIDUAL_TABLE_ITEM_STRUCT::Key>);
-}
-ListInfo recount(const HIDDEN_LOOKUP_LIST_STRUCT& list) {
-  return recount_list(list, list.Count, kHas<&HIDDEN_LOOKUP_ITEM_STRUCT::Key>);
-}
+ListInfo recount(const INCLUDEFILE_STRUCT& list) { return recount_list(list, list.Max); }
+ListInfo recount(const MODULE_STRUCT& list) { return recount_list(list, list.Count); }
+ListInfo recount(const TREE_HIERARCHY_STRUCT& list) { return recount_list(list, list.Max); }
+ListInfo recount(const TABLES_STRUCT& list) { return recount_list(list, list.Max); }
+ListInfo recount(const LOOKUPS_STRUCT& list) { return recount_list(list, list.Max); }
+ListInfo recount(const CONTROLTAG_STRUCT& list) { return recount_list(list, list.Count); }
+ListInfo recount(const LANGUAGE_STRUCT& list) { return recount_list(list, list.Count); }
+ListInfo recount(const DSNMAIN_STRUCT& list) { return recount_list(list, list.Count); }
+ListInfo recount(const EXTENDED_STORAGE_STRUCT& list) { return recount_list(list, list.Count); }
+ListInfo recount(const FIELD_MATCHES_STRUCT& list) { return recount_list(list, list.Count); }
+ListInfo recount(const IMPORT_FILES& list) { return recount_list(list, list.Count); }
+ListInfo recount(const RELATION_LIST_STRUCT& list) { return recount_list(list, list.Count); }
+ListInfo recount(const RESIDUAL_TABLES_STRUCT& list) { return recount_list(list, list.Count); }
+ListInfo recount(const HIDDEN_LOOKUP_LIST_STRUCT& list) { return recount_list(list, list.Count); }
 
 ListInfo recount_fields(const TABLES_STRUCT& tables) {
   ListInfo info;
@@ -85,7 +60,7 @@ ListInfo recount_fields(const TABLES_STRUCT& tables) {
       // A table's slots are counted with 16 bits.
       if (!fields.Items.allocated() || slots > std::numeric_limits<std::int16_t>::max()) throw SubscriptOutOfRange();
       info.size += static_cast<std::int32_t>(slots);
-      step_back(fields.Items, slots, kHas<&FIELDS_ITEM_STRUCT::Fid>, info.size);
+      step_back(fields.Items, slots, info.size);
     }
     info.ok = true;
   } catch (const SubscriptOutOfRange&) {

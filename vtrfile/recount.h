@@ -6,6 +6,23 @@
 
 namespace trvtrout::vtrfile {
 
+// Whether a slot of a list is used.
+inline bool is_used(const INCLUDEFILE_ITEM_STRUCT& item) { return !item.FileName.empty(); }
+inline bool is_used(const MODULE_ITEM_STRUCT& item) { return !item.ControlTag.empty(); }
+inline bool is_used(const TABLES_ITEM_STRUCT& item) { return !item.Tid.empty(); }
+inline bool is_used(const LOOKUPS_ITEM_STRUCT& item) { return !item.Id.empty(); }
+inline bool is_used(const CONTROLTAG_ITEM_STRUCT& item) { return !item.ControlTag.empty(); }
+inline bool is_used(const LANGUAGE_ITEM_STRUCT& item) { return !item.Code.empty(); }
+inline bool is_used(const DSN_ITEM_STRUCT& item) { return !item.Key.empty(); }
+inline bool is_used(const EXTENDED_STORAGE_ITEM_STRUCT& item) { return !item.Key.empty(); }
+inline bool is_used(const FIELD_MATCH_ITEM_STRUCT& item) { return !item.Key.empty(); }
+inline bool is_used(const IMPORT_FILE_ITEM_STRUCT& item) { return !item.Key.empty(); }
+inline bool is_used(const RELATION_ITEM_STRUCT& item) { return !item.Key.empty(); }
+inline bool is_used(const RESIDUAL_TABLE_ITEM_STRUCT& item) { return !item.Key.empty(); }
+inline bool is_used(const HIDDEN_LOOKUP_ITEM_STRUCT& item) { return !item.Key.empty(); }
+inline bool is_used(const FIELDS_ITEM_STRUCT& item) { return !item.Fid.empty(); }
+inline bool is_used(const TREE_HIERARCHY_ITEM_STRUCT& node) { return !node.Description.empty() || !node.Tid.empty(); }
+
 // What a list says of itself and what a recount of its used slots finds, which doesn't trust the list's numbers.
 struct ListInfo {
   std::int32_t count = 0;

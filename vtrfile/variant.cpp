@@ -81,7 +81,8 @@ const unsigned char* VariantWalk::array(std::uint16_t element_tag, const unsigne
   const int width = plain_width(element_tag);
   const std::uint64_t least = width > 0 ? static_cast<std::uint64_t>(width) : 2;
   if (count * least > left(at) && count * least - left(at) > allowance_) {
-    throw ReadError(offset(descriptor), "an array of " + std::to_string(count) + " elements, more than the file holds");
+    throw ReadError(offset(descriptor), "an array of " + std::to_string(count) + " elements, more than the file holds",
+                    ReadError::Cause::kOutOfStep);
   }
   for (std::uint64_t element = 0; element < count; ++element) {
     at = element_tag == kVariantVariant ? variant(at, depth + 1) : body(element_tag, at, at, depth);

@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "platform/files/file_handle.h"
 #include "platform/files/replacement.h"
@@ -14,8 +15,8 @@ namespace trvtrout::platform {
 // until commit() puts it there, and without commit() the file is as it was. All else goes to the files behind.
 class StagedFiles : public Files {
  public:
-  // `files` must outlive it.
-  explicit StagedFiles(Files& files) : files_(files) {}
+  // `files` must outlive it. A file that is new will have the rights of the one at `model`, a path of the machine.
+  explicit StagedFiles(Files& files, std::string model = {}) : files_(files), model_(std::move(model)) {}
 
   std::unique_ptr<FileSystemObject> CreateFileSystemObject() override { return files_.CreateFileSystemObject(); }
   std::unique_ptr<BinaryFile> OpenBinary(const std::u16string& path) override { return files_.OpenBinary(path); }
@@ -27,11 +28,12 @@ class StagedFiles : public Files {
 
   // Both only after OpenBinaryOutput. Where the content can be read once it was closed:
   std::u16string content_path() const;
-  // Raises ServiceError.
-  void commit() { replacement_->commit(); }
+  // With `replaces` False nothing may stand in the file's place. Raises ServiceError.
+  void commit(bool replaces) { replaces ? replacement_->commit() : replacement_->commit_new(); }
 
  private:
   Files& files_;
+  std::string model_;
   std::optional<FileHandle> standing_;
   std::optional<Replacement> replacement_;
 };

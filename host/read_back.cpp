@@ -1,0 +1,80 @@
+#include "host/read_back.h"
+
+#include <algorithm>
+#include <memory>
+#include <span>
+
+#include "component/TarvelVtrOut_InOut.h"
+#include "vtrfile/record_writer.h"
+#include "vtrfile/sections.h"
+
+namespace trvtrout::host {
+namespace {
+
+using vtrfile::PartRead;
+
+// The bytes of a file in their order, against what should stand there.
+class WrittenBytes {
+ public:
+  explicit WrittenBytes(std::unique_ptr<BinaryFile> file) : file_(std::move(file)) {}
+
+  // Whether `record`, and nothing else, stands where this part was read.
+  template <class Record>
+  bool hold(const PartRead& part, const Record& record) {
+    bool same = skip_to(part.record);
+    const auto compare = [&](std::string& expected) {
+      same = same && next(expected.size()) == expected;
+      expected.clear();
+    };
+    std::string piece;
+    vtrfile::RecordWriter(piece, compare).write(record);
+    compare(piece);
+    return same && at_ == part.end;
+  }
+
+ private:
+  bool skip_to(std::uint64_t offset) {
+    if (at_ <= offset) next(static_cast<std::size_t>(offset - at_));
+    return at_ == offset;
+  }
+  const std::string& next(std::size_t size) {
+    piece_.resize(size);
+    piece_.resize(file_->Read({reinterpret_cast<unsigned char*>(piece_.data()), size}));
+    at_ += piece_.size();
+    return piece_;
+  }
+
+  std::unique_ptr<BinaryFile> file_;
+  std::string piece_;
+  std::uint64_t at_ = 0;
+};
+
+// What a whole read of the file met, and nothing when it broke off.
+std::optional<vtrfile::FileRead> read_whole(const HostServices& services, std::u16string& path) {
+  TarvelVtrOut_InOut reader(services);
+  std::u16string list;
+  Boolean primary = False;
+  if (!reader.ReadVTR(path, list, primary)) return {};
+  return reader.LastRead();
+}
+
+}  // namespace
+
+std::optional<std::vector<std::uint64_t>> read_back(const HostServices& services, std::u16string path,
+                                                    const vtrfile::DocumentSlots& document) {
+  constexpr std::size_t kParts = 1 + std::tuple_size_v<decltype(vtrfile::kSections)> + 1;  // header and end tag
+  const auto read = read_whole(services, path);
+  if (!read || read->parts.size() != kParts || !read->gaps.empty()) return {};
+  WrittenBytes written(services.files.OpenBinary(path));
+  std::vector<std::uint64_t> sizes;
+  auto part = read->parts.begin();
+  bool same = part->whole && written.hold(*part, *document.Header);
+  vtrfile::for_each_section([&](const auto& section) {
+    ++part;
+    same = same && part->name == section.tag && part->whole && written.hold(*part, *(document.*section.kSlot));
+    sizes.push_back(part->end - part->record);
+  });
+  return same ? std::optional(sizes) : std::nullopt;
+}
+
+}  // namespace trvtrout::host

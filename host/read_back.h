@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "reports/host_services.h"
+#include "vtrfile/document.h"
+
+namespace trvtrout::host {
+
+// Reads the file that `document` was written to, and holds it to the document piece by piece: each section must be read
+// where its record stands, byte for byte. The bytes of each section's record, or nothing when it isn't the same.
+std::optional<std::vector<std::uint64_t>> read_back(const HostServices& services, std::u16string path,
+                                                    const vtrfile::DocumentSlots& document);
+
+}  // namespace trvtrout::host
