@@ -3,6 +3,7 @@
 
 #include "host/commands.h"
 #include "host/parts.h"
+#include "platform/files/unfinished.h"
 
 namespace {
 
@@ -128,9 +129,20 @@ int run(int argc, char** argv) {
   return status;
 }
 
+// A person who stops the command finds nothing half done beside the files.
+void stop(int signal) {
+  trvtrout::platform::remove_unfinished();
+  std::signal(signal, SIG_DFL);
+  std::raise(signal);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    // What whoever started the command has it ignore (nohup) stays ignored.
+    if (std::signal(signal, stop) == SIG_IGN) std::signal(signal, SIG_IGN);
+  }
   // A limit on the size of files and a reader that went away come back as errors, which are told.
   std::signal(SIGXFSZ, SIG_IGN);
   std::signal(SIGPIPE, SIG_IGN);

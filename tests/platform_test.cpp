@@ -17,6 +17,7 @@
 #include "platform/files/local_files.h"
 #include "platform/files/path.h"
 #include "platform/files/staged_files.h"
+#include "platform/files/unfinished.h"
 #include "platform/locale/code_page.h"
 #include "platform/locale/us_locale.h"
 #include "tests/fakes/fake_services.h"
@@ -58,6 +59,16 @@ TEST_F(LocalFilesTest, WritesLinesThroughTheBuffer) {
   }
   stream.reset();
   EXPECT_EQ(get_file(file), expected) << "kept without Close";
+}
+
+// What a signal finds unfinished goes, what was finished before it stays.
+TEST_F(LocalFilesTest, OnlyUnfinishedFilesAreRemoved) {
+  const std::string done = folder.put("done", ""), other = folder.put("other", "");
+  { const Unfinished first(done); }
+  const Unfinished second(other);
+  remove_unfinished();
+  EXPECT_TRUE(fs::exists(done));
+  EXPECT_FALSE(fs::exists(other));
 }
 
 TEST_F(LocalFilesTest, EachRefusalHasItsNumberAndLeavesEverythingAsItWas) {

@@ -48,6 +48,7 @@ Replacement::Replacement(const std::string& path, std::string model)
     : path_(behind_links(path)),
       model_(std::move(model)),
       temporary_path_(temporary_path_beside(path_)),
+      unfinished_(temporary_path_),
       file_(temporary_path_, kVerb, Access::kWrite, Creation::kOnlyNew, path_) {}
 
 Replacement::~Replacement() {
@@ -66,16 +67,22 @@ void Replacement::finish() {
   finished_ = true;
 }
 
+// The temporary name is nobody's any more.
+void Replacement::settle() {
+  unfinished_.reset();
+  temporary_path_.clear();
+}
+
 void Replacement::commit() {
   finish();
   if (std::rename(temporary_path_.c_str(), path_.c_str()) != 0) raise_file_error(errno, path_, kVerb);
-  temporary_path_.clear();
+  settle();
 }
 
 void Replacement::commit_new() {
   finish();
   if (const int error = rename_to_new(temporary_path_, path_); error != 0) raise_file_error(error, path_, kVerb);
-  temporary_path_.clear();
+  settle();
 }
 
 }  // namespace trvtrout::platform

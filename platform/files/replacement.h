@@ -1,9 +1,11 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
 #include "platform/files/file_handle.h"
+#include "platform/files/unfinished.h"
 
 namespace trvtrout::platform {
 
@@ -31,9 +33,12 @@ class Replacement {
   void commit_new();
 
  private:
+  void settle();
+
   std::string path_;
   std::string model_;
   std::string temporary_path_;
+  std::optional<Unfinished> unfinished_;
   FileHandle file_;
   bool finished_ = false;
 };
