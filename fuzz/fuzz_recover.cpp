@@ -2,6 +2,7 @@
 #include <cstdint>
 
 #include "fuzz/documents.h"
+#include "tests/recovery_checks.h"
 
 namespace {
 
@@ -21,7 +22,7 @@ std::string recovered(fakes::Machine& machine, TarvelVtrOut_InOut& utility, Tarv
 }  // namespace
 
 // Any bytes as a document: what was read of it is recovered, reads to its end and holds the same records; recovering
-// that changes nothing any more.
+// that changes nothing any more, and the account of it claims nothing that can't be.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   fakes::Machine machine;
   const std::u16string path = u"a.vtr";
@@ -31,6 +32,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::read(damaged, path);
   std::int32_t count = 0, current = 0, max = 0, used = 0;
   const bool tables_were_walked = damaged.GetLookupInfo(count, current, max, used) == u"OK";
+
+  const auto account = tests::recover_as_command(machine, damaged, u"c.vtr");
+  fuzz::require(!account || !tests::fault_of(*account));
+  fuzz::read(damaged, path);
 
   const std::string once = recovered(machine, damaged, first);
   const std::string twice = recovered(machine, first, second);

@@ -71,7 +71,7 @@ std::string share(std::uint64_t part, std::uint64_t whole) {
 }
 
 void print(const KeptList& list, int indent, int width, bool whole) {
-  if (list.announced == 0 && list.kept == 0 && list.surplus == 0) return;
+  if (list.announced == 0 && list.kept == 0 && list.surplus == 0 && list.empty == 0) return;
   const std::string margin(static_cast<std::size_t>(indent), ' ');
   std::cerr << margin << std::left << std::setw(width) << list.title << list.kept << " of " << number_of(list.announced)
             << " records";

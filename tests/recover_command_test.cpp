@@ -105,6 +105,28 @@ TEST_F(RecoverCommand, AccountsForProgramsAndPeople) {
   }
 }
 
+TEST_F(RecoverCommand, TellsOfASectionThatHidesBehindABadTag) {
+  std::string bytes = sample("odd/reversed-sections.vtr");
+  bytes[bytes.find("\x0A\0ControlTag"s) + 2] = 'c';
+  put("d.vtr", bytes);
+  for (const char* command : {"info d.vtr --json", "recover d.vtr --output new.vtr --json"}) {
+    const Outcome run = vtrout(command);
+    EXPECT_EQ(run.status, 1) << command;
+    EXPECT_NE(run.err.find("nothing can be told: \"controlTag\""), std::string::npos) << run.err;
+    const auto account = nlohmann::json::parse(run.out);
+    EXPECT_TRUE(account["damage"].is_null());
+    ASSERT_EQ(account["gaps"].size(), 1U);
+    EXPECT_EQ(account["gaps"][0]["begin"], bytes.find("\x0A\0controlTag"s));
+    if (!account.contains("parts")) continue;
+    EXPECT_EQ(account["nothingLost"], false);
+    EXPECT_EQ(account["bytesBehindEnd"], 0);
+    EXPECT_EQ(account["parts"]["ControlTag"]["outcome"], "notFound");
+  }
+  for (const char* empty : {"--output ''", "--log ''"}) {
+    EXPECT_EQ(vtrout("recover d.vtr --yes " + std::string(empty)).status, 2) << empty;
+  }
+}
+
 TEST_F(RecoverCommand, NeverWritesOverTheDamagedFile) {
   put("p.vtr", sample("damaged/no-eof.vtr"));
   fs::create_symlink("p.vtr", folder_ / "symbolic.vtr");
