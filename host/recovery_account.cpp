@@ -30,13 +30,12 @@ Found find(const std::vector<PartRead>& parts, std::string_view name) {
   Found found;
   for (const PartRead& part : parts) {
     if (part.name != name) continue;
-    const std::uint64_t bytes = part.end - part.begin;
-    const bool remains = part.records > 0 || !found.last;
-    if (remains && found.last && found.last->records == 0) found.bare += found.last->end - found.last->begin;
-    if (remains) found.last = &part;
-    if (!remains) found.bare += bytes;
-    found.read += bytes;
+    if (part.records > 0 || !found.last) found.last = &part;
+    found.read += part.end - part.begin;
     found.records += part.records;
+  }
+  for (const PartRead& part : parts) {
+    if (part.name == name && &part != found.last && part.records == 0) found.bare += part.end - part.begin;
   }
   return found;
 }

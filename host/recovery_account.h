@@ -46,7 +46,7 @@ struct KeptPart {
   Fate fate = Fate::kAbsent;
   std::uint64_t read = 0;      // bytes that were read of it
   std::uint64_t kept = 0;      // of these, the bytes of what is in the new file; of a broken part at most so many
-  bool tag_texts_kept = true;  // all tags of the new file have the texts of the last one of the old file
+  bool tag_texts_kept = true;  // false: all tags of the new file have those of the last one
   std::vector<KeptList> lists;
 };
 

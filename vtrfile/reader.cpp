@@ -226,7 +226,7 @@ void DocumentReader::enter_unknown_tag(int number, std::uint64_t offset) {
 void DocumentReader::give_up() {
   if (!astray_) {
     astray_.emplace(records_->offset(), "more than " + std::to_string(kMaxTags) + " section tags");
-    astray_->enter(static_cast<std::uint64_t>(kMaxTags + 1));
+    astray_->enter(std::uint64_t{kMaxTags} + 1);
     astray_->enter("SectionTag");
   }
   throw *astray_;
