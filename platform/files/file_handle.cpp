@@ -103,7 +103,7 @@ void raise_file_error(int error, const std::string& path, const char* verb) {
   throw ServiceError(found ? row->number : kOtherError, std::string("can't ") + verb + " \"" + path + "\": " + reason);
 }
 
-FileHandle::FileHandle(std::string path, const char* verb, Access access, Creation creation, std::string told_as)
+FileHandle::FileHandle(const std::string& path, const char* verb, Access access, Creation creation, std::string told_as)
     : path_(told_as.empty() ? path : std::move(told_as)), verb_(verb) {
   if (path.find('\0') != std::string::npos) raise(EILSEQ);
   descriptor_ = open_descriptor(path, access, creation);

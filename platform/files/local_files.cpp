@@ -91,9 +91,9 @@ class LocalFileSystem : public FileSystemObject {
  public:
   std::unique_ptr<TextStream> CreateTextFile(const std::u16string& path, bool overwrite, bool unicode) override {
     if (path.empty()) throw ServiceError(kInvalidCall, "can't write a file: no path was given");
-    std::string name = machine_path(path);
+    const std::string name = machine_path(path);
     if (unicode) throw ServiceError(kInvalidCall, "can't write \"" + name + "\": 16-bit text files aren't offered");
-    FileHandle file(std::move(name), "write", Access::kWrite, overwrite ? Creation::kIfMissing : Creation::kOnlyNew);
+    FileHandle file(name, "write", Access::kWrite, overwrite ? Creation::kIfMissing : Creation::kOnlyNew);
     file.truncate();
     return std::make_unique<LocalTextStream>(std::move(file));
   }

@@ -181,7 +181,7 @@ std::string OoxmlWorkbook::with_sheet(const Sheet& sheet) const {
 }
 
 // The zip file without an entry.
-constexpr std::string_view kEmptyZip("PK\5\6\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0", 22);
+constexpr std::string_view kEmptyZip("PK\5\6\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0\0", 22);
 
 constexpr std::pair<const char*, const char*> kEmptyWorkbook[] = {
     {"[Content_Types].xml",

@@ -160,6 +160,7 @@ std::uint32_t StylePart::format_of(const CellStyle& style) {
 
 std::vector<std::uint32_t> StylePart::formats_of(const std::vector<CellStyle>& styles) {
   std::vector<std::uint32_t> formats;
+  formats.reserve(styles.size());
   for (const CellStyle& style : styles) formats.push_back(format_of(style));
   return formats;
 }

@@ -67,6 +67,7 @@ std::vector<double> column_widths(const Sheet& sheet) {
     }
   }
   std::vector<double> widths;
+  widths.reserve(widest.size());
   for (const std::size_t width : widest) {
     widths.push_back(width <= kDefaultWidth ? 0 : static_cast<double>(std::min(width + kMargin, kMaxWidth)));
   }
