@@ -68,13 +68,13 @@ Json to_json(const PartResult& result) {
            {{"primary", to_json(result.repeated_in_primary)}, {"secondary", to_json(result.repeated_in_secondary)}}}};
 }
 
-void print_json(const ComparisonTask& task, const std::vector<PartResult>& results, bool workbook_is_done) {
+void print_json(const ComparisonTask& task, const std::vector<PartResult>& results, ExitStatus status) {
   Json parts = Json::object();
   for (const PartResult& result : results) parts[result.name] = to_json(result);
   const Json whole = {{"primary", task.primary},
                       {"secondary", task.secondary},
                       {"different", std::ranges::any_of(results, &PartResult::different)},
-                      {"workbook", workbook_is_done ? Json(task.workbook) : Json()},
+                      {"workbook", task.workbook.empty() || status == kTrouble ? Json() : Json(task.workbook)},
                       {"parts", parts}};
   show_json(whole);
 }
@@ -110,20 +110,18 @@ class ComparisonSheets {
     if (!workbook_) return status;
     std::ranges::reverse(results);
     if (status == kTrouble) return left_as_it_was(task_.workbook);
-    is_done_ = guarded([&] { return workbook_->finish(), true; },
-                       [](const Failure& failure) { return complain(failure.what), false; });
-    if (!is_done_) return kTrouble;
+    const bool done = guarded([&] { return workbook_->finish(), true; },
+                              [](const Failure& failure) { return complain(failure.what), false; });
+    if (!done) return kTrouble;
     if (!task_.json) std::cout << task_.workbook << std::endl;
     return status;
   }
-  bool is_done() const { return is_done_; }
 
  private:
   const ComparisonTask& task_;
   std::vector<Part> parts_;
   TarvelVtrOut_InOut primary_;
   std::optional<WorkbookTarget> workbook_;
-  bool is_done_ = false;
 };
 
 }  // namespace
@@ -169,7 +167,7 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
   }
   status = sheets.finish(results, status);
   if (task.json) {
-    print_json(task, results, sheets.is_done());
+    print_json(task, results, status);
   } else {
     print_table(task.summary ? std::cout : std::cerr, results);
   }

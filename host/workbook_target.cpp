@@ -2,9 +2,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <sys/stat.h>
-
-#include "platform/files/path.h"
 
 namespace trvtrout::host {
 namespace {
@@ -12,11 +9,6 @@ namespace {
 using spreadsheet::WorkbookFormat;
 
 constexpr int kBadFileName = 52;
-
-bool exists(const std::string& path) {
-  struct stat status {};
-  return lstat(path.c_str(), &status) == 0;
-}
 
 WorkbookFormat format_by_name(const std::string& path) {
   std::string extension = path.substr(std::min(path.rfind('.'), path.size()));
@@ -41,7 +33,7 @@ void require_workbook_path(const std::string& path) {
 WorkbookTarget::WorkbookTarget(const std::string& path, const std::vector<Part>& parts) : path_(path) {
   require_workbook_path(path);
   std::string bytes;
-  if (exists(path)) {
+  if (platform::name_is_taken(path)) {
     standing_.emplace(path);
     for (const Part& part : parts) standing_->require_free(part.sheet_name);
     bytes = standing_->bytes();
@@ -51,7 +43,6 @@ WorkbookTarget::WorkbookTarget(const std::string& path, const std::vector<Part>&
   content_.emplace(path);
   content_->write(bytes);
   content_->finish();
-  class_path_ = platform::class_path(content_->temporary_path());
 }
 
 void WorkbookTarget::complain_of_sheet(const char* part, std::string why) const {

@@ -6,6 +6,7 @@
 
 #include "host/machine.h"
 #include "host/parts.h"
+#include "platform/files/path.h"
 #include "platform/files/replacement.h"
 #include "platform/spreadsheet/program/workbook_on_disk.h"
 
@@ -25,7 +26,7 @@ class WorkbookTarget {
   // the report. Tells the user on failure.
   template <class Move>
   bool take(TarvelVtrOut_InOut& utility, const char* part, const std::u16string& report, Move&& move) {
-    const Boolean moved = move(class_path_);
+    const Boolean moved = move(platform::class_path(content_->temporary_path()));
     if (!moved) complain_of_sheet(part, utility.LastFailure());
     utility.Delete_ASCII(report);
     return bool(moved);
@@ -39,7 +40,6 @@ class WorkbookTarget {
   std::string path_;
   std::optional<spreadsheet::WorkbookOnDisk> standing_;
   std::optional<platform::Replacement> content_;
-  std::u16string class_path_;  // of the content
 };
 
 // Tells the user that not all sheets could be made, and so none was put into the workbook.

@@ -19,9 +19,11 @@ constexpr const char* kVerb = "write";
 
 constexpr int kBadFileName = 52;
 
-bool exists(const std::string& path) {
-  struct stat status {};
-  return lstat(path.c_str(), &status) == 0;
+// Not over a file that has come to stand there. The error number of the machine, 0 for none.
+int rename_to_new(const std::string& from, const std::string& to) noexcept {
+  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
+  if (errno != EINVAL) return errno;  // what a file system says that doesn't know the flag
+  return name_is_taken(to) ? EEXIST : std::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
 }
 
 }  // namespace
@@ -38,10 +40,9 @@ std::string behind_links(const std::string& path) {
   return path;
 }
 
-int rename_to_new(const std::string& from, const std::string& to) noexcept {
-  if (renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return 0;
-  if (errno != EINVAL) return errno;  // what a file system says that doesn't know the flag
-  return exists(to) ? EEXIST : std::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+bool name_is_taken(const std::string& path) {
+  struct stat status {};
+  return lstat(path.c_str(), &status) == 0;
 }
 
 Replacement::Replacement(const std::string& path, std::string model)
@@ -61,7 +62,7 @@ void Replacement::write(std::string_view bytes) {
 
 void Replacement::finish() {
   if (finished_) return;
-  file_.take_rights_of(exists(path_) ? path_ : model_);
+  file_.take_rights_of(name_is_taken(path_) ? path_ : model_);
   file_.sync();
   if (const int error = file_.close(); error != 0) raise_file_error(error, path_, kVerb);
   finished_ = true;

@@ -47,8 +47,7 @@ class Replacement {
 // that leads nowhere.
 std::string behind_links(const std::string& path);
 
-// Gives the file at `from` the name `to`, but not over a file that has come to stand there. The error number of the
-// machine, 0 for none.
-int rename_to_new(const std::string& from, const std::string& to) noexcept;
+// Whether anything has this name, a link that leads nowhere too.
+bool name_is_taken(const std::string& path);
 
 }  // namespace trvtrout::platform

@@ -4,18 +4,18 @@
 #include <utility>
 
 #include "platform/spreadsheet/biff8/biff8_workbook.h"
+#include "platform/spreadsheet/biff8/compound_format.h"
 #include "platform/spreadsheet/ooxml/ooxml_workbook.h"
 
 namespace trvtrout::spreadsheet {
 namespace {
 
-constexpr std::string_view kOle2Signature = "\xD0\xCF\x11\xE0\xA1\xB1\x1A\xE1";
 constexpr std::string_view kZipSignature = "PK";
 
 }  // namespace
 
 std::unique_ptr<WorkbookFile> open_workbook(std::string bytes) {
-  if (bytes.starts_with(kOle2Signature)) return open_biff8(std::move(bytes));
+  if (bytes.starts_with(biff8::compound::kSignature)) return open_biff8(std::move(bytes));
   if (bytes.starts_with(kZipSignature)) return open_ooxml(std::move(bytes));
   throw WorkbookError("it's not a workbook that can be added to: neither an .xls nor an .xlsx file by its content");
 }
