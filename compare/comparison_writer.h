@@ -77,6 +77,14 @@ constexpr auto compared_columns() {
   return columns;
 }
 
+// Has the processor fetch the texts of a record; reads the record itself.
+template <class Item>
+void prefetch_texts(const Item& item) {
+  vtrfile::for_each_field(item, [](const char*, const auto& member) {
+    if constexpr (requires { member.prefetch(); }) member.prefetch();
+  });
+}
+
 // One of the two lists of a comparison: the array with the number of its records in use.
 template <class Item>
 struct Side {
@@ -90,27 +98,18 @@ struct Side {
     require_countable(count);
     return std::max(count, 0);
   }
+  // Has the processor fetch a record, or its texts; nothing for one that isn't there.
+  void prefetch(std::int32_t number) const {
+    if (items.contains(number)) vtrfile::prefetch(&items.at(number), sizeof(Item));
+  }
+  void prefetch_texts(std::int32_t number) const {
+    if (items.contains(number)) trvtrout::prefetch_texts(items.at(number));
+  }
 };
 
 template <class List, class Item = std::remove_cvref_t<decltype(std::declval<List&>().Items.position(0))>>
 Side<Item> side_of(const List& list) {
   return {list.Items, list.Count};
-}
-
-// Has the processor fetch a record before it is read.
-template <class Item>
-void fetch(const Item& item) {
-  constexpr std::size_t kCacheLine = 64;
-  const auto* const begin = reinterpret_cast<const char*>(&item);
-  for (std::size_t at = 0; at < sizeof(Item); at += kCacheLine) __builtin_prefetch(begin + at);
-}
-
-// The same for the bytes of its texts; reads the record itself.
-template <class Item>
-void fetch_texts(const Item& item) {
-  vtrfile::for_each_field(item, [](const char*, const auto& member) {
-    if constexpr (requires { member.fetch(); }) member.fetch();
-  });
 }
 
 // The item rows of two lists with the same columns.
@@ -124,8 +123,6 @@ struct ItemRows {
   std::string_view single_lead = ",,,";  // the same in a deleted and an added row
   std::string_view tail = {};
 
-  void expect(std::int32_t partner) const { fetch(secondary.at(partner)); }
-  void expect_texts(std::int32_t partner) const { fetch_texts(secondary.at(partner)); }
   void pair(std::int32_t number, std::int32_t partner) const {
     const Item& original = primary.at(number);
     const Item& changed = secondary.at(partner);

@@ -17,43 +17,45 @@ std::uint32_t hash_of(const MatchKey& key) {
 
 }  // namespace
 
+SoughtKey::SoughtKey(const MatchKey& key) : MatchKey(key), hash(hash_of(key)) {}
+
 MatchIndex::MatchIndex(const WorkingList& list, KeyOf key_of)
     : list_(list),
       key_of_(std::move(key_of)),
       chains_(std::bit_ceil(2 * static_cast<std::size_t>(list.count()) + 1)),
       next_(static_cast<std::size_t>(list.count()), 0) {
   for (std::int32_t number = list.count(); number >= 1; --number) {
-    const MatchKey key = key_of_(number);
-    const std::uint32_t hash = hash_of(key);
-    Chain& chain = chains_[place_of(key, hash)];
+    const SoughtKey key = key_of_(number);
+    Chain& chain = chains_[place_of(key)];
     next_[static_cast<std::size_t>(number - 1)] = chain.first;
-    chain = {hash, number, number};
+    chain = {key.hash, number, number};
   }
 }
 
-std::size_t MatchIndex::place_of(const MatchKey& key, std::uint32_t hash) const {
+template <class IsKey>
+std::size_t MatchIndex::place_of(std::uint32_t hash, IsKey is_key) const {
   for (std::size_t place = hash;; ++place) {
     const Chain& chain = chains_[place &= chains_.size() - 1];
-    if (chain.first == 0 || (chain.hash == hash && key_of_(chain.first) == key)) return place;
+    if (chain.first == 0 || (chain.hash == hash && is_key(chain.first))) return place;
   }
 }
 
-std::int32_t MatchIndex::first_left(const MatchKey& key) {
-  std::int32_t& left = chains_[place_of(key, hash_of(key))].left;
+std::size_t MatchIndex::place_of(const SoughtKey& key) const {
+  return place_of(key.hash, [&](std::int32_t number) { return key_of_(number) == key; });
+}
+
+std::int32_t MatchIndex::first_left(const SoughtKey& key) {
+  std::int32_t& left = chains_[place_of(key)].left;
   while (left != 0 && list_.removed(left)) left = next_[static_cast<std::size_t>(left - 1)];
   return left;
 }
 
-void MatchIndex::expect(const MatchKey& key) const {
-  __builtin_prefetch(&chains_[hash_of(key) & (chains_.size() - 1)]);
+void MatchIndex::prefetch(const SoughtKey& key) const { __builtin_prefetch(&chains_[key.hash & (chains_.size() - 1)]); }
+
+std::int32_t MatchIndex::guess(const SoughtKey& key) const {
+  return chains_[place_of(key.hash, [](std::int32_t) { return true; })].left;
 }
 
-std::int32_t MatchIndex::guess(const MatchKey& key) const {
-  const std::uint32_t hash = hash_of(key);
-  const Chain& chain = chains_[hash & (chains_.size() - 1)];
-  return chain.hash == hash ? chain.left : 0;
-}
-
-std::int32_t MatchIndex::first(const MatchKey& key) const { return chains_[place_of(key, hash_of(key))].first; }
+std::int32_t MatchIndex::first(const SoughtKey& key) const { return chains_[place_of(key)].first; }
 
 }  // namespace trvtrout

@@ -1,10 +1,9 @@
 #pragma once
 
-#include <algorithm>
-#include <array>
 #include <cstdint>
 #include <exception>
 #include <functional>
+#include <span>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -40,6 +39,12 @@ class WorkingList {
   std::vector<bool> removed_;
 };
 
+// A key that is looked for, with the hash that finds it.
+struct SoughtKey : MatchKey {
+  SoughtKey(const MatchKey& key = {});
+  std::uint32_t hash;
+};
+
 // Finds secondary records by one kind of key.
 class MatchIndex {
  public:
@@ -48,13 +53,13 @@ class MatchIndex {
   MatchIndex(const WorkingList& list, KeyOf key_of);
 
   // The first record with this key that is still in the working list.
-  std::int32_t first_left(const MatchKey& key);
+  std::int32_t first_left(const SoughtKey& key);
   // The first record with this key, in the working list or not.
-  std::int32_t first(const MatchKey& key) const;
+  std::int32_t first(const SoughtKey& key) const;
   // Has the processor fetch what a search for this key reads first.
-  void expect(const MatchKey& key) const;
+  void prefetch(const SoughtKey& key) const;
   // What a search for this key will most likely find; no record is read for it.
-  std::int32_t guess(const MatchKey& key) const;
+  std::int32_t guess(const SoughtKey& key) const;
 
  private:
   // The records of one key. Keys aren't kept: comparing them reads the record, which its row needs anyway, and a table
@@ -64,8 +69,10 @@ class MatchIndex {
     std::int32_t first;  // of all records with the key; 0 in a free place
     std::int32_t left;   // no record in front of it is left
   };
-  // The place of the key's chain, or the free one where it would stand.
-  std::size_t place_of(const MatchKey& key, std::uint32_t hash) const;
+  // The place of the chain with this hash of which is_key(first) holds, or the free one where it would stand.
+  template <class IsKey>
+  std::size_t place_of(std::uint32_t hash, IsKey is_key) const;
+  std::size_t place_of(const SoughtKey& key) const;
 
   const WorkingList& list_;
   KeyOf key_of_;
@@ -73,50 +80,83 @@ class MatchIndex {
   std::vector<std::int32_t> next_;  // by number - 1: the next record with the same key
 };
 
-// The walk. policy.partner(number) finds the partner of a primary record, policy.remove(number) takes what its rule
-// says out of policy.list(); rows.pair(primary, secondary), rows.deleted(primary) and rows.added(secondary) are called
-// in the order of the rows.
+// A search for the partner of a primary record.
+struct Search {
+  MatchIndex* index;  // where it is looked for; null for a record that has none
+  SoughtKey key;
+};
+
+// A primary record on the way to its row.
+struct Step {
+  std::int32_t number;
+  Search search;
+  std::int32_t likely;  // the partner that its search will most likely find
+};
+
+// So many records go through the walk together.
+constexpr std::int32_t kBatch = 16;
+
+// Rows that show the records of two lists, which can be fetched ahead.
+template <class Rows>
+concept ShowsSides = requires(const Rows& rows) {
+  rows.primary.prefetch(1);
+  rows.primary.prefetch_texts(1);
+  rows.secondary.prefetch(1);
+  rows.secondary.prefetch_texts(1);
+};
+
+// Fetches what the next batches read of the primary list: the texts of the batch behind the one that begins with
+// `first`, and the records of the one after.
+template <class Rows>
+void prefetch_primary(const Rows& rows, std::int32_t first) {
+  for (std::int32_t number = first + kBatch; number < first + 2 * kBatch; ++number) rows.primary.prefetch_texts(number);
+  for (std::int32_t number = first + 2 * kBatch; number < first + 3 * kBatch; ++number) rows.primary.prefetch(number);
+}
+
+// Fetches the likely partners of a batch.
+template <class Rows>
+void prefetch_partners(const Rows& rows, std::span<Step> batch) {
+  for (Step& step : batch) {
+    if (step.search.index) step.likely = step.search.index->guess(step.search.key);
+    rows.secondary.prefetch(step.likely);
+  }
+  for (const Step& step : batch) rows.secondary.prefetch_texts(step.likely);
+}
+
+// The walk. policy.search(number) tells how a primary record finds its partner, policy.partner(search) finds it,
+// policy.remove(number) takes what the policy's rule says out of policy.list(); rows.pair(primary, secondary),
+// rows.deleted(primary) and rows.added(secondary) are called in the order of the rows.
 //
-// Records of lists in another order lie scattered in memory. So that they are fetched while others are worked on, a
-// batch goes through in steps: policy.expect(number) of what its search will read first, policy.guess(number) for the
-// likely partner, rows.expect(secondary) and rows.expect_texts(secondary) of it, if the rows have these, and only then
-// the search and the rows.
+// Records of lists in another order lie scattered in memory, and one by one each would be waited for. So a batch of
+// searches begins together, and what they will read is fetched before the first of its rows.
 template <class Policy, class Rows>
 void walk(std::int32_t primary_count, Policy& policy, Rows&& rows) {
-  constexpr std::int32_t kBatch = 16;
-  std::array<std::int32_t, kBatch> likely{};
-  for (std::int32_t first = 1; first <= primary_count; first += kBatch) {
-    const std::int32_t behind = std::min(primary_count, first + kBatch - 1) + 1;
-    std::int32_t last = first;
-    std::exception_ptr failure;
+  std::vector<Step> batch;
+  batch.reserve(kBatch);
+  std::exception_ptr failure;
+  for (std::int32_t number = 1; number <= primary_count && !failure;) {
+    batch.clear();
+    if constexpr (ShowsSides<Rows>) prefetch_primary(rows, number);
     try {
-      for (; last < behind; ++last) policy.expect(last);
+      for (; number <= primary_count && batch.size() < kBatch; ++number) {
+        batch.push_back({number, policy.search(number), 0});
+        if (const Search& search = batch.back().search; search.index) search.index->prefetch(search.key);
+      }
     } catch (...) {
       // The primary list ends here; what stands in front of its end has rows.
       failure = std::current_exception();
     }
-    const auto each = [&](const auto& step) {
-      for (std::int32_t number = first; number < last; ++number) step(number, likely[std::size_t(number - first)]);
-    };
-    if constexpr (requires { rows.expect(first); }) {
-      each([&](std::int32_t number, std::int32_t& guess) {
-        guess = policy.guess(number);
-        if (guess != 0) rows.expect(guess);
-      });
-      each([&](std::int32_t, std::int32_t guess) {
-        if (guess != 0) rows.expect_texts(guess);
-      });
-    }
-    each([&](std::int32_t number, std::int32_t) {
-      if (const std::int32_t partner = policy.partner(number)) {
-        rows.pair(number, partner);
-        policy.remove(number);
+    if constexpr (ShowsSides<Rows>) prefetch_partners(rows, batch);
+    for (const auto& [primary, search, likely] : batch) {
+      if (const std::int32_t partner = search.index ? policy.partner(search) : 0) {
+        rows.pair(primary, partner);
+        policy.remove(primary);
       } else {
-        rows.deleted(number);
+        rows.deleted(primary);
       }
-    });
-    if (failure) std::rethrow_exception(failure);
+    }
   }
+  if (failure) std::rethrow_exception(failure);
   for (std::int32_t number = 1; number <= policy.list().count(); ++number) {
     if (!policy.list().removed(number)) rows.added(number);
   }
@@ -140,12 +180,10 @@ class ByKey {
   ByKey(const ByKey&) = delete;  // the index knows the list by its address
   ByKey& operator=(const ByKey&) = delete;
 
-  void expect(std::int32_t primary) const { index_.expect(primary_key_(primary)); }
-  std::int32_t guess(std::int32_t primary) const { return index_.guess(primary_key_(primary)); }
-  std::int32_t partner(std::int32_t primary) {
-    const MatchKey key = primary_key_(primary);
-    leaving_ = index_.first_left(key);
-    return from_ == PartnerFrom::kWholeList ? index_.first(key) : leaving_;
+  Search search(std::int32_t primary) { return {&index_, primary_key_(primary)}; }
+  std::int32_t partner(const Search& search) {
+    leaving_ = index_.first_left(search.key);
+    return from_ == PartnerFrom::kWholeList ? index_.first(search.key) : leaving_;
   }
   void remove(std::int32_t) {
     if (leaving_) list_.remove(leaving_);

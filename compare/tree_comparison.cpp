@@ -41,18 +41,14 @@ class ByTreeRules {
   ByTreeRules(const ByTreeRules&) = delete;  // the indices know the list by its address
   ByTreeRules& operator=(const ByTreeRules&) = delete;
 
-  void expect(std::int32_t number) {
-    const auto [index, key] = search(number);
-    if (index) index->expect(key);
+  Search search(std::int32_t number) {
+    const Node& node = primary_.at(number);
+    if (!node.Tid.empty()) return {&by_table_, by_table(node)};
+    if (is_root(node)) return {&by_control_, by_control(node)};
+    if (node.Control == kTableControl) return {&by_code_, by_code(node)};
+    return {};
   }
-  std::int32_t guess(std::int32_t number) {
-    const auto [index, key] = search(number);
-    return index ? index->guess(key) : 0;
-  }
-  std::int32_t partner(std::int32_t number) {
-    const auto [index, key] = search(number);
-    return index ? index->first_left(key) : 0;
-  }
+  std::int32_t partner(const Search& search) { return search.index->first_left(search.key); }
 
   void remove(std::int32_t number) {
     const Node& node = primary_.at(number);
@@ -66,19 +62,6 @@ class ByTreeRules {
   const WorkingList& list() const noexcept { return list_; }
 
  private:
-  // Where the partner of a node is looked for, and by which key; no index for a node that has none.
-  struct Search {
-    MatchIndex* index;
-    MatchKey key;
-  };
-  Search search(std::int32_t number) {
-    const Node& node = primary_.at(number);
-    if (!node.Tid.empty()) return {&by_table_, by_table(node)};
-    if (is_root(node)) return {&by_control_, by_control(node)};
-    if (node.Control == kTableControl) return {&by_code_, by_code(node)};
-    return {};
-  }
-
   MatchIndex index(const Side<Node>& secondary, MatchKey (*key)(const Node&)) const {
     return MatchIndex(list_, [&secondary, key](std::int32_t number) { return key(secondary.at(number)); });
   }
