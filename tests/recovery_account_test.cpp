@@ -25,7 +25,7 @@ class Account : public testing::Test {
     Boolean primary = False;
     utility.ReadVTR(path, list, primary);
     gaps = utility.LastRead().gaps;
-    const auto made = recover_as_command(machine, utility, kNew);
+    auto made = recover_as_command(machine, utility, kNew);
     if (made) {
       const char* fault = fault_of(*made);
       EXPECT_EQ(fault, nullptr) << what << ": " << (fault ? fault : "");
@@ -40,6 +40,11 @@ class Account : public testing::Test {
   fakes::Machine machine;
   std::vector<Gap> gaps;
 };
+
+std::string flipped(std::string bytes, std::size_t at, std::size_t bit) {
+  bytes[at] = static_cast<char>(bytes[at] ^ (1 << bit));
+  return bytes;
+}
 
 std::string mutated(std::string bytes, std::mt19937& random) {
   const auto any = [&](std::size_t below) { return static_cast<std::size_t>(random() % below); };
@@ -59,12 +64,10 @@ std::string mutated(std::string bytes, std::mt19937& random) {
       if (places.empty()) return bytes;
       const SectionPlace& place = places[any(places.size())];
       const std::size_t name_end = place.tag_begin + 2 + place.tag.size();
-      bytes[any(2) == 0 ? place.tag_begin + 2 : name_end] ^= static_cast<char>(1 << any(3));
-      return bytes;
+      return flipped(bytes, any(2) == 0 ? place.tag_begin + 2 : name_end, any(3));
     }
     default:
-      bytes[at] ^= static_cast<char>(1 << any(8));
-      return bytes;
+      return flipped(bytes, at, any(8));
   }
 }
 
@@ -123,16 +126,16 @@ TEST_F(Account, ASectionThatHidesBehindABadTagIsNotFound) {
 TEST_F(Account, CountsRecordsOneByOne) {
   const CONTROLTAG_ITEM_STRUCT used{.ControlTag = text("used")}, unused{};
   struct Case {
-    std::int16_t count;
     std::vector<CONTROLTAG_ITEM_STRUCT> items;
     std::int64_t announced, kept, surplus;
+    std::int16_t count;
     Fate fate;
   };
-  const Case cases[] = {{2, {used, unused, used}, 2, 2, 0, Fate::kWhole},
-                        {1, {used, used, used}, 1, 1, 2, Fate::kWhole},
-                        {7, {used}, 7, 1, 0, Fate::kFewer},
-                        {-5, {used}, 0, 0, 1, Fate::kWhole},
-                        {2, {unused, unused}, 2, 0, 0, Fate::kEmptied}};
+  const Case cases[] = {{{used, unused, used}, 2, 2, 0, 2, Fate::kWhole},
+                        {{used, used, used}, 1, 1, 2, 1, Fate::kWhole},
+                        {{used}, 7, 1, 0, 7, Fate::kFewer},
+                        {{used}, 0, 0, 1, -5, Fate::kWhole},
+                        {{unused, unused}, 2, 0, 0, 2, Fate::kEmptied}};
   for (const Case& c : cases) {
     const CONTROLTAG_STRUCT list{c.count, array(c.items), {}};
     const auto made = account(FileBuilder().section("ControlTag", list).with_end(), "");

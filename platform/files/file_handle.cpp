@@ -103,8 +103,9 @@ void raise_file_error(int error, const std::string& path, const char* verb) {
   throw ServiceError(found ? row->number : kOtherError, std::string("can't ") + verb + " \"" + path + "\": " + reason);
 }
 
-FileHandle::FileHandle(const std::string& path, const char* verb, Access access, Creation creation, std::string told_as)
-    : path_(told_as.empty() ? path : std::move(told_as)), verb_(verb) {
+FileHandle::FileHandle(const std::string& path, const char* verb, Access access, Creation creation,
+                       const std::string& told_as)
+    : path_(told_as.empty() ? path : told_as), verb_(verb) {
   if (path.find('\0') != std::string::npos) raise(EILSEQ);
   descriptor_ = open_descriptor(path, access, creation);
   if (descriptor_ < 0) raise(errno);

@@ -16,7 +16,8 @@ enum class Creation { kNever, kIfMissing, kOnlyNew };
 class FileHandle {
  public:
   // Changes nothing in a file that exists. Messages name it `told_as`, if that isn't empty. Raises ServiceError.
-  FileHandle(const std::string& path, const char* verb, Access access, Creation creation, std::string told_as = {});
+  FileHandle(const std::string& path, const char* verb, Access access, Creation creation,
+             const std::string& told_as = {});
   ~FileHandle() { close(); }
   FileHandle(FileHandle&& other) noexcept;
   FileHandle(const FileHandle&) = delete;
