@@ -18,7 +18,7 @@ constexpr const char* kHeads =
     "\nmatching, medians of processor time in ms; what twice the records and what the order makes of it\n"
     "                            8,000   16,000   32,000     16:8    32:16    8,000   16,000   32,000\n";
 
-// The comparisons whose records find their partners in different ways.
+// Comparisons whose records find their partners in different ways, or weigh differently.
 constexpr struct Matching {
   const char* name;
   CompareCall compare;
@@ -26,6 +26,8 @@ constexpr struct Matching {
   int DocumentSize::*records;
 } kMatchings[] = {
     {"Lookup", &TarvelVtrOut_InOut::Compare_Lookup, {}, &DocumentSize::lookups},
+    {"Table", &TarvelVtrOut_InOut::Compare_Table, {}, &DocumentSize::tables},
+    {"Lang", &TarvelVtrOut_InOut::Compare_Lang, {}, &DocumentSize::language_texts},
     {"Product", &TarvelVtrOut_InOut::Compare_Product, {}, &DocumentSize::modules},
     {"Tree", &TarvelVtrOut_InOut::Compare_Tree, {}, &DocumentSize::tree_nodes},
     {"Field", &TarvelVtrOut_InOut::Compare_Field, {.tables = 1}, &DocumentSize::fields_per_table},

@@ -81,7 +81,11 @@ constexpr auto compared_columns() {
 template <class Item>
 void prefetch_texts(const Item& item) {
   vtrfile::for_each_field(item, [](const char*, const auto& member) {
-    if constexpr (requires { member.prefetch(); }) member.prefetch();
+    if constexpr (requires { member.prefetch(); }) {
+      member.prefetch();
+    } else if constexpr (requires { member[0].prefetch(); }) {
+      for (const auto& text : member) text.prefetch();
+    }
   });
 }
 

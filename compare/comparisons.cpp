@@ -1,6 +1,6 @@
 #include "compare/comparisons.h"
 
-#include <unordered_map>
+#include <map>
 
 #include "reports/naming.h"
 
@@ -40,7 +40,7 @@ bool write_comparison(const HostServices& services, const Comparison& comparison
 }
 
 std::vector<std::string> repeated_keys(const Comparison& comparison, const vtrfile::GroupSlots& document) {
-  std::unordered_map<std::string, int> times;
+  std::map<std::string, int> times;
   std::vector<std::string> repeated;
   comparison.keys(document, [&](std::string key) {
     if (++times[key] == 2) repeated.push_back(std::move(key));

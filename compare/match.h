@@ -56,8 +56,6 @@ class MatchIndex {
   std::int32_t first_left(const SoughtKey& key);
   // The first record with this key, in the working list or not.
   std::int32_t first(const SoughtKey& key) const;
-  // Has the processor fetch what a search for this key reads first.
-  void prefetch(const SoughtKey& key) const;
   // What a search for this key will most likely find; no record is read for it.
   std::int32_t guess(const SoughtKey& key) const;
 
@@ -77,6 +75,7 @@ class MatchIndex {
   const WorkingList& list_;
   KeyOf key_of_;
   std::vector<Chain> chains_;       // a power of two, half of it free
+  int unused_bits_;                 // of a hash, below those that give its place
   std::vector<std::int32_t> next_;  // by number - 1: the next record with the same key
 };
 
@@ -140,7 +139,6 @@ void walk(std::int32_t primary_count, Policy& policy, Rows&& rows) {
     try {
       for (; number <= primary_count && batch.size() < kBatch; ++number) {
         batch.push_back({number, policy.search(number), 0});
-        if (const Search& search = batch.back().search; search.index) search.index->prefetch(search.key);
       }
     } catch (...) {
       // The primary list ends here; what stands in front of its end has rows.

@@ -98,7 +98,11 @@ void write(ComparisonWriter& writer, const GroupSlots& primary, const GroupSlots
 
 void keys(const GroupSlots& document, const std::function<void(std::string)>& take) {
   for_each_record(side_of(*document.Tree), [&](const Node& node) {
-    if (!node.Tid.empty()) take(std::string(node.Tid.bytes()) + "/" + std::to_string(node.Control));
+    if (!node.Tid.empty()) {
+      take(std::string(node.Tid.bytes()) + "/" + std::to_string(node.Control));
+    } else if (node.Control == kTableControl) {
+      take("TableInternalCode " + std::string(node.TableInternalCode.bytes()));
+    }
   });
 }
 

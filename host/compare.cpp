@@ -24,16 +24,16 @@ struct PartResult {
   bool different() const { return counts.changed + counts.deleted + counts.added > 0; }
 };
 
-// Reads one of the two documents; a damaged one isn't compared.
+// Reads one of the two documents; one that is damaged, or was damaged where the read passed on, isn't compared.
 bool read_whole(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file, Boolean is_secondary) {
   std::u16string structure_list;
   const ExitStatus status = read(machine, utility, file, structure_list, is_secondary);
-  if (status == kTrouble) return false;
-  // What a read passed over it has told; the document is complete as far as the format knows.
-  if (!utility.LastDamage()) return true;
-  complain(file + ": " + damage_text(*utility.LastDamage()) + "; it can't be compared: see `vtrout info`, and " +
-           "`vtrout recover` for what can be saved");
-  return false;
+  if (status == kRemarkable) {
+    const auto& damage = utility.LastDamage();
+    complain(file + ": " + (damage ? damage_text(*damage) + "; it" : "it") +
+             " can't be compared: see `vtrout info`, and `vtrout recover` for what can be saved");
+  }
+  return status == kFine;
 }
 
 void print_table(std::ostream& out, const std::vector<PartResult>& results) {
@@ -150,8 +150,8 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
     result.written = written && sheets.take(utility, part, report);
     progress.show({});
     if (output == Output::kFiles) result.report = platform::machine_path(report);
-    // A text that is on its way into a workbook has no file of its own.
-    const std::u16string where = output == Output::kHeld ? u"" : report;
+    // Only counted, or on its way into a workbook, a comparison has no file of its own.
+    const std::u16string where = output == Output::kFiles ? report : u"";
     if (!written) complain_of_part("comparison of", part.name, where, utility.LastFailure());
     if (!result.written) {
       status = kTrouble;

@@ -102,11 +102,17 @@ TEST_F(Command, ComparesPartByPart) {
   EXPECT_EQ(vtrout("compare a.vtr a.vtr --summary").status, 0);
   EXPECT_EQ(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()), files_before);
 
-  put("d.vtr", sample("damaged/no-eof.vtr"));
-  const Outcome damaged = vtrout("compare a.vtr d.vtr --yes");
-  EXPECT_EQ(damaged.status, 2);
-  EXPECT_EQ(damaged.out, "");
-  EXPECT_NE(damaged.err.find("vtrout recover"), std::string::npos);
+  std::string with_gap = sample("odd/reversed-sections.vtr");
+  with_gap[with_gap.find(std::string("\x0A\0ControlTag", 12)) + 2] = 'c';
+  for (const std::string& damaged : {sample("damaged/no-eof.vtr"), with_gap}) {
+    put("d.vtr", damaged);
+    for (const char* files : {"a.vtr d.vtr", "d.vtr a.vtr"}) {
+      const Outcome refused = vtrout(std::string("compare --yes ") + files);
+      EXPECT_EQ(refused.status, 2);
+      EXPECT_EQ(refused.out, "");
+      EXPECT_NE(refused.err.find("it can't be compared: see `vtrout info`, and `vtrout recover`"), std::string::npos);
+    }
+  }
   // Nothing is overwritten unasked, and the other parts are still written.
   fs::remove(folder_ / "~tmpa_Tree_Compared.CSV");
   const Outcome again = vtrout("compare a.vtr b.vtr");

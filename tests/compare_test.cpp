@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <functional>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <numeric>
@@ -82,6 +83,40 @@ TEST_F(Walks, ByKeyAreThoseOfTheNestedScan) {
       walk(count, policy, RowLog{rows});
       ASSERT_EQ(rows, nested_scan(count, others, same, same, from == PartnerFrom::kWholeList)) << "round " << round;
     }
+  }
+}
+
+// The work is linear as long as a search reads no record but one of its key: whatever keys differ in must tell.
+TEST(MatchIndexTest, ReadsNoRecordOfAnotherKey) {
+  struct Key {
+    std::string text, second_text;
+    std::int32_t number = 0, second_number = 0;
+  };
+  constexpr int kRecords = 20000;
+  const auto digits = [](int number) { return std::to_string(kRecords + number); };
+  const std::string filling(40, 'x');
+  const std::function<Key(int)> families[] = {
+      [](int number) { return Key{.number = number}; },
+      [](int number) { return Key{.number = number << 16}; },
+      [](int number) { return Key{.second_number = -number}; },
+      [&](int number) { return Key{.text = digits(number)}; },
+      [&](int number) { return Key{.text = filling + digits(number)}; },
+      [&](int number) { return Key{.text = digits(number) + filling}; },
+      [&](int number) { return Key{.text = filling, .second_text = digits(number)}; },
+      [](int number) { return Key{.text = std::string(std::size_t(number % 100), '\0'), .number = number / 100}; }};
+  for (const auto& family : families) {
+    std::vector<Key> keys;
+    for (int number = 1; number <= kRecords; ++number) keys.push_back(family(number));
+    int read = 0;
+    const auto key_of = [&](std::int32_t number) {
+      ++read;
+      const Key& key = keys[static_cast<std::size_t>(number - 1)];
+      return MatchKey{key.text, key.second_text, key.number, key.second_number};
+    };
+    const WorkingList list(kRecords);
+    MatchIndex index(list, key_of);
+    for (std::int32_t number = 1; number <= kRecords; ++number) ASSERT_EQ(index.first_left(key_of(number)), number);
+    EXPECT_LT(read, 3 * kRecords + 10) << "family " << &family - families;
   }
 }
 
@@ -281,6 +316,18 @@ TEST_F(Comparing, AModuleMayBePartnerToSeveral) {
   };
   read_both("Module", modules(2), modules(1));
   EXPECT_EQ(rows(&TarvelVtrOut_InOut::Compare_Product, ",,,Id:"), std::vector<std::string>(2, ",,,0,,,,,,0"));
+}
+
+TEST_F(Comparing, ATableNodeWithoutTidHasItsCodeAsKey) {
+  const auto nodes = [](const char* first, const char* second) {
+    return TREE_HIERARCHY_STRUCT{.Count = 2,
+                                 .Items = array<Node>({Node{.Control = 1, .TableInternalCode = text(first)},
+                                                       Node{.Control = 1, .TableInternalCode = text(second)}})};
+  };
+  read_both("TreeHierarchy", nodes("T", "T"), nodes("T", "U"));
+  rows(&TarvelVtrOut_InOut::Compare_Tree, ",,,Description");
+  EXPECT_EQ(utility.RepeatedKeys(false), std::vector<std::u16string>{u"TableInternalCode T"});
+  EXPECT_TRUE(utility.RepeatedKeys(true).empty());
 }
 
 TEST_F(Comparing, ARootsPartnerMayHaveAnotherCode) {

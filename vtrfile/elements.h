@@ -103,7 +103,9 @@ class VarRun {
 // What an access outside an array's bounds raises, as the platform's arrays do.
 class SubscriptOutOfRange : public std::out_of_range {
  public:
-  SubscriptOutOfRange() : std::out_of_range("a list is shorter than its count says, or too long to be walked") {}
+  SubscriptOutOfRange()
+      : std::out_of_range(
+            "a list is shorter than its count says, or too long to be walked; a recount of the lists tells which") {}
 };
 
 // A one-dimensional array with the lower bound that the file gave it; null when unallocated. Elements that a file
