@@ -10,18 +10,21 @@ namespace {
 constexpr int kPrimeBits = 61;
 constexpr std::uint64_t kPrime = (std::uint64_t{1} << kPrimeBits) - 1;
 
-// Drawn anew for each process.
-const std::uint64_t kPlace = [] {
-  std::random_device random;
-  return std::uniform_int_distribution<std::uint64_t>(1, kPrime / 2)(random);
-}();
+// Drawn for each process, when the first key needs it.
+std::uint64_t drawn_place() {
+  static const std::uint64_t kPlace = [] {
+    std::random_device random;
+    return std::uniform_int_distribution<std::uint64_t>(1, kPrime / 2)(random);
+  }();
+  return kPlace;
+}
 
-// A polynomial at kPlace, modulo a prime, over the parts of which a key consists. Any two keys collide at few of the
-// places, so nobody can prepare a file whose keys do, which would make a search as long as the list.
+// A polynomial at a drawn place, modulo a prime, over the parts of which a key consists. Any two keys collide at few of
+// the places, so nobody can prepare a file whose keys do, which would make a search as long as the list.
 class KeyHash {
  public:
   void add(std::uint64_t part) {  // below the prime
-    const Wide sum = Wide{sum_} * kPlace + part;
+    const Wide sum = Wide{sum_} * place_ + part;
     // Twice the prime at most, and so it stays.
     sum_ = static_cast<std::uint64_t>(sum & kPrime) + static_cast<std::uint64_t>(sum >> kPrimeBits);
   }
@@ -46,6 +49,7 @@ class KeyHash {
  private:
   __extension__ using Wide = unsigned __int128;
 
+  const std::uint64_t place_ = drawn_place();
   std::uint64_t sum_ = 1;
 };
 
