@@ -24,7 +24,7 @@
 #include "platform/files/discarding_files.h"
 #include "platform/files/local_files.h"
 #include "platform/locale/us_locale.h"
-#include "platform/spreadsheet/program/spreadsheet_program.h"
+#include "platform/program/spreadsheet_program.h"
 
 // How the benchmarks measure. Each measured run has a process of its own: in one process a later run gets the memory
 // that an earlier one gave back, with its pages in place, which no user's first call does; and a peak of memory can't
@@ -136,7 +136,7 @@ class Host {
   platform::ConsoleSaveDialog save_dialog_{local_files_, std::cin, std::cerr, false};
   platform::QuietMessageLoop message_loop_;
   platform::UsLocale locale_;
-  spreadsheet::SpreadsheetProgram spreadsheet_{local_files_, locale_};
+  platform::SpreadsheetProgram spreadsheet_{local_files_, locale_};
 };
 
 void read_into(TarvelVtrOut_InOut& document, const std::filesystem::path& file, Boolean is_secondary = False);

@@ -3,8 +3,8 @@
 
 #include "bench/measure.h"
 #include "platform/files/path.h"
-#include "platform/spreadsheet/text/comma_text.h"
-#include "platform/spreadsheet/workbook_file.h"
+#include "spreadsheet/text/comma_text.h"
+#include "spreadsheet/workbook_file.h"
 
 namespace trvtrout::bench {
 namespace {

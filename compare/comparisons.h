@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "compare/comparison_writer.h"
-#include "reports/host_services.h"
+#include "services/host_services.h"
 #include "vtrfile/document.h"
 
 namespace trvtrout {

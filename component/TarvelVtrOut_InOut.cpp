@@ -1,8 +1,8 @@
 #include "component/TarvelVtrOut_InOut.h"
 
 #include "reports/detail_reports.h"
-#include "reports/guard.h"
 #include "reports/naming.h"
+#include "services/guard.h"
 #include "vtrfile/reader.h"
 
 namespace trvtrout {
@@ -45,7 +45,7 @@ std::shared_ptr<const vtrfile::Image> TarvelVtrOut_InOut::load(const std::u16str
 Boolean TarvelVtrOut_InOut::ReadVTR(std::u16string& Fname, std::u16string& StructureList, Boolean& IsSecondary) {
   damage_.reset();
   last_read_ = {};
-  if (Fname.empty()) return fail({0, "no file was named"});
+  if (Fname.empty()) return fail({.what = "no file was named"});
   vtrfile::DocumentReader reader(current_, IsSecondary ? secondary_ : primary_, SchemaOld);
   const Boolean result = guarded(
       [&] {
@@ -59,7 +59,7 @@ Boolean TarvelVtrOut_InOut::ReadVTR(std::u16string& Fname, std::u16string& Struc
         const std::u16string version = services_.locale.Decode(current_.Header->Version.bytes());
         warn(u"Cannot open the VTR file. VTR Output does not support strcture version: " + version +
              u"\r\nPlease send the file to Tarvel Software.");
-        return fail({0, "the format version is not supported"});
+        return fail({.what = "the format version is not supported"});
       },
       [&](const Failure& failure) {
         StructureList = widen(reader.structure_list());
@@ -74,10 +74,10 @@ Boolean TarvelVtrOut_InOut::write_report(const DetailReport& report, const std::
   return guarded(
       [&] {
         const bool written = write_detail_report(services_, current_, report, fname, bool(is_temp), report_path);
-        return written ? True : fail({0, "the file that stands there was left as it is"});
+        return written ? True : fail({.what = "the file that stands there was left as it is"});
       },
       [&](const Failure& failure) {
-        if (tells_user && failure.number == kErrorFileHeld) warn_of_file_in_use(report_path);
+        if (tells_user && failure.number == ErrorNumber::kFileHeld) warn_of_file_in_use(report_path);
         return fail(failure);
       });
 }
@@ -120,7 +120,7 @@ Boolean TarvelVtrOut_InOut::Delete_ASCII(const std::u16string& ASCIIFname) {
         const auto file_system = services_.files.CreateFileSystemObject();
         if (!file_system->FileExists(ASCIIFname)) {
           warn(u"File " + ASCIIFname + u" does not exists.");
-          return fail({0, "the file does not exist"});
+          return fail({.what = "the file does not exist"});
         }
         file_system->DeleteFile(ASCIIFname);
         return True;

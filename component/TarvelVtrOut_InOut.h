@@ -8,7 +8,7 @@
 
 #include "compare/comparison_counts.h"
 #include "component/boolean.h"
-#include "reports/host_services.h"
+#include "services/host_services.h"
 #include "vtrfile/document.h"
 #include "vtrfile/part_read.h"
 #include "vtrfile/read_error.h"

@@ -1,5 +1,5 @@
 #include "component/TarvelVtrOut_InOut.h"
-#include "reports/guard.h"
+#include "services/guard.h"
 #include "vtrfile/recount.h"
 
 // The accessors: what the document last read holds.

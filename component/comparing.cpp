@@ -1,6 +1,6 @@
 #include "compare/comparisons.h"
 #include "component/TarvelVtrOut_InOut.h"
-#include "reports/guard.h"
+#include "services/guard.h"
 
 // The operations that compare the two documents read.
 namespace trvtrout {
@@ -12,10 +12,10 @@ Boolean TarvelVtrOut_InOut::compare(const Comparison& comparison, const std::u16
       [&] {
         const ComparedDocuments documents{primary_, secondary_, primary_fname, secondary_fname};
         const bool written = write_comparison(services_, comparison, documents, report_path, counts_);
-        return written ? True : fail({0, "the file that stands there was left as it is"});
+        return written ? True : fail({.what = "the file that stands there was left as it is"});
       },
       [&](const Failure& failure) {
-        if (failure.number == kErrorFileHeld) warn_of_file_in_use(report_path);
+        if (failure.number == ErrorNumber::kFileHeld) warn_of_file_in_use(report_path);
         return fail(failure);
       });
 }

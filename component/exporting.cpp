@@ -1,7 +1,7 @@
 #include <stdexcept>
 
 #include "component/TarvelVtrOut_InOut.h"
-#include "reports/guard.h"
+#include "services/guard.h"
 #include "workbook/workbook_operations.h"
 
 // The operations that move a report into a sheet of a workbook.

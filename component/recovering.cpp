@@ -2,10 +2,10 @@
 #include <tuple>
 
 #include "component/TarvelVtrOut_InOut.h"
-#include "reports/guard.h"
+#include "services/guard.h"
+#include "vtrfile/format_version.h"
 #include "vtrfile/own_record.h"
 #include "vtrfile/sections.h"
-#include "vtrfile/upgrade.h"
 
 // Writing the document anew, so that it reads to its end whatever it came from:
 //
@@ -47,7 +47,7 @@ class Recovery {
       : utility_(utility), slots_(slots), file_(file) {}
 
   void write_header(std::string_view file_name, std::string_view moment) {
-    const OwnText name(file_name), now(moment), version(kCurrentFormatVersion);
+    const OwnText name(file_name), now(moment), version(kCurrentFormatVersion.text());
     HEADER_STRUCT header = *slots_.Header;
     if (header.Created.empty()) header.Created = now.text();
     header.Modified = now.text();
@@ -159,7 +159,7 @@ void write_document(Recovery& recovery, MessageLoop& message_loop) {
 }  // namespace
 
 Boolean TarvelVtrOut_InOut::RecoverVTR(std::u16string& RecoveredFname, std::u16string& msgRecover) {
-  if (RecoveredFname.empty()) return fail({0, "no file was named"});
+  if (RecoveredFname.empty()) return fail({.what = "no file was named"});
   return guarded(
       [&] {
         const auto file = services_.files.OpenBinaryOutput(RecoveredFname);

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/spreadsheet/biff8/biff8_workbook.h"
-#include "platform/spreadsheet/biff8/compound_file.h"
+#include "spreadsheet/biff8/biff8_workbook.h"
+#include "spreadsheet/biff8/compound_file.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/spreadsheet/ooxml/ooxml_workbook.h"
-#include "platform/spreadsheet/ooxml/package.h"
+#include "spreadsheet/ooxml/ooxml_workbook.h"
+#include "spreadsheet/opc/package.h"
 
 namespace {
 

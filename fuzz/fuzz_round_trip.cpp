@@ -27,7 +27,7 @@ bool read(std::string_view bytes, DocumentSlots& document) {
 std::string file_of(const DocumentSlots& document) {
   std::string bytes;
   RecordWriter writer(bytes);
-  const OwnText version(kCurrentFormatVersion);
+  const OwnText version(kCurrentFormatVersion.text());
   HEADER_STRUCT header = *document.Header;
   header.Version = version.text();
   writer.write(header);

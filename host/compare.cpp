@@ -7,8 +7,8 @@
 #include "host/parts.h"
 #include "host/workbook_target.h"
 #include "platform/files/path.h"
-#include "platform/text/utf8.h"
-#include "reports/guard.h"
+#include "services/guard.h"
+#include "text/utf8.h"
 
 namespace trvtrout::host {
 namespace {
@@ -53,7 +53,7 @@ void print_table(std::ostream& out, const std::vector<PartResult>& results) {
 
 Json to_json(const std::vector<std::u16string>& keys) {
   Json array = Json::array();
-  for (const auto& key : keys) array.push_back(platform::to_utf8(key));
+  for (const auto& key : keys) array.push_back(text::to_utf8(key));
   return array;
 }
 

@@ -4,7 +4,7 @@
 #include "host/document_account.h"
 #include "host/json.h"
 #include "platform/console/printable.h"
-#include "platform/text/utf8.h"
+#include "text/utf8.h"
 
 namespace trvtrout::host {
 namespace {
@@ -36,7 +36,7 @@ void print(const DocumentAccount& account, const std::string& file) {
 
 Json to_json(const std::vector<AccountText>& values) {
   Json object = Json::object();
-  for (const AccountText& value : values) object[value.key] = platform::to_utf8(value.text);
+  for (const AccountText& value : values) object[value.key] = text::to_utf8(value.text);
   return object;
 }
 
@@ -46,7 +46,7 @@ Json to_json(const AccountList& list) {
           {"current", number(list.current)},
           {"max", number(list.max)},
           {"recounted", list.size},
-          {"result", platform::to_utf8(list.result)}};
+          {"result", text::to_utf8(list.result)}};
 }
 
 void print_json(const DocumentAccount& account, const std::string& file, const std::u16string& structure_list,
@@ -56,7 +56,7 @@ void print_json(const DocumentAccount& account, const std::string& file, const s
   for (const AccountList& list : account.lists) lists[list.key] = to_json(list);
   const Json whole = {{"file", file},
                       {"result", !damage},
-                      {"structureList", damage ? Json(platform::to_utf8(structure_list)) : Json()},
+                      {"structureList", damage ? Json(text::to_utf8(structure_list)) : Json()},
                       {"damage", damage ? damage_json(*damage) : Json()},
                       {"gaps", gaps_json(utility.LastRead().gaps)},
                       {"header", to_json(account.header)},

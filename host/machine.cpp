@@ -4,7 +4,7 @@
 
 #include "platform/console/printable.h"
 #include "platform/files/path.h"
-#include "platform/text/utf8.h"
+#include "text/utf8.h"
 
 namespace trvtrout::host {
 namespace {
@@ -27,14 +27,14 @@ Machine::Machine(const Settings& settings, Output output)
       locale_(settings.code_page) {}
 
 void complain(const std::string& line) {
-  std::cerr << line_start() << "vtrout: " << platform::printable_line(platform::from_utf8(line)) << '\n';
+  std::cerr << line_start() << "vtrout: " << platform::printable_line(text::from_utf8(line)) << '\n';
 }
 
 Progress::Progress() : on_terminal_(isatty(STDERR_FILENO) != 0) {}
 
 void Progress::show(const std::string& doing) {
   if (!on_terminal_ || (doing.empty() && !shown_)) return;
-  std::cerr << kEraseLine << platform::printable_line(platform::from_utf8(doing)) << std::flush;
+  std::cerr << kEraseLine << platform::printable_line(text::from_utf8(doing)) << std::flush;
   shown_ = !doing.empty();
 }
 

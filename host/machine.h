@@ -10,8 +10,8 @@
 #include "platform/files/held_files.h"
 #include "platform/files/local_files.h"
 #include "platform/locale/us_locale.h"
-#include "platform/spreadsheet/program/spreadsheet_program.h"
-#include "platform/text/utf8.h"
+#include "platform/program/spreadsheet_program.h"
+#include "text/utf8.h"
 
 namespace trvtrout::host {
 
@@ -43,7 +43,7 @@ class Machine {
   }
   Locale& locale() { return locale_; }
   // Messages name this file (a path of the machine) from now on.
-  void speak_of(const std::string& file) { message_box_.set_subject(u"vtrout: " + platform::from_utf8(file)); }
+  void speak_of(const std::string& file) { message_box_.set_subject(u"vtrout: " + text::from_utf8(file)); }
 
  private:
   platform::LocalFiles files_{platform::MissingFile::kRefuse};
@@ -54,7 +54,7 @@ class Machine {
   platform::ConsoleSaveDialog save_dialog_;
   platform::QuietMessageLoop message_loop_;
   platform::UsLocale locale_;
-  spreadsheet::SpreadsheetProgram spreadsheet_{output_, locale_};
+  platform::SpreadsheetProgram spreadsheet_{output_, locale_};
 };
 
 // One line on stderr, with the program's name in front.

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "reports/host_services.h"
+#include "services/host_services.h"
 #include "vtrfile/document.h"
 
 namespace trvtrout::host {

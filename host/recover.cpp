@@ -9,8 +9,8 @@
 #include "host/recovery_account.h"
 #include "platform/files/path.h"
 #include "platform/files/staged_files.h"
-#include "platform/text/utf8.h"
 #include "reports/naming.h"
+#include "text/utf8.h"
 
 namespace trvtrout::host {
 namespace {
@@ -150,7 +150,7 @@ void print_json(const RecoveryTask& task, const Written& written, const Recovery
              {"keptAtMost", account.kept_at_most},
              {"bytesBehindEnd", account.behind_end},
              {"parts", parts},
-             {"message", platform::to_utf8(written.message)}});
+             {"message", text::to_utf8(written.message)}});
 }
 
 // Reads the file; false when there is nothing in it to recover, of which the user has been told.

@@ -1,12 +1,12 @@
 #include "host/commands.h"
 #include "host/workbook_target.h"
 #include "platform/files/path.h"
-#include "platform/spreadsheet/program/open_books.h"
+#include "platform/program/open_books.h"
 
 namespace trvtrout::host {
 namespace {
 
-bool is_comma_text(const std::string& path) { return spreadsheet::is_comma_text(platform::from_utf8(path)); }
+bool is_comma_text(const std::string& path) { return platform::is_comma_text(text::from_utf8(path)); }
 
 }  // namespace
 
@@ -26,7 +26,7 @@ ExitStatus statistics(const Settings& settings, const std::string& workbook, con
   Progress progress;
   progress.show("Moving " + report);
   const Boolean moved = utility.XL_Output_Statistics(platform::class_path(workbook), platform::class_path(report),
-                                                     platform::from_utf8(sheet_name));
+                                                     text::from_utf8(sheet_name));
   progress.show({});
   if (!moved) {
     complain(utility.LastFailure());

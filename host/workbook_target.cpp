@@ -8,14 +8,12 @@ namespace {
 
 using spreadsheet::WorkbookFormat;
 
-constexpr int kBadFileName = 52;
-
 WorkbookFormat format_by_name(const std::string& path) {
   std::string extension = path.substr(std::min(path.rfind('.'), path.size()));
   std::ranges::transform(extension, extension.begin(), [](unsigned char letter) { return std::tolower(letter); });
   if (extension == ".xls") return WorkbookFormat::kBiff8;
   if (extension == ".xlsx") return WorkbookFormat::kOoxml;
-  throw ServiceError(kBadFileName, "can't make \"" + path + "\": name a new workbook .xlsx or .xls");
+  throw ServiceError(ErrorNumber::kBadFileName, "can't make \"" + path + "\": name a new workbook .xlsx or .xls");
 }
 
 }  // namespace
@@ -27,7 +25,8 @@ ExitStatus left_as_it_was(const std::string& workbook) {
 
 void require_workbook_path(const std::string& path) {
   if (path.find('\\') == std::string::npos) return;
-  throw ServiceError(kBadFileName, "can't change \"" + path + "\": a workbook's path may have no backslash; rename it");
+  throw ServiceError(ErrorNumber::kBadFileName,
+                     "can't change \"" + path + "\": a workbook's path may have no backslash; rename it");
 }
 
 WorkbookTarget::WorkbookTarget(const std::string& path, const std::vector<Part>& parts) : path_(path) {

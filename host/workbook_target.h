@@ -8,7 +8,7 @@
 #include "host/parts.h"
 #include "platform/files/path.h"
 #include "platform/files/replacement.h"
-#include "platform/spreadsheet/program/workbook_on_disk.h"
+#include "platform/program/workbook_on_disk.h"
 
 namespace trvtrout::host {
 
@@ -38,7 +38,7 @@ class WorkbookTarget {
   void complain_of_sheet(const char* part, std::string why) const;
 
   std::string path_;
-  std::optional<spreadsheet::WorkbookOnDisk> standing_;
+  std::optional<platform::WorkbookOnDisk> standing_;
   std::optional<platform::Replacement> content_;
 };
 

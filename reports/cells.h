@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "reports/host_services.h"
+#include "services/host_services.h"
 #include "vtrfile/elements.h"
 #include "vtrfile/variant.h"
 

@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "reports/host_services.h"
 #include "reports/report_frame.h"
+#include "services/host_services.h"
 #include "vtrfile/document.h"
 
 namespace trvtrout {

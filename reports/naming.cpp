@@ -4,7 +4,7 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "reports/guard.h"
+#include "services/guard.h"
 
 namespace trvtrout {
 namespace {

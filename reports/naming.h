@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "reports/host_services.h"
+#include "services/host_services.h"
 
 namespace trvtrout {
 

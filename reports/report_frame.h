@@ -8,7 +8,7 @@
 #include <string_view>
 
 #include "reports/columns.h"
-#include "reports/host_services.h"
+#include "services/host_services.h"
 #include "vtrfile/recount.h"
 
 namespace trvtrout {

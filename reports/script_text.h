@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "reports/host_services.h"
+#include "services/host_services.h"
 #include "vtrfile/elements.h"
 
 namespace trvtrout {

@@ -2,12 +2,64 @@
 #include <map>
 
 #include "tests/support.h"
+#include "vtrfile/record_walks.h"
 
 namespace trvtrout::tests {
 namespace {
 
 using namespace vtrfile;
 using namespace std::string_literals;
+
+// A record as a later version of the format might have it.
+struct GROWN_STRUCT {
+  Text Key;
+  Since<"01.03.00", Text> Remark;
+  Since<"01.03.00", Array<Text>> Remarks;
+  std::int16_t Count;
+  VTR_FIELDS(GROWN_STRUCT, Key, Remark, Remarks, Count)
+};
+
+struct FORGETFUL_STRUCT {
+  Text Key;
+  std::int16_t Count, Max;
+  VTR_FIELDS(FORGETFUL_STRUCT, Key, Max)
+};
+
+struct REPEATING_STRUCT {
+  Text Key;
+  std::int16_t Count, Max;
+  VTR_FIELDS(REPEATING_STRUCT, Key, Max, Max)
+};
+
+struct FORGOTTEN_IN_BASE_STRUCT : GROWN_STRUCT {
+  std::int16_t Max;
+};
+
+static_assert(names_all_members<GROWN_STRUCT>());
+static_assert(!names_all_members<FORGETFUL_STRUCT>());
+static_assert(!names_all_members<REPEATING_STRUCT>());
+static_assert(!names_all_members<FORGOTTEN_IN_BASE_STRUCT>());
+
+TEST(Records, HaveALaterVersionsMembersInItsFilesAlone) {
+  const GROWN_STRUCT whole{text("key"), {text("new")}, {array<Text>({text("a"), text("b")})}, 7};
+  for (const std::string_view version : {"01.02.00", "01.03.00", "01.04.00"}) {
+    const bool has_it = version >= "01.03.00";
+    std::string bytes;
+    RecordWriter(bytes, {}, version).write(whole);
+    EXPECT_EQ(bytes.size(), has_it ? 5u + 5 + 10 + 3 + 3 + 2 : 5u + 2) << version;
+
+    const auto image = tests::image_of(bytes);
+    std::pmr::monotonic_buffer_resource memory;
+    RecordReader reader(*image, version);
+    GROWN_STRUCT back{};
+    reader.read(back, memory);
+    EXPECT_TRUE(reader.at_end() && !reader.cut()) << version;
+    EXPECT_EQ(back.Key.bytes(), "key") << version;
+    EXPECT_EQ(back.Remark.value.bytes(), has_it ? "new" : "") << version;
+    EXPECT_EQ(back.Remarks.value.size(), has_it ? 2 : 0) << version;
+    EXPECT_EQ(back.Count, 7) << version;
+  }
+}
 
 // Every section of every sample, bit for bit: spare slots, raw runs, lower bounds and unallocated arrays included.
 TEST(Records, WriteBackWhatWasRead) {

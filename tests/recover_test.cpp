@@ -39,7 +39,7 @@ class Recover : public testing::Test {
   }
   // The names in one of the two lists, with a blank behind each.
   std::string listed(const char* title) const {
-    const std::string text = platform::to_utf8(message);
+    const std::string text = text::to_utf8(message);
     std::string names = text.substr(text.find(title) + std::string_view(title).size());
     if (title != kCorruptedList) names.resize(names.find(kCorruptedList) - 2);
     for (std::size_t at = 0; (at = names.find("\r\n")) != std::string::npos;) names.replace(at, 2, " ");

@@ -30,9 +30,9 @@ TEST_P(Samples, AreReadAndReported) {
   Boolean secondary = False;
   const Boolean result = utility.ReadVTR(fname, list, secondary);
   std::string account = std::string("result: ") + (result ? "True" : "False") +
-                        "\r\nStructureList:" + (list == u"unchanged" ? " " : "\r\n") + platform::to_utf8(list) + "\r\n";
+                        "\r\nStructureList:" + (list == u"unchanged" ? " " : "\r\n") + text::to_utf8(list) + "\r\n";
   for (const auto& call : machine.message_box.calls) {
-    account += "message:\r\n" + platform::to_utf8(call.prompt) + "\r\n";
+    account += "message:\r\n" + text::to_utf8(call.prompt) + "\r\n";
     EXPECT_EQ(call.title, u"VTR Output Warning");
   }
   EXPECT_EQ(account, file_bytes(expected("read.txt")));
@@ -64,7 +64,7 @@ TEST_P(Samples, AreRecovered) {
   utility.ReadVTR(damaged, list, primary);
   machine.message_loop.count = 0;
   ASSERT_TRUE(utility.RecoverVTR(fname, message)) << utility.LastFailure();
-  EXPECT_EQ(platform::to_utf8(message), file_bytes(expected("recover.txt")));
+  EXPECT_EQ(text::to_utf8(message), file_bytes(expected("recover.txt")));
   EXPECT_EQ(machine.message_loop.count, 2);
   EXPECT_EQ(machine.memory.files[damaged], sample(GetParam())) << "the input is never written";
 
@@ -74,7 +74,7 @@ TEST_P(Samples, AreRecovered) {
   after.read(machine.memory.files[fname]);
   EXPECT_TRUE(after.complete);
   EXPECT_EQ(after.current.Header->Version.bytes(), "01.02.00");
-  const std::string corrupted = platform::to_utf8(message.substr(message.find(u"permanently")));
+  const std::string corrupted = text::to_utf8(message.substr(message.find(u"permanently")));
   vtrfile::for_each_section([&](const auto& section) {
     const bool named = corrupted.find(section.tag == "Schema" ? "LOOKUPS" : section.structure) != std::string::npos;
     EXPECT_EQ(bytes_of(*(after.current.*section.kSlot)) == bytes_of(*(before.current.*section.kSlot)), !named)
@@ -87,8 +87,8 @@ class SamplePairs : public testing::TestWithParam<std::pair<const char*, const c
 TEST_P(SamplePairs, AreCompared) {
   const std::string primary = GetParam().first, secondary = GetParam().second;
   fakes::Machine machine;
-  std::u16string first = u"C:\\Data\\" + platform::from_utf8(primary);
-  std::u16string second = u"C:\\Next\\" + platform::from_utf8(secondary);
+  std::u16string first = u"C:\\Data\\" + text::from_utf8(primary);
+  std::u16string second = u"C:\\Next\\" + text::from_utf8(secondary);
   machine.memory.files = {{first, sample(primary)}, {second, sample(secondary)}};
   TarvelVtrOut_InOut utility(machine.services());
   std::u16string list;
@@ -98,14 +98,14 @@ TEST_P(SamplePairs, AreCompared) {
 
   for (const auto& [part, name, report, compare] : kOperations) {
     std::string wanted = file_bytes(SAMPLES "/expected/" + primary + "~" + secondary + "/compare-" + part + ".csv");
-    replace(wanted, "@PRIMFNAME@", platform::to_utf8(first));
-    replace(wanted, "@SECFNAME@", platform::to_utf8(second));
+    replace(wanted, "@PRIMFNAME@", text::to_utf8(first));
+    replace(wanted, "@SECFNAME@", text::to_utf8(second));
     replace(wanted, "@DATE@", "6/1/2004 2:11:05 PM");
     std::u16string path;
     const std::string result = SAMPLES "/expected/" + primary + "~" + secondary + "/compare-" + part + ".result";
     EXPECT_EQ(bool((utility.*compare)(first, second, path)), !std::filesystem::exists(result)) << part;
     EXPECT_EQ(machine.memory.files[path], wanted) << part;
-    EXPECT_TRUE(path.starts_with(u"C:\\Data\\~tmp")) << platform::to_utf8(path);
+    EXPECT_TRUE(path.starts_with(u"C:\\Data\\~tmp")) << text::to_utf8(path);
   }
 }
 

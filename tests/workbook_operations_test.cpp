@@ -61,7 +61,7 @@ TEST_F(WorkbookOperations, StatisticsFormatsBySheetName) {
     middle.push_back(std::string("Range(B2)") + kMoment);
     middle.insert(middle.end(), cells.begin(), cells.end());
     middle.emplace_back("Range(A1).Select");
-    EXPECT_EQ(spreadsheet.calls, whole(platform::to_utf8(sheet), middle));
+    EXPECT_EQ(spreadsheet.calls, whole(text::to_utf8(sheet), middle));
   }
 }
 
@@ -83,7 +83,7 @@ TEST_F(WorkbookOperations, ComparedWithoutColorFormatsBySheetName) {
     for (const Boolean color : {False, Boolean{1}}) {
       spreadsheet = {};
       EXPECT_EQ(utility.XL_Output_Compared(u"b.xls", u"r.CSV", sheet, nullptr, nullptr, color), True);
-      EXPECT_EQ(spreadsheet.calls, whole(platform::to_utf8(sheet), middle));
+      EXPECT_EQ(spreadsheet.calls, whole(text::to_utf8(sheet), middle));
     }
   }
 }

@@ -1,49 +1,42 @@
 #pragma once
 
-#include <tuple>
 #include <type_traits>
 
 namespace trvtrout::vtrfile {
 
-// One entry of a record's field list: the field's name and where it stands in the record.
-template <class Record, class Member>
-struct Field {
-  const char* name;
-  Member Record::*member;
-};
-
-template <class Record, class Member>
-Field(const char*, Member Record::*) -> Field<Record, Member>;
-
 template <class Type>
 concept RecordType = requires {
-  Type::fields();
+  typename Type::Listed;
 };
 
 // Calls visit(name, member) for each field of the record, in file order.
 template <class Record, class Visit>
-void for_each_field(Record& record, Visit&& visit) {
-  static constexpr auto kFields = std::remove_const_t<Record>::fields();
-  std::apply([&](const auto&... field) { (visit(field.name, record.*field.member), ...); }, kFields);
+constexpr void for_each_field(Record& record, Visit&& visit) {
+  std::remove_const_t<Record>::each_member(record, visit);
 }
 
 }  // namespace trvtrout::vtrfile
 
 // The field list of a record in file order; stands at the end of the record's declaration. Reader, writer and every
 // other walk over a record's fields go by it.
-#define VTR_FIELDS(Record, ...) \
-  static constexpr auto fields() { return std::tuple{VTR_EXPAND(VTR_EACH(Record, __VA_ARGS__))}; }
+#define VTR_FIELDS(Record, ...) VTR_LIST(Record, void, , __VA_ARGS__)
 
 // The same for a record that begins with all fields of `Base`.
-#define VTR_MORE_FIELDS(Base, Record, ...)                                                        \
-  static constexpr auto fields() {                                                                \
-    return std::tuple_cat(Base::fields(), std::tuple{VTR_EXPAND(VTR_EACH(Record, __VA_ARGS__))}); \
+#define VTR_MORE_FIELDS(Base, Record, ...) VTR_LIST(Record, Base, Base::each_member(self, visit);, __VA_ARGS__)
+
+#define VTR_LIST(Record, Base, visit_base, ...)                 \
+  using Listed = Record;                                        \
+  using ListedBase = Base;                                      \
+  static constexpr const char* kListed = #__VA_ARGS__;          \
+  template <class Self, class Visit>                            \
+  static constexpr void each_member(Self& self, Visit& visit) { \
+    visit_base VTR_EXPAND(VTR_EACH(__VA_ARGS__))                \
   }
 
-#define VTR_FIELD(Record, name) \
-  ::trvtrout::vtrfile::Field { #name, &Record::name }
-#define VTR_EACH(Record, name, ...) VTR_FIELD(Record, name) __VA_OPT__(, VTR_EACH_AGAIN VTR_PARENS(Record, __VA_ARGS__))
-// The preprocessor doesn't expand a macro inside itself; each scan below lets one more name through (48 in all).
+#define VTR_EACH(name, ...) \
+  visit(#name, self.name);  \
+  __VA_OPT__(VTR_EACH_AGAIN VTR_PARENS(__VA_ARGS__))
+// The preprocessor doesn't expand a macro inside itself; each scan below lets one more name through (64 in all).
 #define VTR_EACH_AGAIN() VTR_EACH
 #define VTR_PARENS ()
 #define VTR_EXPAND(...) VTR_SCAN_4(VTR_SCAN_4(VTR_SCAN_4(__VA_ARGS__)))

@@ -51,12 +51,6 @@ std::string shown(std::string_view tag) {
 
 }  // namespace
 
-FormatClass classify(std::string_view version) noexcept {
-  if (version == kOldFormatVersion) return FormatClass::kOld;
-  return version > kOldFormatVersion && version <= kCurrentFormatVersion ? FormatClass::kCurrent
-                                                                         : FormatClass::kUnsupported;
-}
-
 struct DocumentReader::KnownSection : SectionName {
   void (DocumentReader::*read)(int count);
 };
@@ -88,6 +82,7 @@ bool DocumentReader::read(std::shared_ptr<const Image> image) {
   replace_all(old_not_read_list_, entry(kOldHeaderName), "");
   group_.Header = current_.Header;
 
+  records_->set_version(current_.Header->Version.bytes());
   const FormatClass format = classify(current_.Header->Version.bytes());
   if (format == FormatClass::kUnsupported) return false;
   if (format == FormatClass::kOld) not_read_list_ = old_not_read_list_;
@@ -181,7 +176,7 @@ void DocumentReader::read_old_schema(int count) {
   Carried& carried = met_.parts.back().carried;
   carried = Carried::kNone;
   read_records(schema_old_, count);
-  UpgradeSchema(kOldFormatVersion, schema_old_, current_.Schema);
+  UpgradeSchema(kOldFormatVersion.text(), schema_old_, current_.Schema);
   carried = UpgradeLeavesBehind(*schema_old_) ? Carried::kPart : Carried::kAll;
   group_.Schema = current_.Schema;
 }

@@ -16,10 +16,6 @@
 
 namespace trvtrout::vtrfile {
 
-// What a format version means for the reader.
-enum class FormatClass { kCurrent, kOld, kUnsupported };
-FormatClass classify(std::string_view version) noexcept;
-
 // Walks the sections of one file into the slots of a document, and keeps the account of what was read.
 class DocumentReader {
  public:

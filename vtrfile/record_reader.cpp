@@ -12,8 +12,9 @@ constexpr Allowance kAllowancePerByte = 2;
 
 }  // namespace
 
-RecordReader::RecordReader(const Image& image) noexcept
-    : begin_(image.begin()),
+RecordReader::RecordReader(const Image& image, std::string_view version) noexcept
+    : version_(version),
+      begin_(image.begin()),
       end_(image.end()),
       at_(image.begin()),
       allowance_(kAllowance + kAllowancePerByte * image.size()) {}

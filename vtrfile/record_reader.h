@@ -2,8 +2,10 @@
 
 #include <cstdint>
 #include <memory_resource>
+#include <string_view>
 
 #include "vtrfile/elements.h"
+#include "vtrfile/format_version.h"
 #include "vtrfile/image.h"
 #include "vtrfile/read_error.h"
 #include "vtrfile/variant.h"
@@ -18,14 +20,17 @@ namespace trvtrout::vtrfile {
 // that are there.
 class RecordReader {
  public:
-  // `image` must outlive the reader and all records read.
-  explicit RecordReader(const Image& image) noexcept;
+  // `image` must outlive the reader and all records read, `version`, the one of the file, the reader.
+  explicit RecordReader(const Image& image, std::string_view version = kCurrentFormatVersion.text()) noexcept;
 
   // Fills `record` from the present position and leaves the position behind it. `memory` gives the arrays their room
   // and must outlive the record. Raises ReadError; the record then holds what was read of it, and the position stays.
   // There is an instance for each record that stands in a file by itself.
   template <class Record>
   void read(Record& record, std::pmr::memory_resource& memory);
+
+  // For the records from here on; the version stands in the file's first one.
+  void set_version(std::string_view version) noexcept { version_ = version; }
 
   std::uint64_t offset() const noexcept { return offset_of(at_); }
   bool at_end() const noexcept { return at_ == end_; }
@@ -69,6 +74,7 @@ class RecordReader {
   std::size_t left(Place at) const noexcept { return static_cast<std::size_t>(end_ - at); }
   unsigned char* new_bytes(std::size_t size);
 
+  std::string_view version_;
   Place begin_;
   Place end_;
   Place at_;

@@ -5,7 +5,8 @@
 #include <string>
 #include <utility>
 
-#include "vtrfile/fields.h"
+#include "vtrfile/field_check.h"
+#include "vtrfile/format_version.h"
 #include "vtrfile/record_reader.h"
 #include "vtrfile/record_writer.h"
 
@@ -32,6 +33,11 @@ constexpr bool kIsFixedArray = false;
 template <class Element, std::size_t Size>
 constexpr bool kIsFixedArray<std::array<Element, Size>> = true;
 
+template <class Type>
+constexpr bool kIsSince = false;
+template <FormatVersion version, class Value>
+constexpr bool kIsSince<Since<version, Value>> = true;
+
 // A value that has as many bytes in the file as in memory, whatever it holds.
 template <class Type>
 constexpr bool kIsPlain = kIsNumber<Type> || kIsRaw<Type> || std::is_same_v<Type, Flag>;
@@ -39,6 +45,8 @@ constexpr bool kIsPlain = kIsNumber<Type> || kIsRaw<Type> || std::is_same_v<Type
 // A plain value or a text is read whatever the bytes are; only in front of the others a step of the path is due.
 template <class Type>
 constexpr bool kCanFail = !kIsPlain<Type> && !std::is_same_v<Type, Text>;
+template <FormatVersion version, class Value>
+constexpr bool kCanFail<Since<version, Value>> = kCanFail<Value>;
 
 // The fewest bytes that a value takes in the file.
 template <class Type>
@@ -48,11 +56,11 @@ consteval std::size_t least_bytes() {
   } else if constexpr (kIsFixedArray<Type>) {
     return std::tuple_size_v<Type> * least_bytes<typename Type::value_type>();
   } else if constexpr (RecordType<Type>) {
-    return std::apply(
-        [](const auto&... field) {
-          return (least_bytes<std::remove_cvref_t<decltype(std::declval<Type&>().*field.member)>>() + ...);
-        },
-        Type::fields());
+    static_assert(names_all_members<Type>(), "the field list of this record doesn't name each of its members once");
+    std::size_t bytes = 0;
+    Type record{};
+    for_each_field(record, [&]<class Member>(const char*, Member&) { bytes += least_bytes<Member>(); });
+    return bytes;
   } else {
     return Type::kLeastBytes;
   }
@@ -66,6 +74,7 @@ void RecordReader::read(Record& into, std::pmr::memory_resource& memory) {
 
 template <class Record>
 RecordReader::Place RecordReader::record(Place at, Record& into) {
+  static_assert(least_bytes<Record>() > 0);
   for_each_field(into, [&](const char* name, auto& member) {
     if constexpr (kCanFail<std::remove_cvref_t<decltype(member)>>) {
       try {
@@ -91,6 +100,8 @@ RecordReader::Place RecordReader::value(Place at, Value& into) {
     }
     into = load<Value>(at);
     return at + sizeof(Value);
+  } else if constexpr (kIsSince<Value>) {
+    return version_ < Value::kVersion ? at : value(at, into.value);
   } else if constexpr (std::is_same_v<Value, Text>) {
     return text(at, into);
   } else if constexpr (std::is_same_v<Value, Var>) {
@@ -218,6 +229,8 @@ void RecordWriter::value(const Value& from) {
     plain(static_cast<std::int16_t>(from ? -1 : 0));
   } else if constexpr (kIsPlain<Value> || std::is_same_v<Value, unsigned char>) {
     plain(from);
+  } else if constexpr (kIsSince<Value>) {
+    if (version_ >= Value::kVersion) value(from.value);
   } else if constexpr (std::is_same_v<Value, Text>) {
     plain(static_cast<std::uint16_t>(from.bytes().size()));
     out_.append(from.bytes());

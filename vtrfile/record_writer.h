@@ -3,9 +3,11 @@
 #include <cstddef>
 #include <functional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "vtrfile/elements.h"
+#include "vtrfile/format_version.h"
 
 namespace trvtrout::vtrfile {
 
@@ -17,7 +19,10 @@ class RecordWriter {
 
   // `out` must outlive the writer. `drain`, if given, is called when some 64 KiB have come together, so that a record
   // that is large, or that announces far more than its file held, isn't in memory as a whole.
-  explicit RecordWriter(std::string& out, Drain drain = {}) noexcept : out_(out), drain_(std::move(drain)) {}
+  // `version` is the one of the file.
+  explicit RecordWriter(std::string& out, Drain drain = {},
+                        std::string_view version = kCurrentFormatVersion.text()) noexcept
+      : out_(out), drain_(std::move(drain)), version_(version) {}
 
   // There is an instance for each record that stands in a file by itself.
   template <class Record>
@@ -39,6 +44,7 @@ class RecordWriter {
 
   std::string& out_;
   Drain drain_;
+  std::string_view version_;
 };
 
 }  // namespace trvtrout::vtrfile

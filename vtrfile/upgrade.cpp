@@ -12,7 +12,7 @@ namespace trvtrout::vtrfile {
 using ProductItems = Array<PRODUCT_LIST_ITEM_STRUCT>;
 
 void UpgradeSchema(std::string_view version, const Slot<SCHEMA_STRUCT_OLD1>& schema_old, Slot<SCHEMA_STRUCT>& target) {
-  if (version != kOldFormatVersion) return;
+  if (version != kOldFormatVersion.text()) return;
 
   // What stays goes into an image of its own; otherwise each upgrade on one object would keep the file before it.
   SCHEMA_STRUCT staying = *target;

@@ -6,9 +6,6 @@
 
 namespace trvtrout::vtrfile {
 
-inline constexpr std::string_view kOldFormatVersion = "01.00.00";
-inline constexpr std::string_view kCurrentFormatVersion = "01.02.00";
-
 // Brings a schema of the old format into `target`; does nothing for a version other than kOldFormatVersion. What the
 // upgrade doesn't carry over stays in `target` as it was.
 void UpgradeSchema(std::string_view version, const Slot<SCHEMA_STRUCT_OLD1>& schema_old, Slot<SCHEMA_STRUCT>& target);

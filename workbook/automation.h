@@ -10,7 +10,7 @@
 // adapter passes them as missing, and 1033.
 //
 // Objects are released by destroying them; one that outlives its application is good for nothing else. Every member
-// raises ServiceError (reports/host_services.h) when the spreadsheet fails.
+// raises ServiceError (services/host_services.h) when the spreadsheet fails.
 namespace trvtrout::automation {
 
 class Font {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "reports/guard.h"
+#include "services/guard.h"
 #include "workbook/automation.h"
 
 namespace trvtrout {

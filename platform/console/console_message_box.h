@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "reports/host_services.h"
+#include "services/host_services.h"
 
 namespace trvtrout::platform {
 

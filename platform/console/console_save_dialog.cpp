@@ -6,7 +6,7 @@
 #include "platform/console/ask.h"
 #include "platform/console/printable.h"
 #include "platform/files/path.h"
-#include "platform/text/utf8.h"
+#include "text/utf8.h"
 
 namespace trvtrout::platform {
 namespace {
@@ -49,7 +49,7 @@ std::string ConsoleSaveDialog::question() const {
 bool ConsoleSaveDialog::may_be_written(const std::string& path) {
   const std::u16string name = class_path(path);
   if (!files_.CreateFileSystemObject()->FileExists(name)) return true;
-  return ask_letter(in_, out_, printable(from_utf8(path)) + " exists. Overwrite it? [y/n] ", "yn") == 'y';
+  return ask_letter(in_, out_, printable(text::from_utf8(path)) + " exists. Overwrite it? [y/n] ", "yn") == 'y';
 }
 
 }  // namespace trvtrout::platform

@@ -3,7 +3,7 @@
 #include <iosfwd>
 #include <string>
 
-#include "reports/host_services.h"
+#include "services/host_services.h"
 
 namespace trvtrout::platform {
 

@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "platform/text/utf8.h"
+#include "text/surrogates.h"
+#include "text/utf8.h"
 
 namespace trvtrout::platform {
 namespace {
@@ -20,7 +21,7 @@ std::string printable(const std::u16string& text) {
   for (std::size_t at = 0; at < text.size(); ++at) {
     const char16_t unit = text[at];
     const bool line_end = unit == u'\r' && at + 1 < text.size() && text[at + 1] == u'\n';
-    const bool second_half = at > 0 && (text[at - 1] & 0xFC00) == 0xD800;
+    const bool second_half = at > 0 && text::is_high_half(text[at - 1]);
     if (line_end) continue;
     if (unit != u'\n' && (is_control(unit) || (is_control_byte(unit) && !second_half))) {
       shown += u"\\x";
@@ -30,7 +31,7 @@ std::string printable(const std::u16string& text) {
       shown += unit;
     }
   }
-  return to_utf8(shown);
+  return text::to_utf8(shown);
 }
 
 std::string printable_line(const std::u16string& text) {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reports/host_services.h"
+#include "services/host_services.h"
 
 namespace trvtrout::platform {
 

@@ -10,38 +10,37 @@
 #include <unistd.h>
 #include <utility>
 
-#include "reports/host_services.h"
+#include "services/host_services.h"
 
 namespace trvtrout::platform {
 namespace {
 
 struct ErrorRow {
   int error;
-  int number;
+  ErrorNumber number;
   const char* reason;  // null: the machine's own words
 };
 
 constexpr ErrorRow kErrors[] = {
-    {ENOENT, 53, "there is no such file"},
-    {ENOTDIR, 76, "its folder doesn't exist"},
-    {EAGAIN, kErrorFileHeld, "it's held by another program"},
-    {EACCES, kErrorFileHeld, nullptr},
-    {EPERM, kErrorFileHeld, nullptr},
-    {EROFS, kErrorFileHeld, nullptr},
-    {ETXTBSY, kErrorFileHeld, "it's a program that is running"},
-    {EBUSY, kErrorFileHeld, nullptr},
-    {EISDIR, 58, "a folder has that name"},
-    {EEXIST, 58, "a file of that name exists"},
-    {ENXIO, 75, "it's a folder, a pipe or a device"},
-    {ENOSPC, 61, "the disk is full"},
-    {EDQUOT, 61, "the disk quota is used up"},
-    {EFBIG, 61, "the file would be larger than is allowed"},
-    {EMFILE, 67, nullptr},
-    {ENFILE, 67, nullptr},
-    {ENAMETOOLONG, 52, nullptr},
-    {EILSEQ, 52, "it can't be the name of a file"},
+    {ENOENT, ErrorNumber::kNoSuchFile, "there is no such file"},
+    {ENOTDIR, ErrorNumber::kNoSuchFolder, "its folder doesn't exist"},
+    {EAGAIN, ErrorNumber::kFileHeld, "it's held by another program"},
+    {EACCES, ErrorNumber::kFileHeld, nullptr},
+    {EPERM, ErrorNumber::kFileHeld, nullptr},
+    {EROFS, ErrorNumber::kFileHeld, nullptr},
+    {ETXTBSY, ErrorNumber::kFileHeld, "it's a program that is running"},
+    {EBUSY, ErrorNumber::kFileHeld, nullptr},
+    {EISDIR, ErrorNumber::kFileExists, "a folder has that name"},
+    {EEXIST, ErrorNumber::kFileExists, "a file of that name exists"},
+    {ENXIO, ErrorNumber::kPathAccess, "it's a folder, a pipe or a device"},
+    {ENOSPC, ErrorNumber::kDiskFull, "the disk is full"},
+    {EDQUOT, ErrorNumber::kDiskFull, "the disk quota is used up"},
+    {EFBIG, ErrorNumber::kDiskFull, "the file would be larger than is allowed"},
+    {EMFILE, ErrorNumber::kTooManyFiles, nullptr},
+    {ENFILE, ErrorNumber::kTooManyFiles, nullptr},
+    {ENAMETOOLONG, ErrorNumber::kBadFileName, nullptr},
+    {EILSEQ, ErrorNumber::kBadFileName, "it can't be the name of a file"},
 };
-constexpr int kOtherError = 57;
 
 bool parent_exists(const std::string& path) {
   const std::size_t slash = path.rfind('/');
@@ -100,7 +99,8 @@ void raise_file_error(int error, const std::string& path, const char* verb) {
                                  [error](const ErrorRow& candidate) { return candidate.error == error; });
   const bool found = row != std::end(kErrors);
   const std::string reason = found && row->reason ? row->reason : std::generic_category().message(error);
-  throw ServiceError(found ? row->number : kOtherError, std::string("can't ") + verb + " \"" + path + "\": " + reason);
+  throw ServiceError(found ? row->number : ErrorNumber::kDeviceError,
+                     std::string("can't ") + verb + " \"" + path + "\": " + reason);
 }
 
 FileHandle::FileHandle(const std::string& path, const char* verb, Access access, Creation creation,

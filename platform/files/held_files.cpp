@@ -5,8 +5,6 @@
 namespace trvtrout::platform {
 namespace {
 
-constexpr int kNoSuchFile = 53;
-
 using Texts = std::map<std::u16string, std::string>;
 
 class HeldText : public TextStream {
@@ -45,7 +43,7 @@ class HeldFileSystem : public FileSystemObject {
   }
   bool FileExists(const std::u16string& path) override { return texts_.contains(path); }
   void DeleteFile(const std::u16string& path) override {
-    if (texts_.erase(path) == 0) throw ServiceError(kNoSuchFile, "there is no such text");
+    if (texts_.erase(path) == 0) throw ServiceError(ErrorNumber::kNoSuchFile, "there is no such text");
   }
 
  private:

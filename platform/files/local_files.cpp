@@ -13,7 +13,6 @@ namespace trvtrout::platform {
 namespace {
 
 constexpr std::size_t kBufferSize = 65536;
-constexpr int kInvalidCall = 5;
 
 class LocalTextStream : public TextStream {
  public:
@@ -90,9 +89,10 @@ class LocalBinaryOutput : public BinaryOutput {
 class LocalFileSystem : public FileSystemObject {
  public:
   std::unique_ptr<TextStream> CreateTextFile(const std::u16string& path, bool overwrite, bool unicode) override {
-    if (path.empty()) throw ServiceError(kInvalidCall, "can't write a file: no path was given");
+    if (path.empty()) throw ServiceError(ErrorNumber::kInvalidCall, "can't write a file: no path was given");
     const std::string name = machine_path(path);
-    if (unicode) throw ServiceError(kInvalidCall, "can't write \"" + name + "\": 16-bit text files aren't offered");
+    if (unicode)
+      throw ServiceError(ErrorNumber::kInvalidCall, "can't write \"" + name + "\": 16-bit text files aren't offered");
     FileHandle file(name, "write", Access::kWrite, overwrite ? Creation::kIfMissing : Creation::kOnlyNew);
     file.truncate();
     return std::make_unique<LocalTextStream>(std::move(file));

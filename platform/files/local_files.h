@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "reports/host_services.h"
+#include "services/host_services.h"
 
 namespace trvtrout::platform {
 

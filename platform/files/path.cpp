@@ -3,18 +3,18 @@
 #include <algorithm>
 #include <random>
 
-#include "platform/text/utf8.h"
+#include "text/utf8.h"
 
 namespace trvtrout::platform {
 
 std::string machine_path(const std::u16string& path) {
-  std::string bytes = to_utf8(path);
+  std::string bytes = text::to_utf8(path);
   std::replace(bytes.begin(), bytes.end(), '\\', '/');
   return bytes;
 }
 
 std::u16string class_path(std::string_view machine_path) {
-  std::u16string path = from_utf8(machine_path);
+  std::u16string path = text::from_utf8(machine_path);
   std::replace(path.begin(), path.end(), u'/', u'\\');
   return path;
 }

@@ -10,14 +10,12 @@
 #include <utility>
 
 #include "platform/files/path.h"
-#include "reports/host_services.h"
+#include "services/host_services.h"
 
 namespace trvtrout::platform {
 namespace {
 
 constexpr const char* kVerb = "write";
-
-constexpr int kBadFileName = 52;
 
 // Not over a file that has come to stand there. The error number of the machine, 0 for none.
 int rename_to_new(const std::string& from, const std::string& to) noexcept {
@@ -34,7 +32,7 @@ std::string behind_links(const std::string& path) {
   if (!none) return real.string();
   // A new name in its place would take the link away from whoever made it.
   if (std::filesystem::is_symlink(path, none)) {
-    throw ServiceError(kBadFileName,
+    throw ServiceError(ErrorNumber::kBadFileName,
                        std::string("can't ") + kVerb + " \"" + path + "\": it's a link that leads nowhere");
   }
   return path;

@@ -7,7 +7,7 @@
 
 #include "platform/files/file_handle.h"
 #include "platform/files/replacement.h"
-#include "reports/host_services.h"
+#include "services/host_services.h"
 
 namespace trvtrout::platform {
 

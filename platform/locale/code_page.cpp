@@ -13,6 +13,8 @@
 #include <stdexcept>
 #include <type_traits>
 
+#include "text/surrogates.h"
+
 namespace trvtrout::platform {
 namespace {
 
@@ -126,9 +128,7 @@ std::string CodePage::encode(std::u16string_view text) const {
     const std::uint16_t code = bytes_[text[at]];
     if (code == kNoBytes) {
       bytes += '?';
-      const bool surrogate_pair =
-          (text[at] & 0xFC00) == 0xD800 && at + 1 < text.size() && (text[at + 1] & 0xFC00) == 0xDC00;
-      if (surrogate_pair) ++at;
+      if (text::is_pair_at(text, at)) ++at;
       continue;
     }
     if (code > 0xFF) bytes += static_cast<char>(code >> 8);

@@ -6,14 +6,16 @@
 #include <cmath>
 #include <ctime>
 
-#include "platform/text/scanner.h"
+#include "text/calendar.h"
+#include "text/scanner.h"
 
 namespace trvtrout::platform {
 namespace {
 
 namespace chrono = std::chrono;
+using text::kDayZero;
+using text::Scanner;
 
-constexpr chrono::sys_days kDayZero = chrono::year{1899} / 12 / 30;
 constexpr int kFirstDay = -657434;  // 1 January 100
 constexpr int kLastDay = 2958465;   // 31 December 9999
 constexpr int kSecondsInDay = 24 * 60 * 60;
@@ -134,7 +136,7 @@ std::optional<int> take_general_date(Scanner& scanner) {
   if (!scanner.take_number(1, 2, day) || !scanner.take('/')) return std::nullopt;
   const std::size_t digits = scanner.take_number(2, 4, year);
   if (digits == 0) return std::nullopt;
-  if (digits == 2) year += year < 30 ? 2000 : 1900;
+  if (digits == 2) year = text::year_of_two_digits(year);
   return day_number(year, month, day);
 }
 

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "platform/locale/code_page.h"
-#include "reports/host_services.h"
+#include "services/host_services.h"
 
 namespace trvtrout::platform {
 

@@ -13,9 +13,9 @@
 #include <vector>
 
 #include "platform/locale/us_locale.h"
-#include "platform/text/utf8.h"
-#include "reports/host_services.h"
+#include "services/host_services.h"
 #include "tests/fakes/recording_spreadsheet.h"
+#include "text/utf8.h"
 
 namespace trvtrout::fakes {
 
@@ -24,7 +24,7 @@ int error_number(const auto& action) try {
   action();
   return 0;
 } catch (const ServiceError& error) {
-  return error.number();
+  return static_cast<int>(error.number());
 }
 
 // Files in memory, with the rules of the real ones; one call can be made to fail.
@@ -55,19 +55,21 @@ class MemoryFiles : public Files {
   bool SameFile(const std::u16string& path, const std::u16string& other) override { return path == other; }
 
  private:
-  [[noreturn]] static void refuse(int number, const std::u16string& path) {
-    throw ServiceError(number, "error " + std::to_string(number) + " on \"" + platform::to_utf8(path) + "\"");
+  [[noreturn]] static void refuse(ErrorNumber number, const std::u16string& path) {
+    throw ServiceError(number,
+                       "error " + std::to_string(static_cast<int>(number)) + " on \"" + text::to_utf8(path) + "\"");
   }
   template <class Opened>
   std::unique_ptr<Opened> open(const std::u16string& path) {
     count();
-    if (path.empty()) refuse(53, path);
-    if (held.contains(path)) refuse(kErrorFileHeld, path);
+    if (path.empty()) refuse(ErrorNumber::kNoSuchFile, path);
+    if (held.contains(path)) refuse(ErrorNumber::kFileHeld, path);
     files.try_emplace(path);
     return std::make_unique<Opened>(*this, path);
   }
   void count() {
-    if (++calls_ == failing_call_) throw ServiceError(57, "injected fault in call " + std::to_string(calls_));
+    if (++calls_ == failing_call_)
+      throw ServiceError(ErrorNumber::kDeviceError, "injected fault in call " + std::to_string(calls_));
   }
 
   template <class Interface>
@@ -90,7 +92,7 @@ class MemoryFiles : public Files {
       return owner_;
     }
     std::string& bytes() {
-      if (path_.empty()) refuse(52, path_);
+      if (path_.empty()) refuse(ErrorNumber::kBadFileName, path_);
       return counted().files[path_];
     }
     void release() {
@@ -145,17 +147,17 @@ class MemoryFiles : public Files {
     using Object::Object;
     std::unique_ptr<TextStream> CreateTextFile(const std::u16string& path, bool overwrite, bool unicode) override {
       MemoryFiles& owner = counted();
-      if (path.empty() || unicode) refuse(5, path);
-      if (!overwrite && owner.files.contains(path)) refuse(58, path);
-      if (owner.held.contains(path)) refuse(kErrorFileHeld, path);
+      if (path.empty() || unicode) refuse(ErrorNumber::kInvalidCall, path);
+      if (!overwrite && owner.files.contains(path)) refuse(ErrorNumber::kFileExists, path);
+      if (owner.held.contains(path)) refuse(ErrorNumber::kFileHeld, path);
       owner.files[path].clear();
       return std::make_unique<Output>(owner, path);
     }
     bool FileExists(const std::u16string& path) override { return counted().files.contains(path); }
     void DeleteFile(const std::u16string& path) override {
       MemoryFiles& owner = counted();
-      if (owner.held.contains(path)) refuse(kErrorFileHeld, path);
-      if (owner.files.erase(path) == 0) refuse(53, path);
+      if (owner.held.contains(path)) refuse(ErrorNumber::kFileHeld, path);
+      if (owner.files.erase(path) == 0) refuse(ErrorNumber::kNoSuchFile, path);
     }
   };
 
@@ -191,9 +193,9 @@ class ScriptedSaveDialog : public SaveDialog {
   std::vector<std::string> calls;
   std::u16string file_name;
 
-  void SetFilter(const std::u16string& filter) override { calls.push_back("SetFilter " + platform::to_utf8(filter)); }
+  void SetFilter(const std::u16string& filter) override { calls.push_back("SetFilter " + text::to_utf8(filter)); }
   void SetFilterIndex(int index) override { calls.push_back("SetFilterIndex " + std::to_string(index)); }
-  void SetText(const std::u16string& text) override { calls.push_back("SetText " + platform::to_utf8(text)); }
+  void SetText(const std::u16string& text) override { calls.push_back("SetText " + text::to_utf8(text)); }
   void ShowSave() override { calls.emplace_back("ShowSave"); }
   std::u16string FileName() override {
     calls.emplace_back("FileName");

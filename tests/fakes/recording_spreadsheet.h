@@ -7,8 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include "platform/text/utf8.h"
-#include "reports/host_services.h"
+#include "services/host_services.h"
+#include "text/utf8.h"
 #include "workbook/automation.h"
 
 namespace trvtrout::fakes {
@@ -22,14 +22,14 @@ class RecordingSpreadsheet : public automation::Spreadsheet {
   std::size_t failing_call = 0;                  // counted from 1; 0: none
 
   std::unique_ptr<automation::Application> CreateObject(const std::u16string& name) override {
-    call("CreateObject " + platform::to_utf8(name));
+    call("CreateObject " + text::to_utf8(name));
     return std::make_unique<Application>(*this);
   }
 
  private:
   void call(const std::string& text) {
     calls.push_back(text);
-    if (calls.size() == failing_call) throw ServiceError(1004, "injected fault in " + text);
+    if (calls.size() == failing_call) throw ServiceError(ErrorNumber::kAutomation, "injected fault in " + text);
   }
 
   template <class Interface>
@@ -56,13 +56,11 @@ class RecordingSpreadsheet : public automation::Spreadsheet {
   struct Range : Object<automation::Range> {
     using Object::Object;
     std::unique_ptr<automation::Range> Item(const std::u16string& columns) override {
-      return make<Range>("(" + platform::to_utf8(columns) + ").");
+      return make<Range>("(" + text::to_utf8(columns) + ").");
     }
     std::unique_ptr<automation::Range> Cells() override { return make<Range>("Cells."); }
     void Copy() override { note("Copy"); }
-    void SetNumberFormat(const std::u16string& format) override {
-      note("NumberFormat := " + platform::to_utf8(format));
-    }
+    void SetNumberFormat(const std::u16string& format) override { note("NumberFormat := " + text::to_utf8(format)); }
     void SetHorizontalAlignment(std::int32_t alignment) override {
       note("HorizontalAlignment := " + std::to_string(alignment));
     }
@@ -80,11 +78,11 @@ class RecordingSpreadsheet : public automation::Spreadsheet {
   struct Worksheet : Object<automation::Worksheet> {
     using Object::Object;
     ~Worksheet() override { log_.calls.push_back("release " + path_.substr(0, path_.size() - 1)); }
-    void SetName(const std::u16string& name) override { note("Name := " + platform::to_utf8(name)); }
+    void SetName(const std::u16string& name) override { note("Name := " + text::to_utf8(name)); }
     std::unique_ptr<automation::Range> Cells() override { return make<Range>("Cells."); }
     std::unique_ptr<automation::Range> Columns() override { return make<Range>("Columns."); }
     std::unique_ptr<automation::Range> GetRange(const std::u16string& addresses) override {
-      return make<Range>("Range(" + platform::to_utf8(addresses) + ").");
+      return make<Range>("Range(" + text::to_utf8(addresses) + ").");
     }
     void Paste() override { note("Paste"); }
   };
@@ -102,14 +100,14 @@ class RecordingSpreadsheet : public automation::Spreadsheet {
     }
     std::unique_ptr<automation::Sheets> GetSheets() override { return make<Sheets>("Sheets."); }
     void SaveAs(const std::u16string& filename, std::int32_t access_mode) override {
-      note("SaveAs " + platform::to_utf8(filename) + ", AccessMode " + std::to_string(access_mode));
+      note("SaveAs " + text::to_utf8(filename) + ", AccessMode " + std::to_string(access_mode));
     }
     void Close() override { note("Close"); }
   };
 
   struct Workbooks : Object<automation::Workbooks> {
     using Object::Object;
-    void Open(const std::u16string& filename) override { note("Open " + platform::to_utf8(filename)); }
+    void Open(const std::u16string& filename) override { note("Open " + text::to_utf8(filename)); }
     void Close() override { note("Close"); }
   };
 

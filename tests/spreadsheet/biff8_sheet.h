@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "platform/spreadsheet/sheet.h"
+#include "spreadsheet/sheet.h"
 
 namespace trvtrout::tests {
 

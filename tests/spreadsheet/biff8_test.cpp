@@ -7,9 +7,9 @@
 #include <nlohmann/json.hpp>
 #include <random>
 
-#include "platform/spreadsheet/biff8/biff8_workbook.h"
-#include "platform/spreadsheet/biff8/compound_file.h"
-#include "platform/spreadsheet/biff8/globals.h"
+#include "spreadsheet/biff8/biff8_workbook.h"
+#include "spreadsheet/biff8/compound_file.h"
+#include "spreadsheet/biff8/globals.h"
 #include "tests/fakes/temporary_folder.h"
 #include "tests/spreadsheet/biff8_sheet.h"
 

@@ -1,4 +1,4 @@
-#include "platform/spreadsheet/text/comma_text.h"
+#include "spreadsheet/text/comma_text.h"
 
 #include <algorithm>
 #include <array>

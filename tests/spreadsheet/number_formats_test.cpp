@@ -1,4 +1,4 @@
-#include "platform/spreadsheet/number_formats.h"
+#include "spreadsheet/number_formats.h"
 
 #include <gtest/gtest.h>
 

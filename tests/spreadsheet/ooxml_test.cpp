@@ -5,8 +5,8 @@
 #include <vector>
 #include <xlsxwriter.h>
 
-#include "platform/spreadsheet/ooxml/ooxml_workbook.h"
-#include "platform/spreadsheet/workbook_file.h"
+#include "spreadsheet/ooxml/ooxml_workbook.h"
+#include "spreadsheet/workbook_file.h"
 #include "tests/fakes/temporary_folder.h"
 
 namespace trvtrout::spreadsheet {

@@ -8,18 +8,19 @@
 #include "platform/files/local_files.h"
 #include "platform/files/path.h"
 #include "platform/locale/us_locale.h"
-#include "platform/spreadsheet/program/areas.h"
-#include "platform/spreadsheet/program/column_widths.h"
-#include "platform/spreadsheet/program/edited_sheet.h"
-#include "platform/spreadsheet/program/sheet_names.h"
-#include "platform/spreadsheet/program/spreadsheet_program.h"
-#include "platform/spreadsheet/text/comma_text.h"
+#include "platform/program/areas.h"
+#include "platform/program/column_widths.h"
+#include "platform/program/edited_sheet.h"
+#include "platform/program/sheet_names.h"
+#include "platform/program/spreadsheet_program.h"
+#include "spreadsheet/text/comma_text.h"
 #include "tests/fakes/temporary_folder.h"
 #include "workbook/workbook_operations.h"
 
-namespace trvtrout::spreadsheet {
+namespace trvtrout::platform {
 namespace {
 
+using namespace spreadsheet;
 namespace fs = std::filesystem;
 
 template <class Action>
@@ -203,4 +204,4 @@ TEST_F(Program, AChangeByAnotherProgramIsNotLost) {
 }
 
 }  // namespace
-}  // namespace trvtrout::spreadsheet
+}  // namespace trvtrout::platform

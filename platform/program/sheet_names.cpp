@@ -1,0 +1,52 @@
+#include "platform/program/sheet_names.h"
+
+#include <algorithm>
+#include <clocale>
+#include <cwctype>
+#include <locale.h>
+
+#include "spreadsheet/workbook_file.h"
+#include "text/utf8.h"
+
+namespace trvtrout::platform {
+
+using namespace spreadsheet;
+
+namespace {
+
+constexpr std::size_t kMaxLength = 31;  // 16-bit units
+constexpr std::u16string_view kForbidden = u":\\/?*[]";
+constexpr std::string_view kReserved = "History";  // the program's own sheet of changes
+
+bool is_control(char16_t unit) { return unit < u' '; }
+
+}  // namespace
+
+std::u16string without_case(std::string_view name) {
+  static const locale_t kUnicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
+  std::u16string text = text::from_utf8(name);
+  for (char16_t& unit : text) {
+    if (kUnicode) unit = static_cast<char16_t>(towlower_l(unit, kUnicode));
+  }
+  return text;
+}
+
+void require_sheet_name(const std::u16string& name, const std::vector<std::string>& others) {
+  const std::string shown = text::to_utf8(name);
+  const auto refuse = [&](const std::string& reason) {
+    throw WorkbookError("no sheet can be named \"" + shown + "\": " + reason);
+  };
+  if (name.empty()) refuse("a name has at least one character");
+  if (name.size() > kMaxLength) refuse("a name has at most " + std::to_string(kMaxLength) + " characters");
+  if (name.find_first_of(kForbidden) != name.npos || std::ranges::any_of(name, is_control)) {
+    refuse("none of : \\ / ? * [ ] and no control character may be in it");
+  }
+  if (name.front() == u'\'' || name.back() == u'\'') refuse("an apostrophe may not begin or end it");
+  if (without_case(shown) == without_case(kReserved)) refuse("the name is reserved");
+  const std::u16string folded = without_case(shown);
+  const auto same =
+      std::ranges::find_if(others, [&](const std::string& other) { return folded == without_case(other); });
+  if (same != others.end()) refuse("the workbook has a sheet \"" + *same + "\"; rename or remove it first");
+}
+
+}  // namespace trvtrout::platform

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "services/host_services.h"
+#include "workbook/automation.h"
+
+namespace trvtrout::platform {
+
+// A spreadsheet program without a window, for the calls that the workbook operations make. It opens comma-separated
+// texts (by the extension .csv) and workbooks (by their content), and adds one sheet to a workbook at a time; sheets
+// that are there can't be read or changed. What it can't do raises ServiceError.
+class SpreadsheetProgram : public automation::Spreadsheet {
+ public:
+  // Texts are read through `files`, workbooks from the machine's disk; `locale` tells the code page and the present
+  // year. Both must outlive it and its applications.
+  SpreadsheetProgram(Files& files, Locale& locale) : files_(files), locale_(locale) {}
+
+  std::unique_ptr<automation::Application> CreateObject(const std::u16string& name) override;
+
+ private:
+  Files& files_;
+  Locale& locale_;
+};
+
+}  // namespace trvtrout::platform

@@ -1,0 +1,71 @@
+#include "platform/program/workbook_on_disk.h"
+
+#include "platform/files/replacement.h"
+#include "platform/program/sheet_names.h"
+#include "platform/program/spreadsheet_error.h"
+
+namespace trvtrout::platform {
+
+using namespace spreadsheet;
+
+namespace {
+
+constexpr const char* kVerb = "change";
+[[noreturn]] void refuse_held(const std::string& path, const std::string& reason) {
+  throw ServiceError(ErrorNumber::kFileHeld, std::string("can't ") + kVerb + " \"" + path + "\": " + reason);
+}
+
+// Spreadsheet programs don't lock a file that they hold: they put another one beside it.
+void require_unowned(const std::string& path) {
+  const std::size_t slash = path.rfind('/') + 1;
+  const std::string folder = path.substr(0, slash), name = path.substr(slash);
+  for (const std::string& owner : {"~$" + name, ".~lock." + name + "#"}) {
+    struct stat status {};
+    if (lstat((folder + owner).c_str(), &status) != 0) continue;
+    refuse_held(path,
+                "a spreadsheet program has it open; close it there, or delete \"" + folder + owner + "\" if none has");
+  }
+}
+
+bool unchanged(const struct stat& one, const struct stat& other) {
+  return one.st_dev == other.st_dev && one.st_ino == other.st_ino && one.st_size == other.st_size &&
+         one.st_mtim.tv_sec == other.st_mtim.tv_sec && one.st_mtim.tv_nsec == other.st_mtim.tv_nsec;
+}
+
+}  // namespace
+
+WorkbookOnDisk::WorkbookOnDisk(const std::string& path)
+    : path_(platform::behind_links(path)),
+      handle_(path_, kVerb, platform::Access::kUpdate, platform::Creation::kNever, path),
+      opened_(handle_.status()) {
+  require_unowned(path_);
+  file_ = naming_file(path, [&] { return open_workbook(handle_.read_rest()); });
+}
+
+std::string WorkbookOnDisk::bytes() const {
+  handle_.rewind();
+  return handle_.read_rest();
+}
+
+void WorkbookOnDisk::require_free(const std::u16string& sheet_name) const {
+  naming_file(path_, [&] { require_sheet_name(sheet_name, file_->sheet_names()); });
+}
+
+void WorkbookOnDisk::require_unchanged() const {
+  struct stat now {};
+  if (stat(path_.c_str(), &now) != 0 || !unchanged(opened_, now)) {
+    refuse_held(path_, "another program has changed it in the meantime; try again");
+  }
+  require_unowned(path_);
+}
+
+void WorkbookOnDisk::save_with(const Sheet& sheet) {
+  const std::string bytes = naming_file(path_, [&] { return file_->with_sheet(sheet); });
+  platform::Replacement replacement(path_);
+  replacement.write(bytes);
+  replacement.finish();
+  require_unchanged();
+  replacement.commit();
+}
+
+}  // namespace trvtrout::platform

@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <sys/stat.h>
+
+#include "platform/files/file_handle.h"
+#include "spreadsheet/workbook_file.h"
+
+namespace trvtrout::platform {
+
+// A workbook that is open for a change: locked for other programs until it's destroyed. All members raise ServiceError,
+// naming the file and the reason.
+class WorkbookOnDisk {
+ public:
+  // `path`: of the machine; a link is followed. Refuses what can't be read or changed, what another program holds, and
+  // what is no workbook that a sheet can be added to.
+  explicit WorkbookOnDisk(const std::string& path);
+
+  const spreadsheet::WorkbookFile& file() const { return *file_; }
+  // The file as it was opened, for a copy of it.
+  std::string bytes() const;
+  // Refuses a name that no sheet can be added under.
+  void require_free(const std::u16string& sheet_name) const;
+  // Refuses a file that another program has changed or opened since.
+  void require_unchanged() const;
+  // Puts the workbook with `sheet` in its place; on failure it's as it was.
+  void save_with(const spreadsheet::Sheet& sheet);
+
+ private:
+  std::string path_;
+  platform::FileHandle handle_;
+  struct stat opened_;
+  std::unique_ptr<spreadsheet::WorkbookFile> file_;
+};
+
+}  // namespace trvtrout::platform

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <exception>
+#include <new>
+#include <string>
+#include <utility>
+
+#include "services/host_services.h"
+
+namespace trvtrout {
+
+// Why an operation failed.
+struct Failure {
+  ErrorNumber number = ErrorNumber::kNone;
+  std::string what;  // for people
+};
+
+// The failure path of an operation: returns body(), or failed(Failure) when it raises. What the body opened is closed
+// and released by then.
+template <class Body, class Failed>
+auto guarded(Body&& body, Failed&& failed) -> decltype(body()) {
+  try {
+    return std::forward<Body>(body)();
+  } catch (const ServiceError& error) {
+    return std::forward<Failed>(failed)(Failure{error.number(), error.what()});
+  } catch (const std::bad_alloc&) {
+    return std::forward<Failed>(failed)(Failure{ErrorNumber::kNone, "there is not enough memory"});
+  } catch (const std::exception& error) {
+    return std::forward<Failed>(failed)(Failure{ErrorNumber::kNone, error.what()});
+  }
+}
+
+}  // namespace trvtrout

@@ -1,0 +1,241 @@
+#include "spreadsheet/biff8/biff8_workbook.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "spreadsheet/biff8/compound_file.h"
+#include "spreadsheet/biff8/globals.h"
+#include "spreadsheet/biff8/shared_strings.h"
+#include "spreadsheet/biff8/sheet_links.h"
+#include "spreadsheet/biff8/sheet_stream.h"
+#include "spreadsheet/biff8/styles.h"
+#include "text/utf8.h"
+
+namespace trvtrout::spreadsheet {
+
+using namespace biff8;
+
+namespace {
+
+constexpr std::u16string_view kStream = u"Workbook";
+// Far more than a program shows; sheets are counted in 16 bits, of which the last values have meanings of their own.
+constexpr std::size_t kMostSheets = 0x7FFF;
+
+// What an OLE2 file must not have beside its workbook, and why.
+struct Forbidden {
+  std::u16string_view name;
+  const char* reason;
+};
+constexpr Forbidden kForbidden[] = {
+    {u"EncryptedPackage", "it's encrypted; take its password away first"},
+    {u"\x0006"
+     u"DataSpaces",
+     "it's encrypted or its rights are managed; take that away first"},
+    {u"Book", "it holds an older format too, which a further sheet would leave behind; save it as one format only"},
+    {u"_signatures", "it's signed, and a further sheet would break the signature; remove that first"},
+    {u"_xmlsignatures", "it's signed, and a further sheet would break the signature; remove that first"},
+    {u"Revision Log", "it's shared with a log of changes; end the sharing first"},
+    {u"User Names", "it's shared by several users; end the sharing first"},
+};
+
+void check_container(const CompoundFile& file) {
+  if (!file.has(kStream) && file.has(u"Book"))
+    throw WorkbookError("it's in an older .xls format; save it as an Excel 97-2003 workbook or as .xlsx");
+  for (const Forbidden& forbidden : kForbidden)
+    if (file.has(forbidden.name)) throw WorkbookError(forbidden.reason);
+  if (!file.has(kStream)) throw WorkbookError("it's no workbook but another kind of document");
+}
+
+// A sheet's substream, with the records in it that change.
+struct Substream {
+  std::size_t begin;
+  std::vector<RecordView> windows, indices;
+  std::uint16_t row_height = kUsualRowHeight;
+  std::string settings;  // the records of calculation settings
+};
+
+constexpr std::uint16_t kCalculation[] = {kCalcCount, kCalcMode, kRefMode, kDelta, kIteration, kSaveRecalc};
+
+void note(Substream& sheet, const RecordView& record) {
+  if (record.type == kWindow2) sheet.windows.push_back(record);
+  if (record.type == kIndex) sheet.indices.push_back(record);
+  if (std::ranges::find(kCalculation, record.type) != std::end(kCalculation))
+    append_record(sheet.settings, {record.type, std::string(record.body)});
+  // A height that holds for hidden or specially set rows is no model for other sheets.
+  if (record.type == kDefaultRowHeight && record.body.size() >= 4 && (get<std::uint16_t>(record.body, 0) & 3) == 0)
+    sheet.row_height = std::clamp<std::uint16_t>(get<std::uint16_t>(record.body, 2), 2, 8192);
+}
+
+// Reads a substream up to its EOF, which must stand before `limit`; charts in it have a BOF and an EOF of their own.
+Substream read_substream(std::string_view stream, std::size_t begin, std::size_t limit) {
+  Substream sheet{.begin = begin};
+  std::size_t depth = 0, at = begin;
+  do {
+    if (at >= limit) raise_damaged("a sheet in it has no end");
+    const RecordView record = record_at(stream, at);
+    if (at == begin && record.type != kBof) raise_damaged("a sheet in it has no begin");
+    if (record.end() > limit) raise_damaged("a sheet in it reaches into another one");
+    if (record.type == kBof) ++depth;
+    if (record.type == kEof) --depth;
+    if (depth == 1) note(sheet, record);
+    at = record.end();
+  } while (depth > 0);
+  return sheet;
+}
+
+class Biff8Workbook : public WorkbookFile {
+ public:
+  explicit Biff8Workbook(std::string bytes) : file_(std::move(bytes)) {
+    check_container(file_);
+    stream_ = file_.stream(kStream);
+    globals_ = read_globals(stream_, globals_end_);
+    read_sheets();
+  }
+
+  const std::vector<std::string>& sheet_names() const override { return names_; }
+  bool counts_from_1904() const override {
+    const auto modes = globals_.all(kDateMode);
+    return !modes.empty() && globals_.records[modes[0]].u16(0) != 0;
+  }
+  SheetLimits limits() const override { return {kRows, kColumns}; }
+  std::string with_sheet(const Sheet& sheet) const override;
+
+ private:
+  static constexpr std::size_t kPlace = 0, kName = 6;  // in a BOUNDSHEET
+
+  // How far the sheets move.
+  struct Move {
+    std::size_t old_begin, new_begin;   // of all
+    std::size_t inserted_at, inserted;  // where the new one goes in the old stream, and its size
+    std::size_t operator()(std::size_t at) const {
+      return at - old_begin + new_begin + (at >= inserted_at ? inserted : 0);
+    }
+  };
+
+  void read_sheets();
+  std::string_view settings() const;
+  std::size_t position() const;
+  void add_bound_sheet(Globals& globals, const Sheet& sheet) const;
+  void mend_places(Globals& globals, const Move& move) const;
+  void mend_sheets(std::string& stream, const Move& move) const;
+
+  CompoundFile file_;
+  std::string stream_;
+  Globals globals_;
+  std::size_t globals_end_ = 0;
+  std::vector<std::string> names_;
+  std::vector<Substream> sheets_;  // as in names_
+};
+
+void Biff8Workbook::read_sheets() {
+  std::vector<std::size_t> begins;
+  for (const std::size_t index : globals_.all(kBoundSheet)) {
+    const Record& record = globals_.records[index];
+    begins.push_back(record.u32(kPlace));
+    names_.push_back(text::to_utf8(read_text(record.body, kName, 1)));
+  }
+  // No sheet reaches into another one, so each byte is looked at once.
+  std::vector<std::size_t> sorted = begins;
+  std::ranges::sort(sorted);
+  if (std::ranges::adjacent_find(sorted) != sorted.end()) raise_damaged("two sheets in it stand at one place");
+  if (!sorted.empty() && (sorted.front() < globals_end_ || sorted.back() >= stream_.size()))
+    raise_damaged("a sheet in it has no place of its own");
+  sorted.push_back(stream_.size());
+  for (const std::size_t begin : begins)
+    sheets_.push_back(read_substream(stream_, begin, *std::ranges::upper_bound(sorted, begin)));
+}
+
+std::size_t Biff8Workbook::position() const {
+  constexpr std::size_t kActiveSheet = 10;
+  const auto windows = globals_.all(kWindow1);
+  const std::size_t active = windows.empty() ? 0 : globals_.records[windows[0]].u16(kActiveSheet);
+  return active < names_.size() ? active : 0;
+}
+
+// They are the workbook's, so all sheets have the same; a chart sheet has none.
+std::string_view Biff8Workbook::settings() const {
+  const auto found = std::ranges::find_if(sheets_, [](const Substream& sheet) { return !sheet.settings.empty(); });
+  return found == sheets_.end() ? std::string_view() : found->settings;
+}
+
+void Biff8Workbook::add_bound_sheet(Globals& globals, const Sheet& sheet) const {
+  const std::u16string name = text::from_utf8(sheet.name);
+  ByteWriter body;
+  body.u32(0).u8(0).u8(0).u8(static_cast<std::uint8_t>(name.size())).raw(text_units(name));
+  const auto sheets = globals.all(kBoundSheet);
+  globals.insert(sheets.empty() ? globals.place_for(kBoundSheet) : sheets[position()], {kBoundSheet, body.take()});
+}
+
+void Biff8Workbook::mend_places(Globals& globals, const Move& move) const {
+  const auto sheets = globals.all(kBoundSheet);
+  const std::size_t added = position();
+  for (std::size_t each = 0; each < sheets.size(); ++each) {
+    Record& record = globals.records[sheets[each]];
+    record.set32(kPlace, each == added ? move(move.inserted_at) - move.inserted : move(record.u32(kPlace)));
+  }
+}
+
+// `stream` is the new one: only one sheet is selected and active, and what leads to rows leads there still.
+void Biff8Workbook::mend_sheets(std::string& stream, const Move& move) const {
+  constexpr std::uint16_t kSelectedAndActive = 0x0600;
+  // Behind the first and last row the places of the column width and of the blocks of rows.
+  constexpr std::size_t kFirstPlace = 12;
+  for (const Substream& sheet : sheets_) {
+    for (const RecordView& window : sheet.windows) {
+      const auto flags = get<std::uint16_t>(window.body, 0);
+      put(stream, move(window.at) + kRecordHead, static_cast<std::uint16_t>(flags & ~kSelectedAndActive));
+    }
+    for (const RecordView& index : sheet.indices) {
+      for (std::size_t at = kFirstPlace; at + 4 <= index.body.size(); at += 4) {
+        const std::size_t place = get<std::uint32_t>(index.body, at);
+        if (place >= globals_end_ && place < stream_.size())
+          put(stream, move(index.at) + kRecordHead + at, static_cast<std::uint32_t>(move(place)));
+      }
+    }
+  }
+}
+
+std::string Biff8Workbook::with_sheet(const Sheet& sheet) const {
+  if (names_.size() >= kMostSheets) throw WorkbookError("it has no room for another sheet");
+  Globals globals = globals_;
+  const std::size_t before = position(), sheets = names_.size() + 1;
+  SheetSurroundings around{.bof = globals_.records.front().body,
+                           .xfs = add_styles(globals, sheet.styles),
+                           .row_height = names_.empty() ? kUsualRowHeight : sheets_[before].row_height,
+                           .settings = settings(),
+                           .windows = std::max<std::size_t>(1, globals.all(kWindow1).size()),
+                           .drawing = {}};
+  add_bound_sheet(globals, sheet);
+  shift_sheet_numbers(globals, before, sheets);
+  if (sheet.has_filter) {
+    add_filter_name(globals, before, sheets, std::max<std::size_t>(1, sheet.rows()));
+    around.drawing = add_drawing(globals);
+  }
+  SharedStrings strings(globals);
+  const std::string inserted = sheet_stream(sheet, around, strings);
+  strings.store(globals);
+
+  const std::size_t inserted_at = names_.empty() ? globals_end_ : sheets_[before].begin;
+  const Move move{globals_end_, globals.bytes(), inserted_at, inserted.size()};
+  mend_places(globals, move);
+  std::string stream;
+  stream.reserve(globals.bytes() + inserted.size() + stream_.size());
+  for (const Record& record : globals.records) append_record(stream, record);
+  strings.mend_index(globals, stream);
+  stream.append(stream_, globals_end_, inserted_at - globals_end_);
+  stream += inserted;
+  stream.append(stream_, inserted_at);
+  mend_sheets(stream, move);
+  // Bytes behind the last sheet mean nothing; a shorter stream would have to lie in the mini stream.
+  stream.resize(std::max<std::size_t>(stream.size(), CompoundFile::kMiniCutoff));
+  return file_.with_stream(kStream, stream);
+}
+
+}  // namespace
+
+std::unique_ptr<WorkbookFile> open_biff8(std::string bytes) {
+  return std::make_unique<Biff8Workbook>(std::move(bytes));
+}
+
+}  // namespace trvtrout::spreadsheet

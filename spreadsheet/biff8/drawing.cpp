@@ -1,0 +1,149 @@
+#include "spreadsheet/biff8/drawing.h"
+
+#include <algorithm>
+
+// Drawing records nest: a head of version and instance (16 bits), type (16 bits) and length (32 bits), then either
+// fields or further records. Shapes are numbered in clusters of 1,024; each cluster belongs to one drawing.
+namespace trvtrout::spreadsheet::biff8 {
+namespace {
+
+enum DrawingType : std::uint16_t {
+  kGroupContainer = 0xF000,
+  kDrawingContainer = 0xF002,
+  kShapesContainer = 0xF003,
+  kShapeContainer = 0xF004,
+  kGroup = 0xF006,
+  kDrawingHead = 0xF008,
+  kShapeGroup = 0xF009,
+  kShape = 0xF00A,
+  kProperties = 0xF00B,
+  kAnchor = 0xF010,
+  kClientData = 0xF011,
+  kMenuColors = 0xF11E,
+};
+
+constexpr std::size_t kHead = 8;
+constexpr std::uint16_t kContainer = 0x000F;
+constexpr std::uint32_t kShapesPerCluster = 1024;
+constexpr std::uint32_t kShapes = 2;  // the layer itself and the drop-down
+constexpr std::uint16_t kGreatestDrawing = 0x0FFE;
+
+// In the group's record, behind its head.
+constexpr std::size_t kGreatestShape = 0, kClusters = 4, kSavedShapes = 8, kSavedDrawings = 12, kFirstCluster = 16;
+constexpr std::size_t kClusterSize = 8;
+
+std::string drawing_record(std::uint16_t instance, std::uint16_t type, std::string_view body) {
+  const auto length = static_cast<std::uint32_t>(body.size());
+  return ByteWriter().u16(instance).u16(type).u32(length).raw(body).take();
+}
+
+std::string empty_group() {
+  ByteWriter group, properties, colors;
+  group.u32(0).u32(1).u32(0).u32(0);
+  properties.u16(0x00BF).u32(0x00080008).u16(0x0181).u32(0x08000041).u16(0x01C0).u32(0x08000040);
+  colors.u32(0x0800000D).u32(0x0800000C).u32(0x08000017).u32(0x100000F7);
+  return drawing_record(kContainer, kGroupContainer,
+                        drawing_record(0, kGroup, group.bytes()) +
+                            drawing_record(0x0033, kProperties, properties.bytes()) +
+                            drawing_record(0x0040, kMenuColors, colors.bytes()));
+}
+
+void check_group(std::string_view body) {
+  const auto length = get<std::uint32_t>(body, kHead + 4);
+  const auto clusters = get<std::uint32_t>(body, 2 * kHead + kClusters);
+  if (get<std::uint16_t>(body, 2) != kGroupContainer || get<std::uint16_t>(body, kHead + 2) != kGroup ||
+      clusters == 0 || length != kFirstCluster + std::uint64_t{kClusterSize} * (clusters - 1) ||
+      body.size() < 2 * kHead + length)
+    raise_damaged("its list of drawings is inconsistent");
+}
+
+// The list stands at the begin of the group, so what follows its first record stays as it is.
+void replace_first_body(Globals& globals, std::size_t index, std::string body) {
+  std::string rest = body.size() > kLargestBody ? body.substr(kLargestBody) : std::string();
+  body.resize(body.size() - rest.size());
+  globals.records[index].body = std::move(body);
+  if (!rest.empty()) globals.insert(index + 1, {kContinue, std::move(rest)});
+}
+
+}  // namespace
+
+Drawing add_drawing(Globals& globals) {
+  if (globals.all(kMsoDrawingGroup).empty()) globals.append({kMsoDrawingGroup, empty_group()});
+  const std::size_t index = globals.all(kMsoDrawingGroup).front();
+  std::string body = globals.records[index].body;
+  check_group(body);
+  const auto field = [&body](std::size_t at) { return get<std::uint32_t>(body, 2 * kHead + at); };
+  const auto raise_by = [&body](std::size_t at, std::uint32_t more) {
+    put(body, at, get<std::uint32_t>(body, at) + more);
+  };
+  const std::uint32_t clusters = field(kClusters);
+  const std::size_t end = kFirstCluster + kClusterSize * (clusters - 1);
+  std::uint32_t greatest = 0;
+  for (std::size_t at = kFirstCluster; at < end; at += kClusterSize) greatest = std::max(greatest, field(at));
+  if (greatest >= kGreatestDrawing) throw WorkbookError("it has no room for another drawing, which a filter needs");
+
+  const Drawing drawing{static_cast<std::uint16_t>(greatest + 1), clusters * kShapesPerCluster};
+  put(body, 2 * kHead + kGreatestShape, std::max(field(kGreatestShape), drawing.first_shape + kShapes));
+  raise_by(2 * kHead + kClusters, 1);
+  raise_by(2 * kHead + kSavedShapes, kShapes);
+  raise_by(2 * kHead + kSavedDrawings, 1);
+  raise_by(4, kClusterSize);
+  raise_by(kHead + 4, kClusterSize);
+  body.insert(2 * kHead + end, ByteWriter().u32(drawing.number).u32(kShapes).bytes());
+  replace_first_body(globals, index, std::move(body));
+  return drawing;
+}
+
+namespace {
+
+std::string drop_down_shape(const Drawing& drawing) {
+  constexpr std::uint16_t kHostControl = 201;
+  constexpr std::uint32_t kHasAnchorAndType = 0x0A00;
+  ByteWriter shape, properties, anchor;
+  shape.u32(drawing.first_shape + 1).u32(kHasAnchorAndType);
+  properties.u16(0x007F).u32(0x01040104).u16(0x00BF).u32(0x00080008).u16(0x01BF).u32(0x00010000);
+  properties.u16(0x01FF).u32(0x00080000).u16(0x03BF).u32(0x00020000);
+  // From A1 to B2, moved with the cells.
+  anchor.u16(1).u16(0).u16(0).u16(0).u16(0).u16(1).u16(0).u16(1).u16(0);
+  return drawing_record(kContainer, kShapeContainer,
+                        drawing_record((kHostControl << 4) | 2, kShape, shape.bytes()) +
+                            drawing_record(0x0053, kProperties, properties.bytes()) +
+                            drawing_record(0, kAnchor, anchor.bytes()) + drawing_record(0, kClientData, {}));
+}
+
+std::string layer_shape(const Drawing& drawing) {
+  constexpr std::uint32_t kIsGroupAndLayer = 0x0005;
+  return drawing_record(
+      kContainer, kShapeContainer,
+      drawing_record(0x0001, kShapeGroup, std::string(16, '\0')) +
+          drawing_record(0x0002, kShape, ByteWriter().u32(drawing.first_shape).u32(kIsGroupAndLayer).bytes()));
+}
+
+std::string drop_down_object() {
+  constexpr std::uint16_t kComboBox = 0x0014, kFilterFlags = 0x2101;
+  constexpr std::uint16_t kCommonPart = 0x0015, kScrollPart = 0x000C, kListPart = 0x0013;
+  // The list part of a filter has a length that stands for no length.
+  constexpr std::uint16_t kFilterList = 0x1FEE;
+  ByteWriter object;
+  object.u16(kCommonPart).u16(18).u16(kComboBox).u16(1).u16(kFilterFlags).zeros(12);
+  object.u16(kScrollPart).u16(20).zeros(8).u16(100).u16(1).u16(10).u16(0).u16(16).u16(1);
+  object.u16(kListPart).u16(kFilterList).u32(0).u16(0x0100).u16(0x0301).u16(0).u16(2).u16(8).u16(0x0057);
+  object.u32(0);
+  return object.take();
+}
+
+}  // namespace
+
+std::string filter_drop_down(const Drawing& drawing) {
+  const std::string layer =
+      drawing_record(kContainer, kDrawingContainer,
+                     drawing_record(static_cast<std::uint16_t>(drawing.number << 4), kDrawingHead,
+                                    ByteWriter().u32(kShapes).u32(drawing.first_shape + 1).bytes()) +
+                         drawing_record(kContainer, kShapesContainer, layer_shape(drawing) + drop_down_shape(drawing)));
+  std::string records;
+  append_record(records, {kMsoDrawing, layer});
+  append_record(records, {kObj, drop_down_object()});
+  return records;
+}
+
+}  // namespace trvtrout::spreadsheet::biff8

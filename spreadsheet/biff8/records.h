@@ -1,0 +1,126 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "spreadsheet/biff8/bytes.h"
+
+// A BIFF8 stream: records of a type, a length and a body. What is too long for one record goes on in CONTINUE records.
+// A substream goes from a BOF to an EOF; the first one holds what concerns the whole workbook, the others are sheets.
+namespace trvtrout::spreadsheet::biff8 {
+
+enum RecordType : std::uint16_t {
+  kEof = 0x000A,
+  kCalcCount = 0x000C,
+  kCalcMode = 0x000D,
+  kRefMode = 0x000F,
+  kDelta = 0x0010,
+  kIteration = 0x0011,
+  kProtect = 0x0012,
+  kHeader = 0x0014,
+  kFooter = 0x0015,
+  kExternSheet = 0x0017,
+  kName = 0x0018,
+  kSelection = 0x001D,
+  kDateMode = 0x0022,
+  kExternName = 0x0023,
+  kPrintHeaders = 0x002A,
+  kPrintGridLines = 0x002B,
+  kFilePass = 0x002F,
+  kFont = 0x0031,
+  kContinue = 0x003C,
+  kWindow1 = 0x003D,
+  kCodePage = 0x0042,
+  kDefColWidth = 0x0055,
+  kXct = 0x0059,
+  kCrn = 0x005A,
+  kFileSharing = 0x005B,
+  kObj = 0x005D,
+  kSaveRecalc = 0x005F,
+  kColInfo = 0x007D,
+  kGuts = 0x0080,
+  kWsBool = 0x0081,
+  kGridSet = 0x0082,
+  kHorizontalCenter = 0x0083,
+  kVerticalCenter = 0x0084,
+  kBoundSheet = 0x0085,
+  kCountry = 0x008C,
+  kPalette = 0x0092,
+  kAutoFilterInfo = 0x009D,
+  kSetup = 0x00A1,
+  kXf = 0x00E0,
+  kMsoDrawingGroup = 0x00EB,
+  kMsoDrawing = 0x00EC,
+  kSst = 0x00FC,
+  kLabelSst = 0x00FD,
+  kExtSst = 0x00FF,
+  kTabId = 0x013D,
+  kSupBook = 0x01AE,
+  kRecalcId = 0x01C1,
+  kDimensions = 0x0200,
+  kBlank = 0x0201,
+  kNumber = 0x0203,
+  kBoolErr = 0x0205,
+  kRow = 0x0208,
+  kIndex = 0x020B,
+  kDefaultRowHeight = 0x0225,
+  kWindow2 = 0x023E,
+  kRk = 0x027E,
+  kStyle = 0x0293,
+  kFormat = 0x041E,
+  kBof = 0x0809,
+  kRealTimeData = 0x0813,
+  kHeaderPicture = 0x0866,
+  kXfCrc = 0x087C,
+  kXfExt = 0x087D,
+  kStyleExt = 0x0892,
+  kNamePublish = 0x0893,
+  kNameComment = 0x0894,
+  kNameFunctionGroup = 0x0898,
+};
+
+inline constexpr std::size_t kRecordHead = 4;
+inline constexpr std::size_t kLargestBody = 8224;
+inline constexpr std::uint16_t kVersion = 0x0600;
+inline constexpr std::uint16_t kGlobalsSubstream = 0x0005;
+inline constexpr std::uint16_t kSheetSubstream = 0x0010;
+
+// A record where it stands in a stream.
+struct RecordView {
+  std::uint16_t type;
+  std::size_t at;
+  std::string_view body;
+
+  std::size_t end() const { return at + kRecordHead + body.size(); }
+};
+
+// Raises WorkbookError where no whole record stands at `at`.
+RecordView record_at(std::string_view stream, std::size_t at);
+
+// A record that can be changed.
+struct Record {
+  std::uint16_t type;
+  std::string body;
+
+  // Numbers in the body. Raise WorkbookError, with the type, where it is too short for them.
+  std::uint16_t u16(std::size_t at) const;
+  std::uint32_t u32(std::size_t at) const;
+  void set16(std::size_t at, std::size_t value);
+  void set32(std::size_t at, std::size_t value);
+
+ private:
+  void check(std::size_t end) const;
+};
+
+void append_record(std::string& stream, const Record& record);
+
+// A text with a length before it, of one byte for names of sheets and fonts, of two else: the units' flags byte, then
+// 8 bits a unit where that is enough. `from` is a length's place. Raises WorkbookError where the text is cut off.
+std::u16string read_text(std::string_view body, std::size_t from, std::size_t length_size);
+// What follows the length.
+std::string text_units(std::u16string_view text);
+
+}  // namespace trvtrout::spreadsheet::biff8

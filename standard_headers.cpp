@@ -1,0 +1,1 @@
+// Holds the one precompiled header of the tree.
