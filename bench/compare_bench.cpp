@@ -9,31 +9,18 @@ namespace {
 constexpr int kRuns = 5;
 constexpr int kEveryNthChanged = 100;
 
-constexpr struct ComparedPart {
-  const char* name;
-  const char* desc_name;  // as it stands in the report's name
-  CompareCall compare;
-} kParts[] = {{"Product", "Product", &TarvelVtrOut_InOut::Compare_Product},
-              {"Tree", "Tree", &TarvelVtrOut_InOut::Compare_Tree},
-              {"Table", "Tables", &TarvelVtrOut_InOut::Compare_Table},
-              {"Field", "Fields", &TarvelVtrOut_InOut::Compare_Field},
-              {"Lookup", "Lookups", &TarvelVtrOut_InOut::Compare_Lookup},
-              {"CtrlTag", "ControlTag", &TarvelVtrOut_InOut::Compare_CtrlTag},
-              {"Lang", "Language", &TarvelVtrOut_InOut::Compare_Lang},
-              {"DSend", "DSend", &TarvelVtrOut_InOut::Compare_DSend}};
-
 ComparedFiles large_documents(const std::filesystem::path& folder) {
   return {large_document(folder), large_document(folder, kEveryNthChanged)};
 }
 
 // Of the whole way from the files to the reports, or with no `parts` to the records.
-Cost cost_from_files(const ComparedFiles& files, std::span<const ComparedPart> parts) {
+Cost cost_from_files(const ComparedFiles& files, std::span<const Part> parts) {
   return in_child([&] {
     Host host;
     return cost_of([&] {
       auto documents = std::make_unique<TarvelVtrOut_InOut>(host.services());
       files.read_into(*documents);
-      for (const ComparedPart& part : parts) files.compare(*documents, part.compare);
+      for (const Part& part : parts) files.compare(*documents, part.compare);
       return documents;
     });
   });
@@ -45,14 +32,14 @@ struct Results {
   Measured whole{"both read, all compared"};
 };
 
-void measure_from_files(const ComparedFiles& files, std::span<const ComparedPart> parts, Measured& measured,
+void measure_from_files(const ComparedFiles& files, std::span<const Part> parts, Measured& measured,
                         benchmark::State& state) {
   measured.bytes = files.bytes();
   for (auto _ : state) measured.add(state, cost_from_files(files, parts));
   measured.tell(state);
 }
 
-Measured measure_comparison(const ComparedFiles& files, const ComparedPart& part, benchmark::State& state) {
+Measured measure_comparison(const ComparedFiles& files, const Part& part, benchmark::State& state) {
   Measured comparison{std::string("compare ") + part.name};
   for (auto _ : state) {
     comparison.add(state, in_child([&] {
@@ -62,8 +49,8 @@ Measured measure_comparison(const ComparedFiles& files, const ComparedPart& part
                      return cost_of([&] { return files.compare(documents, part.compare); });
                    }));
   }
-  comparison.bytes = file_bytes(files.primary.parent_path() /
-                                ("~tmp" + files.primary.stem().string() + "_" + part.desc_name + "_Compared.CSV"));
+  comparison.bytes =
+      file_bytes(files.primary.parent_path() / temporary_report(files.primary, part.comparison->desc_name));
   comparison.tell(state);
   return comparison;
 }
@@ -85,13 +72,13 @@ Print add_comparing(const std::filesystem::path& folder) {
   add_benchmark("compare/reading", kRuns, [=](benchmark::State& state) {
     measure_from_files(large_documents(folder), {}, results->reading, state);
   });
-  for (const ComparedPart& part : kParts) {
+  for (const Part& part : document_parts()) {
     add_benchmark(std::string("compare/") + part.name, kRuns, [=](benchmark::State& state) {
       results->comparisons.push_back(measure_comparison(large_documents(folder), part, state));
     });
   }
   add_benchmark("compare/whole", kRuns, [=](benchmark::State& state) {
-    measure_from_files(large_documents(folder), kParts, results->whole, state);
+    measure_from_files(large_documents(folder), document_parts(), results->whole, state);
   });
   return [=] { print(*results); };
 }

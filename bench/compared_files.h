@@ -5,11 +5,12 @@
 #include <string>
 
 #include "bench/measure.h"
+#include "component/parts.h"
 #include "platform/files/path.h"
 
 namespace trvtrout::bench {
 
-using CompareCall = Boolean (TarvelVtrOut_InOut::*)(std::u16string&, std::u16string&, std::u16string&);
+using CompareCall = decltype(Part::compare);
 
 // The files of two documents to compare.
 struct ComparedFiles {

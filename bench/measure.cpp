@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "platform/files/path.h"
+#include "text/utf8.h"
 
 namespace trvtrout::bench {
 
@@ -82,5 +83,9 @@ std::filesystem::path large_document(const std::filesystem::path& folder, int ev
 }
 
 double file_bytes(const std::filesystem::path& file) { return static_cast<double>(std::filesystem::file_size(file)); }
+
+std::filesystem::path temporary_report(const std::filesystem::path& file, std::u16string_view desc_name) {
+  return file.parent_path() / ("~tmp" + file.stem().string() + "_" + text::to_utf8(desc_name) + ".CSV");
+}
 
 }  // namespace trvtrout::bench

@@ -149,6 +149,8 @@ void write_document(const std::filesystem::path& file, const DocumentSize& size)
 std::filesystem::path large_document(const std::filesystem::path& folder, int every_nth_changed = 0);
 
 double file_bytes(const std::filesystem::path& file);
+// Where an operation writes the report on `file` that is called `desc_name`.
+std::filesystem::path temporary_report(const std::filesystem::path& file, std::u16string_view desc_name);
 
 // Each registers the benchmarks of one part, which work in `folder`, and returns what prints its summary after they
 // have run.

@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include "bench/measure.h"
+#include "component/parts.h"
 #include "platform/files/path.h"
 #include "vtrfile/reader.h"
 
@@ -73,18 +74,7 @@ Cost parsing_cost(const std::filesystem::path& file) {
   });
 }
 
-using ReportCall = Boolean (TarvelVtrOut_InOut::*)(std::u16string&, std::u16string&, Boolean&);
-
-constexpr struct {
-  const char* name;
-  ReportCall write;
-} kReports[] = {
-    {"Product", &TarvelVtrOut_InOut::ASCII_Output_Product}, {"Table", &TarvelVtrOut_InOut::ASCII_Output_Table},
-    {"Tree", &TarvelVtrOut_InOut::ASCII_Output_Tree},       {"Field", &TarvelVtrOut_InOut::ASCII_Output_Field},
-    {"Lookup", &TarvelVtrOut_InOut::ASCII_Output_Lookup},   {"CtrlTag", &TarvelVtrOut_InOut::ASCII_Output_CtrlTag},
-    {"Lang", &TarvelVtrOut_InOut::ASCII_Output_Lang},       {"DSend", &TarvelVtrOut_InOut::ASCII_Output_DSend}};
-
-Cost report_cost(const std::filesystem::path& file, ReportCall write) {
+Cost report_cost(const std::filesystem::path& file, const Part& part) {
   return in_child([&] {
     Host host;
     TarvelVtrOut_InOut document(host.services());
@@ -93,7 +83,7 @@ Cost report_cost(const std::filesystem::path& file, ReportCall write) {
     return cost_of([&] {
       std::u16string report_path;
       Boolean is_temp = True;
-      if (!(document.*write)(path, report_path, is_temp)) throw std::runtime_error(document.LastFailure());
+      if (!(document.*part.report)(path, report_path, is_temp)) throw std::runtime_error(document.LastFailure());
       return report_path;
     });
   });
@@ -129,12 +119,11 @@ void measure_parsing(const std::filesystem::path& folder, Results& results, benc
   results.parsing.tell(state);
 }
 
-Measured measure_report(const std::filesystem::path& folder, const std::string& name, ReportCall write,
-                        benchmark::State& state) {
+Measured measure_report(const std::filesystem::path& folder, const Part& part, benchmark::State& state) {
   const std::filesystem::path file = large_document(folder);
-  Measured report{"report " + name};
-  for (auto _ : state) report.add(state, report_cost(file, write));
-  report.bytes = file_bytes(folder / ("~tmp" + file.stem().string() + "_" + name + ".CSV"));
+  Measured report{std::string("report ") + part.name};
+  for (auto _ : state) report.add(state, report_cost(file, part));
+  report.bytes = file_bytes(temporary_report(file, part.detail_report->desc_name));
   report.tell(state);
   return report;
 }
@@ -161,10 +150,9 @@ Print add_reading(const std::filesystem::path& folder) {
   const auto results = std::make_shared<Results>();
   add_benchmark("ReadVTR", kReadRuns, [=](benchmark::State& state) { measure_reading(folder, *results, state); });
   add_benchmark("parse", kReadRuns, [=](benchmark::State& state) { measure_parsing(folder, *results, state); });
-  for (const auto& [name, write] : kReports) {
-    add_benchmark(std::string("report/") + name, kReportRuns, [=, name = name, write = write](benchmark::State& state) {
-      results->reports.push_back(measure_report(folder, name, write, state));
-    });
+  for (const Part& part : document_parts()) {
+    add_benchmark(std::string("report/") + part.name, kReportRuns,
+                  [=](benchmark::State& state) { results->reports.push_back(measure_report(folder, part, state)); });
   }
   return [=] { print(*results); };
 }

@@ -1,8 +1,7 @@
 #include "component/TarvelVtrOut_InOut.h"
 
-#include "reports/detail_reports.h"
+#include "component/store.h"
 #include "reports/naming.h"
-#include "services/guard.h"
 #include "vtrfile/reader.h"
 
 namespace trvtrout {
@@ -14,66 +13,67 @@ thread_local vtrfile::Slot<vtrfile::SCHEMA_STRUCT_OLD1> SchemaOld;
 // The status lists are plain ASCII.
 std::u16string widen(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
 
-}  // namespace
-
-TarvelVtrOut_InOut::TarvelVtrOut_InOut(const HostServices& services) : services_(services) {}
-
-Boolean TarvelVtrOut_InOut::fail(const Failure& failure) {
-  last_failure_ = failure.what;
-  return False;
-}
-
-void TarvelVtrOut_InOut::warn(const std::u16string& prompt, const std::u16string& title) {
-  // A warning stands on failure paths too, where a box that can't be shown must not raise.
-  guarded([&] { return services_.message_box.Show(prompt, MessageButtons::kOk, title); },
-          [](const Failure&) { return MessageAnswer::kOk; });
-}
-
-void TarvelVtrOut_InOut::warn_of_file_in_use(const std::u16string& path) {
-  warn(u"Can not create file: " + path + u"\r\nFile is in use. Please close file and try again.");
-}
-
-std::shared_ptr<const vtrfile::Image> TarvelVtrOut_InOut::load(const std::u16string& path) {
-  const auto file = services_.files.OpenBinary(path);
-  services_.message_loop.DoEvents();
+std::shared_ptr<const vtrfile::Image> load(const HostServices& services, const std::u16string& path) {
+  const auto file = services.files.OpenBinary(path);
+  services.message_loop.DoEvents();
   auto image = std::make_shared<vtrfile::Image>(file->Size());
   image->shorten(file->Read(image->writable()));
   file->Close();
   return image;
 }
 
+}  // namespace
+
+TarvelVtrOut_InOut::TarvelVtrOut_InOut(const HostServices& services) : store_(std::make_unique<Store>(services)) {}
+TarvelVtrOut_InOut::~TarvelVtrOut_InOut() = default;
+
+Boolean TarvelVtrOut_InOut::Store::fail(const Failure& failure) {
+  last_failure = failure.what;
+  return False;
+}
+
+void TarvelVtrOut_InOut::Store::warn(const std::u16string& prompt, const std::u16string& title) {
+  // A warning stands on failure paths too, where a box that can't be shown must not raise.
+  guarded([&] { return services.message_box.Show(prompt, MessageButtons::kOk, title); },
+          [](const Failure&) { return MessageAnswer::kOk; });
+}
+
+void TarvelVtrOut_InOut::Store::warn_of_file_in_use(const std::u16string& path) {
+  warn(u"Can not create file: " + path + u"\r\nFile is in use. Please close file and try again.");
+}
+
 Boolean TarvelVtrOut_InOut::ReadVTR(std::u16string& Fname, std::u16string& StructureList, Boolean& IsSecondary) {
-  damage_.reset();
-  last_read_ = {};
-  if (Fname.empty()) return fail({.what = "no file was named"});
-  vtrfile::DocumentReader reader(current_, IsSecondary ? secondary_ : primary_, SchemaOld);
+  store_->damage.reset();
+  store_->last_read = {};
+  if (Fname.empty()) return store_->fail({.what = "no file was named"});
+  vtrfile::DocumentReader reader(store_->current, IsSecondary ? store_->secondary : store_->primary, SchemaOld);
   const Boolean result = guarded(
       [&] {
-        const auto image = load(Fname);
+        const auto image = load(store_->services, Fname);
         try {
           if (reader.read(image)) return True;
         } catch (const vtrfile::ReadError& error) {
-          damage_ = error;
+          store_->damage = error;
           throw;
         }
-        const std::u16string version = services_.locale.Decode(current_.Header->Version.bytes());
-        warn(u"Cannot open the VTR file. VTR Output does not support strcture version: " + version +
-             u"\r\nPlease send the file to Tarvel Software.");
-        return fail({.what = "the format version is not supported"});
+        const std::u16string version = store_->services.locale.Decode(store_->current.Header->Version.bytes());
+        store_->warn(u"Cannot open the VTR file. VTR Output does not support strcture version: " + version +
+                     u"\r\nPlease send the file to Tarvel Software.");
+        return store_->fail({.what = "the format version is not supported"});
       },
       [&](const Failure& failure) {
         StructureList = widen(reader.structure_list());
-        return fail(failure);
+        return store_->fail(failure);
       });
-  last_read_ = reader.take_account();
+  store_->last_read = reader.take_account();
   return result;
 }
 
-Boolean TarvelVtrOut_InOut::write_report(const DetailReport& report, const std::u16string& fname,
-                                         std::u16string& report_path, Boolean is_temp, bool tells_user) {
+Boolean TarvelVtrOut_InOut::Store::write_report(const DetailReport& report, const std::u16string& fname,
+                                                std::u16string& report_path, Boolean is_temp, bool tells_user) {
   return guarded(
       [&] {
-        const bool written = write_detail_report(services_, current_, report, fname, bool(is_temp), report_path);
+        const bool written = write_detail_report(services, current, report, fname, bool(is_temp), report_path);
         return written ? True : fail({.what = "the file that stands there was left as it is"});
       },
       [&](const Failure& failure) {
@@ -83,33 +83,33 @@ Boolean TarvelVtrOut_InOut::write_report(const DetailReport& report, const std::
 }
 
 Boolean TarvelVtrOut_InOut::ASCII_Output_Product(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp) {
-  return write_report(kProductReport, Fname, ASCIIFname, IsTemp, true);
+  return store_->write_report(kProductReport, Fname, ASCIIFname, IsTemp, true);
 }
 Boolean TarvelVtrOut_InOut::ASCII_Output_Table(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp) {
-  return write_report(kTableReport, Fname, ASCIIFname, IsTemp);
+  return store_->write_report(kTableReport, Fname, ASCIIFname, IsTemp);
 }
 Boolean TarvelVtrOut_InOut::ASCII_Output_Tree(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp) {
-  return write_report(kTreeReport, Fname, ASCIIFname, IsTemp);
+  return store_->write_report(kTreeReport, Fname, ASCIIFname, IsTemp);
 }
 Boolean TarvelVtrOut_InOut::ASCII_Output_Field(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp) {
-  return write_report(kFieldReport, Fname, ASCIIFname, IsTemp);
+  return store_->write_report(kFieldReport, Fname, ASCIIFname, IsTemp);
 }
 Boolean TarvelVtrOut_InOut::ASCII_Output_Lookup(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp) {
-  return write_report(kLookupReport, Fname, ASCIIFname, IsTemp);
+  return store_->write_report(kLookupReport, Fname, ASCIIFname, IsTemp);
 }
 Boolean TarvelVtrOut_InOut::ASCII_Output_CtrlTag(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp) {
-  return write_report(kControlTagReport, Fname, ASCIIFname, IsTemp);
+  return store_->write_report(kControlTagReport, Fname, ASCIIFname, IsTemp);
 }
 Boolean TarvelVtrOut_InOut::ASCII_Output_Lang(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp) {
-  return write_report(kLanguageReport, Fname, ASCIIFname, IsTemp);
+  return store_->write_report(kLanguageReport, Fname, ASCIIFname, IsTemp);
 }
 Boolean TarvelVtrOut_InOut::ASCII_Output_DSend(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp) {
-  return write_report(kDataSendReport, Fname, ASCIIFname, IsTemp);
+  return store_->write_report(kDataSendReport, Fname, ASCIIFname, IsTemp);
 }
 
 std::u16string TarvelVtrOut_InOut::GetOutputFileName(const std::u16string& Fname, const std::u16string& DescName,
                                                      std::u16string& VTRFname) {
-  const OutputName name = trvtrout::GetOutputFileName(services_, Fname, DescName);
+  const OutputName name = trvtrout::GetOutputFileName(store_->services, Fname, DescName);
   if (name.base_name) VTRFname = *name.base_name;
   return name.path;
 }
@@ -117,15 +117,21 @@ std::u16string TarvelVtrOut_InOut::GetOutputFileName(const std::u16string& Fname
 Boolean TarvelVtrOut_InOut::Delete_ASCII(const std::u16string& ASCIIFname) {
   return guarded(
       [&] {
-        const auto file_system = services_.files.CreateFileSystemObject();
+        const auto file_system = store_->services.files.CreateFileSystemObject();
         if (!file_system->FileExists(ASCIIFname)) {
-          warn(u"File " + ASCIIFname + u" does not exists.");
-          return fail({.what = "the file does not exist"});
+          store_->warn(u"File " + ASCIIFname + u" does not exists.");
+          return store_->fail({.what = "the file does not exist"});
         }
         file_system->DeleteFile(ASCIIFname);
         return True;
       },
-      [&](const Failure& failure) { return fail(failure); });
+      [&](const Failure& failure) { return store_->fail(failure); });
 }
+
+const vtrfile::DocumentSlots& TarvelVtrOut_InOut::CurrentSlots() const noexcept { return store_->current; }
+const std::optional<vtrfile::ReadError>& TarvelVtrOut_InOut::LastDamage() const noexcept { return store_->damage; }
+const std::string& TarvelVtrOut_InOut::LastFailure() const noexcept { return store_->last_failure; }
+const vtrfile::FileRead& TarvelVtrOut_InOut::LastRead() const noexcept { return store_->last_read; }
+const ComparisonCounts& TarvelVtrOut_InOut::LastCounts() const noexcept { return store_->counts; }
 
 }  // namespace trvtrout

@@ -9,15 +9,14 @@
 #include "compare/comparison_counts.h"
 #include "component/boolean.h"
 #include "services/host_services.h"
-#include "vtrfile/document.h"
 #include "vtrfile/part_read.h"
 #include "vtrfile/read_error.h"
 
 namespace trvtrout {
 
-struct Comparison;
-struct DetailReport;
-struct Failure;
+namespace vtrfile {
+struct DocumentSlots;  // vtrfile/document.h, for a host that looks into the records
+}
 
 // The output utility for VTR files: reads a file into records, keeps them between calls, writes reports on them, and
 // writes them anew.
@@ -29,6 +28,7 @@ class TarvelVtrOut_InOut {
  public:
   // Nothing is touched at creation; an object that has read nothing reports empty lists.
   explicit TarvelVtrOut_InOut(const HostServices& services);
+  ~TarvelVtrOut_InOut();
   TarvelVtrOut_InOut(const TarvelVtrOut_InOut&) = delete;
   TarvelVtrOut_InOut& operator=(const TarvelVtrOut_InOut&) = delete;
 
@@ -127,37 +127,20 @@ class TarvelVtrOut_InOut {
 
   // For a host in C++, beside the interface: the document last read, where and why its read broke off, and why the last
   // operation that failed did so (UTF-8, for people). The references hold until the next operation.
-  const vtrfile::DocumentSlots& CurrentSlots() const noexcept { return current_; }
-  const std::optional<vtrfile::ReadError>& LastDamage() const noexcept { return damage_; }
-  const std::string& LastFailure() const noexcept { return last_failure_; }
+  const vtrfile::DocumentSlots& CurrentSlots() const noexcept;
+  const std::optional<vtrfile::ReadError>& LastDamage() const noexcept;
+  const std::string& LastFailure() const noexcept;
   // What the last ReadVTR met in its file: the parts, whole or not, and the bytes between them of which nothing can be
   // told. There may be such bytes even when the result was True.
-  const vtrfile::FileRead& LastRead() const noexcept { return last_read_; }
+  const vtrfile::FileRead& LastRead() const noexcept;
   // The rows of the last comparison, as far as it came.
-  const ComparisonCounts& LastCounts() const noexcept { return counts_; }
+  const ComparisonCounts& LastCounts() const noexcept;
   // The keys that occur more than once in the part that was last compared, of the primary or the `secondary` document.
   std::vector<std::u16string> RepeatedKeys(bool secondary) const;
 
  private:
-  std::shared_ptr<const vtrfile::Image> load(const std::u16string& path);
-  Boolean write_report(const DetailReport& report, const std::u16string& fname, std::u16string& report_path,
-                       Boolean is_temp, bool tells_user = false);
-  Boolean compare(const Comparison& comparison, const std::u16string& primary_fname,
-                  const std::u16string& secondary_fname, std::u16string& report_path);
-  Boolean fail(const Failure& failure);
-  Boolean outcome(const std::optional<Failure>& failure);
-  void warn(const std::u16string& prompt, const std::u16string& title = u"VTR Output Warning");
-  void warn_of_file_in_use(const std::u16string& path);
-
-  HostServices services_;
-  vtrfile::DocumentSlots current_;
-  vtrfile::GroupSlots primary_;
-  vtrfile::GroupSlots secondary_;
-  std::optional<vtrfile::ReadError> damage_;
-  vtrfile::FileRead last_read_;
-  std::string last_failure_;
-  const Comparison* last_comparison_ = nullptr;
-  ComparisonCounts counts_;
+  struct Store;
+  std::unique_ptr<Store> store_;
 };
 
 }  // namespace trvtrout

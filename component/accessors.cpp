@@ -1,31 +1,34 @@
-#include "component/TarvelVtrOut_InOut.h"
-#include "services/guard.h"
-#include "vtrfile/recount.h"
+#include "component/store.h"
+#include "vtrfile/lists.h"
 
 // The accessors: what the document last read holds.
 namespace trvtrout {
 namespace {
 
-using vtrfile::ListInfo;
-using vtrfile::recount;
+using vtrfile::DocumentSlots;
+using vtrfile::ListId;
 
-constexpr const char16_t* kOk = u"OK";
+constexpr std::u16string_view kOk = u"OK";
 
-std::u16string tell(const ListInfo& info, const char16_t* error, std::int32_t& size) {
-  size = info.size;
-  return info.ok ? kOk : error;
-}
-
-std::u16string tell(const ListInfo& info, const char16_t* error, std::int32_t& count, std::int32_t& size) {
-  count = info.count;
-  return tell(info, error, size);
-}
-
-std::u16string tell(const ListInfo& info, const char16_t* error, std::int32_t& count, std::int32_t& current,
+std::u16string tell(const DocumentSlots& document, ListId id, std::int32_t& count, std::int32_t& current,
                     std::int32_t& max, std::int32_t& size) {
-  current = info.current;
-  max = info.max;
-  return tell(info, error, count, size);
+  const vtrfile::DocumentList& list = vtrfile::list_of(id);
+  const vtrfile::ListInfo info = list.recount(document);
+  count = info.count.value_or(0);
+  current = info.current.value_or(0);
+  max = info.max.value_or(0);
+  size = info.size;
+  return std::u16string(info.ok ? kOk : list.error);
+}
+
+std::u16string tell(const DocumentSlots& document, ListId id, std::int32_t& count, std::int32_t& size) {
+  std::int32_t current, max;
+  return tell(document, id, count, current, max, size);
+}
+
+std::u16string tell(const DocumentSlots& document, ListId id, std::int32_t& size) {
+  std::int32_t count;
+  return tell(document, id, count, size);
 }
 
 }  // namespace
@@ -35,112 +38,113 @@ std::u16string TarvelVtrOut_InOut::GetProdInfo(std::u16string& Code, std::u16str
                                                std::u16string& Database) {
   return guarded(
       [&]() -> std::u16string {
-        const vtrfile::PRODUCT_STRUCT& product = current_.Schema->Product;
-        Code = services_.locale.Decode(product.Code.bytes());
-        Description = services_.locale.Decode(product.Description.bytes());
-        Serial = services_.locale.Decode(product.SerialIndex.bytes());
-        Version = services_.locale.Decode(product.Version.bytes());
-        Database = services_.locale.Decode(product.Database.bytes());
-        return kOk;
+        const vtrfile::PRODUCT_STRUCT& product = store_->current.Schema->Product;
+        Code = store_->services.locale.Decode(product.Code.bytes());
+        Description = store_->services.locale.Decode(product.Description.bytes());
+        Serial = store_->services.locale.Decode(product.SerialIndex.bytes());
+        Version = store_->services.locale.Decode(product.Version.bytes());
+        Database = store_->services.locale.Decode(product.Database.bytes());
+        return std::u16string(kOk);
       },
       [](const Failure&) -> std::u16string { return u"ErrProdInfo"; });
 }
 
 std::u16string TarvelVtrOut_InOut::GetInclInfo(std::int32_t& Count, std::int32_t& Current, std::int32_t& Max,
                                                std::int32_t& size) {
-  return tell(recount(*current_.IncludeFile), u"ErrInclInfo", Count, Current, Max, size);
+  return tell(store_->current, ListId::kIncludeFiles, Count, Current, Max, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetMdlInfo(std::int32_t& Count, std::int32_t& size) {
-  return tell(recount(*current_.Module), u"ErrMdlInfo", Count, size);
+  return tell(store_->current, ListId::kModules, Count, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetTreInfo(std::int32_t& Count, std::int32_t& Current, std::int32_t& Max,
                                               std::int32_t& size) {
-  return tell(recount(*current_.Tree), u"ErrTreeInfo", Count, Current, Max, size);
+  return tell(store_->current, ListId::kTree, Count, Current, Max, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetTableInfo(std::int32_t& Count, std::int32_t& Current, std::int32_t& Max,
                                                 std::int32_t& size) {
-  return tell(recount(current_.Schema->Tables), u"ErrTableInfo", Count, Current, Max, size);
+  return tell(store_->current, ListId::kTables, Count, Current, Max, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetFieldsInfo(std::int32_t& size) {
-  return tell(recount_fields(current_.Schema->Tables), u"ErrFieldInfo", size);
+  return tell(store_->current, ListId::kFields, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetLookupInfo(std::int32_t& Count, std::int32_t& Current, std::int32_t& Max,
                                                  std::int32_t& size) {
-  return tell(recount(current_.Schema->Lookups), u"ErrLookupInfo", Count, Current, Max, size);
+  return tell(store_->current, ListId::kLookups, Count, Current, Max, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetTagInfo(std::int32_t& Count, std::int32_t& size) {
-  return tell(recount(*current_.ControlTag), u"ErrTagInfo", Count, size);
+  return tell(store_->current, ListId::kControlTags, Count, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetLanInfo(std::int32_t& Count, std::int32_t& size) {
-  return tell(recount(*current_.Language), u"ErrLanInfo", Count, size);
+  return tell(store_->current, ListId::kLanguages, Count, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetDsmInfo(std::int32_t& Count, std::u16string& file, std::u16string& Version,
                                               std::int32_t& size) {
   return guarded(
       [&] {
-        const vtrfile::DATASEND_STRUCT& definitions = *current_.DataSend;
-        file = services_.locale.Decode(definitions.File.FileHeader.bytes());
-        Version = services_.locale.Decode(definitions.File.Version.bytes());
-        return tell(recount_nodes(definitions), u"ErrDsmInfo", Count, size);
+        const vtrfile::DATASEND_STRUCT& definitions = *store_->current.DataSend;
+        file = store_->services.locale.Decode(definitions.File.FileHeader.bytes());
+        Version = store_->services.locale.Decode(definitions.File.Version.bytes());
+        return tell(store_->current, ListId::kDataSend, Count, size);
       },
-      [](const Failure&) -> std::u16string { return u"ErrDsmInfo"; });
+      [](const Failure&) { return std::u16string(vtrfile::list_of(ListId::kDataSend).error); });
 }
 
 std::u16string TarvelVtrOut_InOut::GetHedInfo(Date& Modified, std::int32_t& size) {
   size = 0;
   return guarded(
       [&]() -> std::u16string {
-        const auto date = services_.locale.ParseDate(services_.locale.Decode(current_.Header->Modified.bytes()));
+        const auto date =
+            store_->services.locale.ParseDate(store_->services.locale.Decode(store_->current.Header->Modified.bytes()));
         if (!date) return u"ErrHedInfo";
         Modified = *date;
-        return kOk;
+        return std::u16string(kOk);
       },
       [](const Failure&) -> std::u16string { return u"ErrHedInfo"; });
 }
 
 std::u16string TarvelVtrOut_InOut::GetDSNInfo(std::int32_t& Count, std::int32_t& size) {
-  return tell(recount(*current_.DSNList), u"ErrDSNInfo", Count, size);
+  return tell(store_->current, ListId::kDsnList, Count, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetExtInfo(std::int32_t& Count, std::int32_t& size) {
-  return tell(recount(*current_.Extended), u"ErrExtInfo", Count, size);
+  return tell(store_->current, ListId::kExtendedStorage, Count, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetFmsInfo(std::int32_t& Count, std::int32_t& size) {
-  return tell(recount(*current_.FieldMatches), u"ErrFmsInfo", Count, size);
+  return tell(store_->current, ListId::kFieldMatches, Count, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetIncNewInfo(std::int32_t& Count, std::int32_t& size) {
-  return tell(recount(*current_.ImportFiles), u"ErrIncNewInfo", Count, size);
+  return tell(store_->current, ListId::kImportFiles, Count, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetRelInfo(std::int32_t& Count, std::int32_t& size) {
-  return tell(recount(current_.Relation->Relations), u"ErrRelInfo", Count, size);
+  return tell(store_->current, ListId::kRelations, Count, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetResiTblInfo(std::int32_t& Count, std::int32_t& size) {
-  return tell(recount(*current_.ResidualTable), u"ErrResiTblInfo", Count, size);
+  return tell(store_->current, ListId::kResidualTables, Count, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetHidLookInfo(std::int32_t& Count, std::int32_t& size) {
-  return tell(recount(current_.Hidden->Lookups), u"ErrHidLookInfo", Count, size);
+  return tell(store_->current, ListId::kHiddenLookups, Count, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetHidTableInfo(std::int32_t& Count, std::int32_t& Current, std::int32_t& Max,
                                                    std::int32_t& size) {
-  return tell(recount(current_.Hidden->Tables), u"ErrTableInfo", Count, Current, Max, size);
+  return tell(store_->current, ListId::kHiddenTables, Count, Current, Max, size);
 }
 
 std::u16string TarvelVtrOut_InOut::GetHidFieldsInfo(std::int32_t& size) {
-  return tell(recount_fields(current_.Hidden->Tables), u"ErrHidFieldInfo", size);
+  return tell(store_->current, ListId::kHiddenFields, size);
 }
 
 }  // namespace trvtrout

@@ -1,17 +1,15 @@
-#include "compare/comparisons.h"
-#include "component/TarvelVtrOut_InOut.h"
-#include "services/guard.h"
+#include "component/store.h"
 
 // The operations that compare the two documents read.
 namespace trvtrout {
 
-Boolean TarvelVtrOut_InOut::compare(const Comparison& comparison, const std::u16string& primary_fname,
-                                    const std::u16string& secondary_fname, std::u16string& report_path) {
-  last_comparison_ = &comparison;
+Boolean TarvelVtrOut_InOut::Store::compare(const Comparison& comparison, const std::u16string& primary_fname,
+                                           const std::u16string& secondary_fname, std::u16string& report_path) {
+  last_comparison = &comparison;
   return guarded(
       [&] {
-        const ComparedDocuments documents{primary_, secondary_, primary_fname, secondary_fname};
-        const bool written = write_comparison(services_, comparison, documents, report_path, counts_);
+        const ComparedDocuments documents{primary, secondary, primary_fname, secondary_fname};
+        const bool written = write_comparison(services, comparison, documents, report_path, counts);
         return written ? True : fail({.what = "the file that stands there was left as it is"});
       },
       [&](const Failure& failure) {
@@ -22,42 +20,43 @@ Boolean TarvelVtrOut_InOut::compare(const Comparison& comparison, const std::u16
 
 Boolean TarvelVtrOut_InOut::Compare_Product(std::u16string& PrimFname, std::u16string& SecFname,
                                             std::u16string& ASCIIFname) {
-  return compare(kProductComparison, PrimFname, SecFname, ASCIIFname);
+  return store_->compare(kProductComparison, PrimFname, SecFname, ASCIIFname);
 }
 Boolean TarvelVtrOut_InOut::Compare_Tree(std::u16string& PrimFname, std::u16string& SecFname,
                                          std::u16string& ASCIIFname) {
-  return compare(kTreeComparison, PrimFname, SecFname, ASCIIFname);
+  return store_->compare(kTreeComparison, PrimFname, SecFname, ASCIIFname);
 }
 Boolean TarvelVtrOut_InOut::Compare_Table(std::u16string& PrimFname, std::u16string& SecFname,
                                           std::u16string& ASCIIFname) {
-  return compare(kTableComparison, PrimFname, SecFname, ASCIIFname);
+  return store_->compare(kTableComparison, PrimFname, SecFname, ASCIIFname);
 }
 Boolean TarvelVtrOut_InOut::Compare_Field(std::u16string& PrimFname, std::u16string& SecFname,
                                           std::u16string& ASCIIFname) {
-  return compare(kFieldComparison, PrimFname, SecFname, ASCIIFname);
+  return store_->compare(kFieldComparison, PrimFname, SecFname, ASCIIFname);
 }
 Boolean TarvelVtrOut_InOut::Compare_Lookup(std::u16string& PrimFname, std::u16string& SecFname,
                                            std::u16string& ASCIIFname) {
-  return compare(kLookupComparison, PrimFname, SecFname, ASCIIFname);
+  return store_->compare(kLookupComparison, PrimFname, SecFname, ASCIIFname);
 }
 Boolean TarvelVtrOut_InOut::Compare_CtrlTag(std::u16string& PrimFname, std::u16string& SecFname,
                                             std::u16string& ASCIIFname) {
-  return compare(kControlTagComparison, PrimFname, SecFname, ASCIIFname);
+  return store_->compare(kControlTagComparison, PrimFname, SecFname, ASCIIFname);
 }
 Boolean TarvelVtrOut_InOut::Compare_Lang(std::u16string& PrimFname, std::u16string& SecFname,
                                          std::u16string& ASCIIFname) {
-  return compare(kLanguageComparison, PrimFname, SecFname, ASCIIFname);
+  return store_->compare(kLanguageComparison, PrimFname, SecFname, ASCIIFname);
 }
 Boolean TarvelVtrOut_InOut::Compare_DSend(std::u16string& PrimFname, std::u16string& SecFname,
                                           std::u16string& ASCIIFname) {
-  return compare(kDataSendComparison, PrimFname, SecFname, ASCIIFname);
+  return store_->compare(kDataSendComparison, PrimFname, SecFname, ASCIIFname);
 }
 
 std::vector<std::u16string> TarvelVtrOut_InOut::RepeatedKeys(bool secondary) const {
   std::vector<std::u16string> keys;
-  if (!last_comparison_) return keys;
-  for (const std::string& key : repeated_keys(*last_comparison_, secondary ? secondary_ : primary_)) {
-    keys.push_back(services_.locale.Decode(key));
+  if (!store_->last_comparison) return keys;
+  for (const std::string& key :
+       repeated_keys(*store_->last_comparison, secondary ? store_->secondary : store_->primary)) {
+    keys.push_back(store_->services.locale.Decode(key));
   }
   return keys;
 }

@@ -1,50 +1,43 @@
+#include <algorithm>
 #include <string_view>
-#include <tuple>
+#include <vector>
 
-#include "component/TarvelVtrOut_InOut.h"
-#include "services/guard.h"
+#include "component/store.h"
 #include "vtrfile/format_version.h"
+#include "vtrfile/lists.h"
 #include "vtrfile/own_record.h"
 #include "vtrfile/sections.h"
 
 // Writing the document anew, so that it reads to its end whatever it came from:
 //
 // 1. The header, with the moment, the new name and the current version.
-// 2. Each section of the format in its order: the tag, then the record. Before the record is written its list is walked
-//    by the accessor that tells of it. A list that doesn't hold together is emptied; all else goes out as it was read.
+// 2. Each section of the format in its order: the tag, then the record. Before the record is written its list is
+//    recounted. A list that doesn't hold together is emptied; all else goes out as it was read.
 // 3. The end tag.
 //
-// The schema and the hidden tables hold several lists each. They are walked as a chain that ends at the first list that
-// fails; what stands behind it in the chain is written unwalked.
+// The schema and the hidden tables hold several lists each. They are recounted as a chain that ends at the first list
+// that fails; what stands behind it in the chain is written as it is.
 namespace trvtrout {
 namespace {
 
-using Utility = TarvelVtrOut_InOut;
 using namespace vtrfile;
 
 constexpr std::string_view kLineEnd = "\r\n";
 
-template <class... Told>
-bool holds_together(Utility& utility, std::u16string (Utility::*accessor)(Told&...)) {
-  std::tuple<Told...> told{};
-  return std::apply([&](Told&... value) { return (utility.*accessor)(value...); }, told) == u"OK";
-}
-
-// Empties one list of a record; all else of the record stays.
-template <class Record, class List>
-void empty_list(Slot<Record>& slot, List list) {
-  const Record whole = *slot;
-  slot.renew({slot.keep()}, [&](Record& record, std::pmr::memory_resource&) {
-    record = whole;
-    record.*list = {};
-  });
+// The lists of a section in the order in which they are walked; of most sections there is one.
+std::vector<ListId> lists_of(std::string_view section) {
+  if (section == kSection<&DocumentSlots::Schema>.tag) return {ListId::kLookups, ListId::kTables, ListId::kFields};
+  if (section == kSection<&DocumentSlots::Hidden>.tag) {
+    return {ListId::kHiddenLookups, ListId::kHiddenTables, ListId::kHiddenFields};
+  }
+  return {std::ranges::find(document_lists(), section, &DocumentList::section)->id};
 }
 
 class Recovery {
  public:
-  // All of it must outlive the recovery. `slots` are those that the accessors of `utility` tell of.
-  Recovery(Utility& utility, DocumentSlots& slots, BinaryOutput& file)
-      : utility_(utility), slots_(slots), file_(file) {}
+  // All of them must outlive the recovery.
+  Recovery(DocumentSlots& slots, BinaryOutput& file, MessageLoop& message_loop)
+      : slots_(slots), file_(file), message_loop_(message_loop) {}
 
   void write_header(std::string_view file_name, std::string_view moment) {
     const OwnText name(file_name), now(moment), version(kCurrentFormatVersion.text());
@@ -57,23 +50,11 @@ class Recovery {
     write(*slots_.Header);
   }
 
-  void write_schema(MessageLoop& message_loop) {
-    write_tag(kSection<&DocumentSlots::Schema>.tag);
-    message_loop.DoEvents();
-    walk_schema();
-    write(*slots_.Schema);
-  }
-
-  void write_hidden() {
-    write_tag(kSection<&DocumentSlots::Hidden>.tag);
-    walk_hidden();
-    write(*slots_.Hidden);
-  }
-
-  template <auto Member, class Accessor>
-  void write_section(Accessor accessor, std::string_view entry = kSection<Member>.structure) {
+  template <auto Member>
+  void write_section() {
     write_tag(kSection<Member>.tag);
-    if (!walk(accessor, entry)) (slots_.*Member).clear();
+    if (kSection<Member>.tag == kSection<&DocumentSlots::Schema>.tag) message_loop_.DoEvents();
+    walk(kSection<Member>.tag);
     write(*(slots_.*Member));
   }
 
@@ -86,29 +67,17 @@ class Recovery {
   }
 
  private:
-  // Enters the list in the account; false when it doesn't hold together.
-  template <class Accessor>
-  bool walk(Accessor accessor, std::string_view entry) {
-    const bool holds = holds_together(utility_, accessor);
-    ((holds ? recovered_ : corrupted_) += entry) += kLineEnd;
-    return holds;
-  }
-
-  void walk_schema() {
-    if (!walk(&Utility::GetLookupInfo, "LOOKUPS_STRUCT")) return empty_list(slots_.Schema, &SCHEMA_STRUCT::Lookups);
-    if (!walk(&Utility::GetTableInfo, "TABLES_STRUCT")) return empty_list(slots_.Schema, &SCHEMA_STRUCT::Tables);
-    // The tables themselves hold together, so they stay, and their fields with them.
-    walk(&Utility::GetFieldsInfo, "FIELDS_STRUCT");
-  }
-
-  void walk_hidden() {
-    // Hidden lookups that fail are left as they are: nothing that could be read is given up without need.
-    if (!holds_together(utility_, &Utility::GetHidLookInfo)) return;
-    (recovered_ += "HIDEFIELDS_STRUCT") += kLineEnd;
-    if (!walk(&Utility::GetHidTableInfo, "HIDETABLES_STRUCT")) {
-      return empty_list(slots_.Hidden, &HIDETABLES_STRUCT::Tables);
+  // Enters the lists of a section in the account, up to the first that doesn't hold together, which is emptied.
+  void walk(std::string_view section) {
+    for (const ListId id : lists_of(section)) {
+      const DocumentList& list = list_of(id);
+      const bool holds = list.recount(slots_).ok;
+      // Nobody is told of hidden lookups that fail.
+      if (holds || id != ListId::kHiddenLookups) ((holds ? recovered_ : corrupted_) += list.structure) += kLineEnd;
+      if (holds) continue;
+      if (list.empty) list.empty(slots_);
+      return;
     }
-    walk(&Utility::GetHidFieldsInfo, "HIDDEN_FIELDS_STRUCT");
   }
 
   void write_tag(std::string_view name) {
@@ -130,51 +99,35 @@ class Recovery {
     drain(bytes_);
   }
 
-  Utility& utility_;
   DocumentSlots& slots_;
   BinaryOutput& file_;
+  MessageLoop& message_loop_;
   std::string bytes_;
   std::string recovered_ = "List of recovered structures: \r\n";
   std::string corrupted_ = "List of the structures that were permanently corrupted and couldn't been recovered: \r\n";
 };
 
-void write_document(Recovery& recovery, MessageLoop& message_loop) {
-  recovery.write_schema(message_loop);
-  recovery.write_section<&DocumentSlots::Relation>(&Utility::GetRelInfo, "Relation");
-  recovery.write_hidden();
-  recovery.write_section<&DocumentSlots::Tree>(&Utility::GetTreInfo);
-  recovery.write_section<&DocumentSlots::Language>(&Utility::GetLanInfo);
-  recovery.write_section<&DocumentSlots::Module>(&Utility::GetMdlInfo);
-  recovery.write_section<&DocumentSlots::DataSend>(&Utility::GetDsmInfo);
-  recovery.write_section<&DocumentSlots::FieldMatches>(&Utility::GetFmsInfo);
-  recovery.write_section<&DocumentSlots::Extended>(&Utility::GetExtInfo);
-  recovery.write_section<&DocumentSlots::IncludeFile>(&Utility::GetInclInfo);
-  recovery.write_section<&DocumentSlots::ControlTag>(&Utility::GetTagInfo);
-  recovery.write_section<&DocumentSlots::DSNList>(&Utility::GetDSNInfo);
-  recovery.write_section<&DocumentSlots::ImportFiles>(&Utility::GetIncNewInfo);
-  recovery.write_section<&DocumentSlots::ResidualTable>(&Utility::GetResiTblInfo);
-  recovery.write_end();
-}
-
 }  // namespace
 
 Boolean TarvelVtrOut_InOut::RecoverVTR(std::u16string& RecoveredFname, std::u16string& msgRecover) {
-  if (RecoveredFname.empty()) return fail({.what = "no file was named"});
+  const HostServices& services = store_->services;
+  if (RecoveredFname.empty()) return store_->fail({.what = "no file was named"});
   return guarded(
       [&] {
-        const auto file = services_.files.OpenBinaryOutput(RecoveredFname);
-        services_.message_loop.DoEvents();
-        Recovery recovery(*this, current_, *file);
-        const std::u16string moment = services_.locale.GeneralDate(services_.locale.Now());
-        recovery.write_header(services_.locale.Encode(RecoveredFname), services_.locale.Encode(moment));
-        write_document(recovery, services_.message_loop);
+        const auto file = services.files.OpenBinaryOutput(RecoveredFname);
+        services.message_loop.DoEvents();
+        Recovery recovery(store_->current, *file, services.message_loop);
+        const std::u16string moment = services.locale.GeneralDate(services.locale.Now());
+        recovery.write_header(services.locale.Encode(RecoveredFname), services.locale.Encode(moment));
+        for_each_section([&]<auto Member>(const Section<Member>&) { recovery.write_section<Member>(); });
+        recovery.write_end();
         file->Close();
         msgRecover += u"\r\n" + recovery.account();
         return True;
       },
       [&](const Failure& failure) {
-        warn(u"File can not be recovered", u"VTR Output");
-        return fail(failure);
+        store_->warn(u"File can not be recovered", u"VTR Output");
+        return store_->fail(failure);
       });
 }
 

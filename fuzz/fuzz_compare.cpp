@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string_view>
 
+#include "component/parts.h"
 #include "fuzz/documents.h"
-#include "tests/operations.h"
 
 // Any two documents, the second one behind the mark; without a mark a document beside itself. All comparisons are
 // written, and each accounts for every row that it prints.
@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   TarvelVtrOut_InOut utility(machine.services());
   fuzz::read(utility, primary, False);
   fuzz::read(utility, secondary, True);
-  for (const auto& operations : tests::kOperations) {
+  for (const auto& operations : document_parts()) {
     if (!(utility.*operations.compare)(primary, secondary, report)) continue;
     const std::string& text = machine.memory.files[report];
     fuzz::require(text.starts_with(",Compared"));

@@ -1,8 +1,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "component/parts.h"
 #include "fuzz/documents.h"
-#include "tests/operations.h"
 
 // Any bytes as a document: read, and every report written. Nothing may break, and the reports come out whole or say
 // that they didn't.
@@ -14,7 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   TarvelVtrOut_InOut utility(machine.services());
   fuzz::read(utility, path);
   Boolean no = False;
-  for (const auto& operations : tests::kOperations) {
+  for (const auto& operations : document_parts()) {
     const Boolean written = (utility.*operations.report)(path, report, no);
     fuzz::require(!written || machine.memory.files[report].starts_with("Detailed"));
   }

@@ -1,13 +1,10 @@
 #include <algorithm>
 #include <iomanip>
-#include <optional>
 
 #include "host/commands.h"
 #include "host/json.h"
-#include "host/parts.h"
-#include "host/workbook_target.h"
+#include "host/part_reports.h"
 #include "platform/files/path.h"
-#include "services/guard.h"
 #include "text/utf8.h"
 
 namespace trvtrout::host {
@@ -79,93 +76,44 @@ void print_json(const ComparisonTask& task, const std::vector<PartResult>& resul
   show_json(whole);
 }
 
-// The way of the comparisons into the sheets of a workbook, when one is wanted.
-class ComparisonSheets {
- public:
-  // Raises ServiceError when the workbook can't take the sheets.
-  ComparisonSheets(Machine& machine, const ComparisonTask& task)
-      : task_(task), parts_(parts_named(task.parts)), primary_(machine.services()) {
-    if (task.workbook.empty()) return;
-    workbook_.emplace(task.workbook, parts_);
-    std::ranges::reverse(parts_);  // each sheet comes in front of the one before
-  }
-
-  // Colouring asks for the primary document as the one last read. False when it can't be read, which the user was told.
-  bool prepare(Machine& machine) {
-    return !workbook_ || !task_.color || read_whole(machine, primary_, task_.primary, False);
-  }
-
-  // In the order in which they are to be compared.
-  const std::vector<Part>& parts() const { return parts_; }
-  // Moves the comparison at `report` that `utility` has made; True when none is to be moved.
-  bool take(TarvelVtrOut_InOut& utility, const Part& part, const std::u16string& report) {
-    return !workbook_ || workbook_->take(utility, part.name, report, [&](const auto& target) {
-      return utility.XL_Output_Compared(target, report, part.sheet_name, &primary_, &utility,
-                                        task_.color ? True : False);
-    });
-  }
-  // Puts the results into the order of the sheets, and these into the workbook unless one is missing. The status of
-  // the whole then.
-  ExitStatus finish(std::vector<PartResult>& results, ExitStatus status) {
-    if (!workbook_) return status;
-    std::ranges::reverse(results);
-    if (status == kTrouble) return left_as_it_was(task_.workbook);
-    const bool done = guarded([&] { return workbook_->finish(), true; },
-                              [](const Failure& failure) { return complain(failure.what), false; });
-    if (!done) return kTrouble;
-    if (!task_.json) std::cout << task_.workbook << std::endl;
-    return status;
-  }
-
- private:
-  const ComparisonTask& task_;
-  std::vector<Part> parts_;
-  TarvelVtrOut_InOut primary_;
-  std::optional<WorkbookTarget> workbook_;
-};
-
 }  // namespace
 
 ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
   if (!can_name_reports(task.primary)) return kTrouble;
   const Output output = task.summary ? Output::kNone : task.workbook.empty() ? Output::kFiles : Output::kHeld;
   Machine machine(settings, output);
-  TarvelVtrOut_InOut utility(machine.services());
+  TarvelVtrOut_InOut utility(machine.services()), primary_alone(machine.services());
   if (!read_whole(machine, utility, task.primary, False) || !read_whole(machine, utility, task.secondary, True)) {
     return kTrouble;
   }
-  ComparisonSheets sheets(machine, task);
-  if (!sheets.prepare(machine)) return kTrouble;
+  PartReports reports(task.parts, task.workbook);
+  // Colouring asks for the primary document as the one last read.
+  const bool colors = task.color && !task.workbook.empty();
+  if (colors && !read_whole(machine, primary_alone, task.primary, False)) return kTrouble;
   machine.speak_of(task.primary);  // whose name the reports bear
 
-  ExitStatus status = kFine;
-  std::vector<PartResult> results;
-  Progress progress;
   std::u16string primary = platform::class_path(task.primary), secondary = platform::class_path(task.secondary);
-  for (const Part& part : sheets.parts()) {
-    progress.show(std::string("Comparing ") + part.name);
-    std::u16string report;
-    const Boolean written = (utility.*part.compare)(primary, secondary, report);
-    PartResult& result = results.emplace_back(PartResult{part.name, bool(written), {}, utility.LastCounts(), {}, {}});
-    result.written = written && sheets.take(utility, part, report);
-    progress.show({});
-    if (output == Output::kFiles) result.report = platform::machine_path(report);
-    // Only counted, or on its way into a workbook, a comparison has no file of its own.
-    const std::u16string where = output == Output::kFiles ? report : u"";
-    if (!written) complain_of_part("comparison of", part.name, where, utility.LastFailure());
-    if (!result.written) {
-      status = kTrouble;
-    } else if (status == kFine && result.different()) {
-      status = kRemarkable;
-    }
-    if (task.json) {
-      result.repeated_in_primary = utility.RepeatedKeys(false);
-      result.repeated_in_secondary = utility.RepeatedKeys(true);
-    } else if (written && output == Output::kFiles) {
-      std::cout << result.report << std::endl;
-    }
-  }
-  status = sheets.finish(results, status);
+  const PartOperation comparing{
+      .doing = "Comparing",
+      .what = "comparison of",
+      .write = [&](const Part& part,
+                   std::u16string& report) { return (utility.*part.compare)(primary, secondary, report); },
+      .move =
+          [&](const Part& part, const std::u16string& workbook, const std::u16string& report) {
+            return utility.XL_Output_Compared(workbook, report, std::u16string(part.sheet.name), &primary_alone,
+                                              &utility, colors ? True : False);
+          }};
+  std::vector<PartResult> results;
+  ExitStatus status = reports.run(
+      utility, comparing, output, !task.json, [&](const Part& part, const std::u16string& report, bool whole) {
+        PartResult& result = results.emplace_back(PartResult{part.name, whole, {}, utility.LastCounts(), {}, {}});
+        if (output == Output::kFiles) result.report = platform::machine_path(report);
+        if (!task.json) return;
+        result.repeated_in_primary = utility.RepeatedKeys(false);
+        result.repeated_in_secondary = utility.RepeatedKeys(true);
+      });
+  if (!task.workbook.empty()) std::ranges::reverse(results);
+  if (status == kFine && std::ranges::any_of(results, &PartResult::different)) status = kRemarkable;
   if (task.json) {
     print_json(task, results, status);
   } else {

@@ -1,15 +1,18 @@
 #include <iomanip>
 
 #include "host/commands.h"
-#include "host/document_account.h"
 #include "host/json.h"
 #include "platform/console/printable.h"
 #include "text/utf8.h"
+#include "vtrfile/lists.h"
 
 namespace trvtrout::host {
 namespace {
 
 using platform::printable;
+using vtrfile::DocumentList;
+using vtrfile::DocumentSlots;
+using vtrfile::ListInfo;
 
 constexpr int kTitleWidth = 25;
 
@@ -17,50 +20,80 @@ void print_line(const std::string& title, const std::string& value) {
   std::cout << std::left << std::setw(kTitleWidth) << title << value << '\n';
 }
 
-void print(const DocumentAccount& account, const std::string& file) {
+// A text of the file, with its title for people and its key for programs.
+struct NamedText {
+  const char* title;
+  const char* key;
+  vtrfile::Text text;
+};
+
+std::vector<NamedText> header_texts(const vtrfile::HEADER_STRUCT& header) {
+  return {{"Format version", "version", header.Version},
+          {"Created", "created", header.Created},
+          {"Last modified", "modified", header.Modified},
+          {"Written as", "fileName", header.FileName}};
+}
+
+std::vector<NamedText> product_texts(const vtrfile::PRODUCT_STRUCT& product) {
+  return {{"Product", "code", product.Code},
+          {"Description", "description", product.Description},
+          {"Serial index", "serialIndex", product.SerialIndex},
+          {"Product version", "version", product.Version},
+          {"Database", "database", product.Database}};
+}
+
+std::u16string result_of(const DocumentList& list, const ListInfo& info) {
+  return info.ok ? u"OK" : std::u16string(list.error);
+}
+
+void print(const DocumentSlots& document, Locale& locale, const std::string& file) {
   print_line("File", file);
-  for (const auto* values : {&account.header, &account.product}) {
-    for (const AccountText& value : *values) print_line(value.title, platform::printable_line(value.text));
+  for (const auto& texts : {header_texts(*document.Header), product_texts(document.Schema->Product)}) {
+    for (const NamedText& text : texts) {
+      print_line(text.title, platform::printable_line(locale.Decode(text.text.bytes())));
+    }
   }
   std::cout << '\n' << std::left << std::setw(kTitleWidth) << "List" << std::right;
   for (const char* head : {"Count", "Current", "Max", "Recounted"}) std::cout << std::setw(10) << head;
   std::cout << "  Result\n";
-  for (const AccountList& list : account.lists) {
+  for (const DocumentList& list : vtrfile::document_lists()) {
+    const ListInfo info = list.recount(document);
     std::cout << std::left << std::setw(kTitleWidth) << list.title << std::right;
-    for (const auto& number : {list.count, list.current, list.max}) {
+    for (const auto& number : {info.count, info.current, info.max}) {
       std::cout << std::setw(10) << (number ? std::to_string(*number) : "-");
     }
-    std::cout << std::setw(10) << list.size << "  " << printable(list.result) << '\n';
+    std::cout << std::setw(10) << info.size << "  " << printable(result_of(list, info)) << '\n';
   }
 }
 
-Json to_json(const std::vector<AccountText>& values) {
+Json to_json(const std::vector<NamedText>& texts, Locale& locale) {
   Json object = Json::object();
-  for (const AccountText& value : values) object[value.key] = text::to_utf8(value.text);
+  for (const NamedText& text : texts) object[text.key] = text::to_utf8(locale.Decode(text.text.bytes()));
   return object;
 }
 
-Json to_json(const AccountList& list) {
+Json to_json(const DocumentList& list, const ListInfo& info) {
   const auto number = [](const std::optional<std::int32_t>& value) { return value ? Json(*value) : Json(); };
-  return {{"count", number(list.count)},
-          {"current", number(list.current)},
-          {"max", number(list.max)},
-          {"recounted", list.size},
-          {"result", text::to_utf8(list.result)}};
+  return {{"count", number(info.count)},
+          {"current", number(info.current)},
+          {"max", number(info.max)},
+          {"recounted", info.size},
+          {"result", text::to_utf8(result_of(list, info))}};
 }
 
-void print_json(const DocumentAccount& account, const std::string& file, const std::u16string& structure_list,
-                const TarvelVtrOut_InOut& utility) {
+void print_json(const TarvelVtrOut_InOut& utility, Locale& locale, const std::string& file,
+                const std::u16string& structure_list) {
+  const DocumentSlots& document = utility.CurrentSlots();
   const auto& damage = utility.LastDamage();
   Json lists = Json::object();
-  for (const AccountList& list : account.lists) lists[list.key] = to_json(list);
+  for (const DocumentList& list : vtrfile::document_lists()) lists[list.key] = to_json(list, list.recount(document));
   const Json whole = {{"file", file},
                       {"result", !damage},
                       {"structureList", damage ? Json(text::to_utf8(structure_list)) : Json()},
                       {"damage", damage ? damage_json(*damage) : Json()},
                       {"gaps", gaps_json(utility.LastRead().gaps)},
-                      {"header", to_json(account.header)},
-                      {"product", to_json(account.product)},
+                      {"header", to_json(header_texts(*document.Header), locale)},
+                      {"product", to_json(product_texts(document.Schema->Product), locale)},
                       {"lists", lists}};
   show_json(whole);
 }
@@ -74,11 +107,10 @@ ExitStatus info(const Settings& settings, const std::string& file, bool json) {
   const ExitStatus status = read(machine, utility, file, structure_list);
   if (status == kTrouble) return status;
 
-  const DocumentAccount account = account_for(utility, machine.locale());
   if (json) {
-    print_json(account, file, structure_list, utility);
+    print_json(utility, machine.locale(), file, structure_list);
   } else {
-    print(account, file);
+    print(utility.CurrentSlots(), machine.locale(), file);
     if (utility.LastDamage()) std::cout << '\n' << printable(structure_list) << '\n';
   }
   if (utility.LastDamage()) {

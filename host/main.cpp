@@ -2,7 +2,7 @@
 #include <csignal>
 
 #include "host/commands.h"
-#include "host/parts.h"
+#include "host/part_reports.h"
 #include "platform/files/unfinished.h"
 
 namespace {

@@ -241,7 +241,7 @@ ExitStatus recover(const Settings& settings, const RecoveryTask& task) {
   };
   Progress progress;
   progress.show("Writing " + output);
-  const DocumentState before = state_of(utility, machine.locale());
+  const vtrfile::DocumentSlots before = utility.CurrentSlots();
   if (!utility.RecoverVTR(targets->output.path, message)) return trouble(utility.LastFailure());
   progress.show("Checking " + output);
   std::optional<std::vector<std::uint64_t>> sizes;
@@ -255,8 +255,7 @@ ExitStatus recover(const Settings& settings, const RecoveryTask& task) {
   }
   progress.show({});
 
-  const RecoveryAccount account =
-      account_for_recovery(before, state_of(utility, machine.locale()), utility.LastRead(), *sizes);
+  const RecoveryAccount account = account_for_recovery(before, utility.CurrentSlots(), utility.LastRead(), *sizes);
   tell(task, {output, log_failure, message}, account, utility);
   return account.nothing_lost && log_failure.empty() ? kFine : kRemarkable;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "vtrfile/lists.h"
 #include "vtrfile/sections.h"
 
 namespace trvtrout::host {
@@ -15,8 +16,6 @@ using vtrfile::PartRead;
 constexpr std::string_view kSchema = kSection<&DocumentSlots::Schema>.tag;
 constexpr std::string_view kHidden = kSection<&DocumentSlots::Hidden>.tag;
 constexpr std::string_view kDataSend = kSection<&DocumentSlots::DataSend>.tag;
-
-bool holds_together(const AccountList& list) { return list.result == u"OK"; }
 
 // What the file says of the section that is called `name`.
 struct Found {
@@ -40,8 +39,8 @@ Found find(const std::vector<PartRead>& parts, std::string_view name) {
   return found;
 }
 
-KeptList kept_list(const char* title, const char* key, const RecordCount& before, const RecordCount& after,
-                   bool whole) {
+KeptList kept_list(const char* title, const char* key, const vtrfile::RecordCount& before,
+                   const vtrfile::RecordCount& after, bool whole) {
   KeptList list{title, key, before.announced, std::min(after.expected(), before.announced), 0, after.empty};
   list.surplus = after.used - list.kept;
   // The number that stands in front of a list may be behind the place where reading stopped.
@@ -53,7 +52,7 @@ bool has_fewer(const KeptList& list) { return list.announced && list.kept < *lis
 
 class Accountant {
  public:
-  Accountant(const DocumentState& before, const DocumentState& after, const vtrfile::FileRead& read)
+  Accountant(const DocumentSlots& before, const DocumentSlots& after, const vtrfile::FileRead& read)
       : before_(before), after_(after), read_(read), complete_(find(read.parts, vtrfile::kEndTag).last != nullptr) {}
 
   // Without a whole header nothing is recovered.
@@ -81,7 +80,7 @@ class Accountant {
 
  private:
   vtrfile::TagTexts last_tag_texts() const {
-    const auto& tag = *before_.slots.SectionTag;
+    const auto& tag = *before_.SectionTag;
     return {tag.Text1.bytes(), tag.Text2.bytes()};
   }
 
@@ -98,9 +97,9 @@ class Accountant {
     Fate fate = std::ranges::any_of(part.lists, has_fewer) ? Fate::kFewer : Fate::kWhole;
     if (found.last->carried == Carried::kPart) fate = Fate::kLeftBehind;
     if (found.records > 1) fate = Fate::kReplaced;
-    for (std::size_t list = 0; list < before_.lists.size(); ++list) {
-      if (before_.lists[list].section == part.name && !holds_together(before_.lists[list])) {
-        if (holds_together(after_.lists[list])) return Fate::kEmptied;
+    for (const vtrfile::DocumentList& list : vtrfile::document_lists()) {
+      if (list.section == part.name && !list.recount(before_).ok) {
+        if (list.recount(after_).ok) return Fate::kEmptied;
         fate = Fate::kUnsound;
       }
     }
@@ -109,23 +108,23 @@ class Accountant {
 
   std::vector<KeptList> lists(std::string_view name, bool whole) const {
     if (name == kDataSend) {
-      const auto &before = *before_.slots.DataSend, &after = *after_.slots.DataSend;
+      const auto &before = *before_.DataSend, &after = *after_.DataSend;
       return {
-          kept_list("Definitions", "definitions", count_definitions(before), count_definitions(after), whole),
-          kept_list("Nodes", "nodes", count_nodes(before), count_nodes(after), whole),
+          kept_list("Definitions", "definitions", vtrfile::definition_records(before),
+                    vtrfile::definition_records(after), whole),
+          kept_list("Nodes", "nodes", vtrfile::node_records(before), vtrfile::node_records(after), whole),
       };
     }
     std::vector<KeptList> lists;
-    for (std::size_t number = 0; number < before_.lists.size(); ++number) {
-      const AccountList& list = before_.lists[number];
+    for (const vtrfile::DocumentList& list : vtrfile::document_lists()) {
       if (list.section != name) continue;
-      lists.push_back(kept_list(list.title, list.key, list.records, after_.lists[number].records, whole));
+      lists.push_back(kept_list(list.title, list.key, list.records(before_), list.records(after_), whole));
     }
     return lists;
   }
 
-  const DocumentState& before_;
-  const DocumentState& after_;
+  const DocumentSlots& before_;
+  const DocumentSlots& after_;
   const vtrfile::FileRead& read_;
   bool complete_;
 };
@@ -166,11 +165,7 @@ FateText text_of(Fate fate) {
   return {};
 }
 
-DocumentState state_of(TarvelVtrOut_InOut& utility, Locale& locale) {
-  return {utility.CurrentSlots(), account_for(utility, locale).lists};
-}
-
-RecoveryAccount account_for_recovery(const DocumentState& before, const DocumentState& after,
+RecoveryAccount account_for_recovery(const DocumentSlots& before, const DocumentSlots& after,
                                      const vtrfile::FileRead& read, const std::vector<std::uint64_t>& written) {
   const Accountant accountant(before, after, read);
   RecoveryAccount account{.parts = {accountant.header()}, .bytes = read.bytes};

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "component/TarvelVtrOut_InOut.h"
-#include "host/document_account.h"
+#include "vtrfile/document.h"
 
 namespace trvtrout::host {
 
@@ -59,16 +59,9 @@ struct RecoveryAccount {
   bool nothing_lost = false;
 };
 
-// The document that an object holds at some moment, with what its lists say.
-struct DocumentState {
-  vtrfile::DocumentSlots slots;
-  std::vector<AccountList> lists;
-};
-DocumentState state_of(TarvelVtrOut_InOut& utility, Locale& locale);
-
 // `before`, `after`: the document as it was read from the file that gave `read`, and as it was written. `written`:
 // bytes of each section's record in the new file.
-RecoveryAccount account_for_recovery(const DocumentState& before, const DocumentState& after,
+RecoveryAccount account_for_recovery(const vtrfile::DocumentSlots& before, const vtrfile::DocumentSlots& after,
                                      const vtrfile::FileRead& read, const std::vector<std::uint64_t>& written);
 
 }  // namespace trvtrout::host

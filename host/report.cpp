@@ -1,52 +1,34 @@
-#include <algorithm>
-#include <optional>
-
 #include "host/commands.h"
-#include "host/parts.h"
-#include "host/workbook_target.h"
+#include "host/part_reports.h"
 #include "platform/files/path.h"
 
 namespace trvtrout::host {
 
 ExitStatus report(const Settings& settings, const ReportTask& task) {
   if (!can_name_reports(task.file)) return kTrouble;
-  std::vector<Part> parts = parts_named(task.parts);
-  Machine machine(settings, task.workbook.empty() ? Output::kFiles : Output::kHeld);
+  const Output output = task.workbook.empty() ? Output::kFiles : Output::kHeld;
+  Machine machine(settings, output);
   TarvelVtrOut_InOut utility(machine.services());
   std::u16string structure_list;
-  ExitStatus status = read(machine, utility, task.file, structure_list);
+  const ExitStatus status = read(machine, utility, task.file, structure_list);
   if (status == kTrouble) return status;
   if (utility.LastDamage()) {
     complain(task.file + ": " + damage_text(*utility.LastDamage()) + "; the reports hold what could be read before it");
   }
 
-  std::optional<WorkbookTarget> workbook;
-  if (!task.workbook.empty()) {
-    workbook.emplace(task.workbook, parts);
-    std::ranges::reverse(parts);  // each sheet comes in front of the one before
-  }
-  Progress progress;
   std::u16string path = platform::class_path(task.file);
   Boolean is_temp = task.temporary ? True : False;
-  for (const Part& part : parts) {
-    progress.show(std::string("Writing the report on ") + part.name);
-    std::u16string report_path;
-    const Boolean written = (utility.*part.report)(path, report_path, is_temp);
-    // A text that is on its way into a workbook has no file of its own.
-    if (!written) complain_of_part("report on", part.name, workbook ? u"" : report_path, utility.LastFailure());
-    const bool moved = written && workbook && workbook->take(utility, part.name, report_path, [&](const auto& target) {
-      return utility.XL_Output_Statistics(target, report_path, part.sheet_name);
-    });
-    progress.show({});
-    if (!written || (workbook && !moved)) status = kTrouble;
-    if (written && !workbook) std::cout << platform::machine_path(report_path) << std::endl;
-  }
-  if (workbook) {
-    if (status == kTrouble) return left_as_it_was(task.workbook);
-    workbook->finish();
-    std::cout << task.workbook << std::endl;
-  }
-  return status;
+  const PartOperation reporting{
+      .doing = "Writing the report on",
+      .what = "report on",
+      .write = [&](const Part& part,
+                   std::u16string& report_path) { return (utility.*part.report)(path, report_path, is_temp); },
+      .move =
+          [&](const Part& part, const std::u16string& workbook, const std::u16string& report_path) {
+            return utility.XL_Output_Statistics(workbook, report_path, std::u16string(part.sheet.name));
+          }};
+  PartReports reports(task.parts, task.workbook);
+  return reports.run(utility, reporting, output, true) == kTrouble ? kTrouble : status;
 }
 
 }  // namespace trvtrout::host

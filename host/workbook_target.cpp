@@ -18,23 +18,18 @@ WorkbookFormat format_by_name(const std::string& path) {
 
 }  // namespace
 
-ExitStatus left_as_it_was(const std::string& workbook) {
-  complain(workbook + ": nothing was changed, because not every sheet could be made; --part leaves parts out");
-  return kTrouble;
-}
-
 void require_workbook_path(const std::string& path) {
   if (path.find('\\') == std::string::npos) return;
   throw ServiceError(ErrorNumber::kBadFileName,
                      "can't change \"" + path + "\": a workbook's path may have no backslash; rename it");
 }
 
-WorkbookTarget::WorkbookTarget(const std::string& path, const std::vector<Part>& parts) : path_(path) {
+WorkbookTarget::WorkbookTarget(const std::string& path, const std::vector<std::u16string>& sheet_names) : path_(path) {
   require_workbook_path(path);
   std::string bytes;
   if (platform::name_is_taken(path)) {
     standing_.emplace(path);
-    for (const Part& part : parts) standing_->require_free(part.sheet_name);
+    for (const std::u16string& name : sheet_names) standing_->require_free(name);
     bytes = standing_->bytes();
   } else {
     bytes = spreadsheet::empty_workbook(format_by_name(path));

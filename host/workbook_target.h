@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "host/machine.h"
-#include "host/parts.h"
 #include "platform/files/path.h"
 #include "platform/files/replacement.h"
 #include "platform/program/workbook_on_disk.h"
@@ -17,10 +16,10 @@ namespace trvtrout::host {
 // was.
 class WorkbookTarget {
  public:
-  // Looks for whatever stands in the way of these parts' sheets before anything is changed: raises ServiceError when
-  // the workbook can't be added to, when it has a sheet of such a name, and for a new one whose name doesn't end in
-  // .xls or .xlsx. `path`: of the machine. The workbook is held for other programs until the target is destroyed.
-  WorkbookTarget(const std::string& path, const std::vector<Part>& parts);
+  // Looks for whatever stands in the way of sheets with these names before anything is changed: raises ServiceError
+  // when the workbook can't be added to, when it has a sheet of such a name, and for a new one whose name doesn't end
+  // in .xls or .xlsx. `path`: of the machine. The workbook is held for other programs until the target is destroyed.
+  WorkbookTarget(const std::string& path, const std::vector<std::u16string>& sheet_names);
 
   // Moves the report that stands at `report` into a sheet, with the operation move(path of the workbook), and removes
   // the report. Tells the user on failure.
@@ -41,9 +40,6 @@ class WorkbookTarget {
   std::optional<platform::WorkbookOnDisk> standing_;
   std::optional<platform::Replacement> content_;
 };
-
-// Tells the user that not all sheets could be made, and so none was put into the workbook.
-ExitStatus left_as_it_was(const std::string& workbook);
 
 // Raises ServiceError for a path (of the machine) that the class can't name: one with a backslash.
 void require_workbook_path(const std::string& path);

@@ -20,7 +20,7 @@ void write(ReportWriter& out, const DocumentSlots& document) {
              "," + script_text(definition.Header.VBSInfo, out.locale()));
   });
   out.gap();
-  out.counted(recount_nodes(list), "");
+  out.counted(list_of(ListId::kDataSend).recount(document), "");
   out.line("DATA SEND NODE");
   out.heads(",Header,", node_columns);
   for_each_item(list.Items, list.Count, [&](const DATASEND_ITEM_STRUCT& definition, std::int32_t number) {

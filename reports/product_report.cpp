@@ -8,6 +8,7 @@ using namespace vtrfile;
 constexpr ListBlock<INCLUDEFILE_STRUCT, INCLUDEFILE_ITEM_STRUCT> kIncludeFiles{
     .title = "INCLUDE FILE STRUCTURE",
     .numbers = kCountCurrentMax<INCLUDEFILE_STRUCT>,
+    .id = ListId::kIncludeFiles,
     .uncounted = "",
     .item_title = ",INCLUDEFILE ITEM STRUCTURE",
     .columns = kIncludeFileColumns,
@@ -17,6 +18,7 @@ constexpr ListBlock<INCLUDEFILE_STRUCT, INCLUDEFILE_ITEM_STRUCT> kIncludeFiles{
 constexpr ListBlock<MODULE_STRUCT, MODULE_ITEM_STRUCT> kModules{
     .title = "VITRION_MODULE STRUCTURE",
     .numbers = kCount<MODULE_STRUCT>,
+    .id = ListId::kModules,
     .uncounted = "",
     .item_title = ",VITRION_MODULE ITEM STRUCTURE",
     .columns = kModuleColumns,
@@ -29,9 +31,9 @@ void write(ReportWriter& out, const DocumentSlots& document) {
   out.line("PRODUCTS STRUCTURE");
   out.labels<PRODUCT_STRUCT>(kProductLabels, document.Schema->Product);
   out.gap();
-  write_list(out, kIncludeFiles, *document.IncludeFile);
+  write_list(out, kIncludeFiles, document, *document.IncludeFile);
   out.gap();
-  write_list(out, kModules, *document.Module);
+  write_list(out, kModules, document, *document.Module);
 }
 
 }  // namespace

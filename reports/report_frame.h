@@ -9,7 +9,7 @@
 
 #include "reports/columns.h"
 #include "services/host_services.h"
-#include "vtrfile/recount.h"
+#include "vtrfile/lists.h"
 
 namespace trvtrout {
 
@@ -88,6 +88,7 @@ template <class List, class Item>
 struct ListBlock {
   std::string_view title;
   std::span<const Column<List>> numbers;
+  vtrfile::ListId id;
   std::string_view uncounted;   // printed in place of a recount that failed
   std::string_view item_title;  // the whole row
   std::span<const Column<Item>> columns;
@@ -95,10 +96,11 @@ struct ListBlock {
 };
 
 template <class List, class Item>
-void write_list(ReportWriter& out, const ListBlock<List, Item>& block, const List& list) {
+void write_list(ReportWriter& out, const ListBlock<List, Item>& block, const vtrfile::DocumentSlots& document,
+                const List& list) {
   out.line(block.title);
   out.labels(block.numbers, list);
-  out.counted(vtrfile::recount(list), ",", block.uncounted);
+  out.counted(vtrfile::list_of(block.id).recount(document), ",", block.uncounted);
   out.line(block.item_title);
   out.heads(",,", block.columns);
   for_each_item(list.Items, list.Count,

@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <regex>
 
-#include "tests/operations.h"
+#include "component/parts.h"
 #include "tests/support.h"
 
 namespace trvtrout::tests {
@@ -18,8 +18,9 @@ TEST_F(Command, ReportsEverySampleAsApproved) {
     put("s.vtr", bytes);
     const Outcome run = vtrout("report s.vtr --temporary --yes");
     bool fails = false;
-    for (const auto& operations : kOperations) {
-      const std::string part = operations.part, file = operations.desc_name;
+    for (const Part& operations : document_parts()) {
+      const std::u16string_view desc_name = operations.detail_report->desc_name;
+      const std::string part = operations.name, file(desc_name.begin(), desc_name.end());
       std::string wanted = file_bytes((expected / ("report-" + part + ".csv")).string());
       std::string written = file_bytes((folder_ / ("~tmps_" + file + ".CSV")).string());
       wanted = std::regex_replace(wanted, std::regex("@FNAME@"), "s.vtr");

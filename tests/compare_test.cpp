@@ -6,8 +6,8 @@
 #include <sstream>
 
 #include "compare/comparisons.h"
+#include "component/parts.h"
 #include "tests/fakes/fake_services.h"
-#include "tests/operations.h"
 #include "tests/support.h"
 
 namespace trvtrout::tests {

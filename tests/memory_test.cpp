@@ -8,7 +8,7 @@
 #include "platform/files/discarding_files.h"
 #include "tests/fakes/fake_services.h"
 #include "tests/support.h"
-#include "vtrfile/recount.h"
+#include "vtrfile/lists.h"
 
 // What reading takes at its peak, by every byte that operator new hands out.
 namespace {
@@ -42,7 +42,7 @@ std::size_t peak_of_reading(const std::string& bytes) {
   g_peak = before;
   Reading reading;
   reading.read(bytes);
-  recount_fields(reading.current.Schema->Tables);
+  list_of(ListId::kFields).recount(reading.current);
   return g_peak - before;
 }
 

@@ -16,12 +16,12 @@ inline std::optional<host::RecoveryAccount> recover_as_command(fakes::Machine& m
   const vtrfile::FileRead& read = utility.LastRead();
   const bool unsupported = !utility.LastDamage() && read.parts.back().name != "EOF";
   if (unsupported || !read.parts.front().whole) return {};
-  const host::DocumentState before = host::state_of(utility, machine.locale);
+  const vtrfile::DocumentSlots before = utility.CurrentSlots();
   std::u16string message;
   if (!utility.RecoverVTR(path, message)) return {};
   const auto sizes = host::read_back(machine.services(), path, utility.CurrentSlots());
   if (!sizes) return {};
-  return host::account_for_recovery(before, host::state_of(utility, machine.locale), read, *sizes);
+  return host::account_for_recovery(before, utility.CurrentSlots(), read, *sizes);
 }
 
 // What an account must never say, whatever the file; null when it says nothing of the kind.

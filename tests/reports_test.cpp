@@ -1,9 +1,9 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
+#include "component/parts.h"
 #include "reports/cells.h"
 #include "tests/fakes/fake_services.h"
-#include "tests/operations.h"
 #include "tests/support.h"
 
 namespace trvtrout::tests {
@@ -20,7 +20,7 @@ class Reports : public testing::Test {
     Boolean secondary = False;
     return utility.ReadVTR(name, list, secondary);
   }
-  Boolean write(ReportOperation operation, std::u16string fname, Boolean temporary = True) {
+  Boolean write(decltype(Part::report) operation, std::u16string fname, Boolean temporary = True) {
     return (utility.*operation)(fname, report_path, temporary);
   }
   std::string report() { return machine.memory.files[report_path]; }
@@ -66,7 +66,7 @@ TEST(Cells, TurnValuesIntoTextByPlainConversion) {
 }
 
 TEST_F(Reports, AFreshObjectReportsEmptyLists) {
-  for (const auto& operations : kOperations) {
+  for (const auto& operations : document_parts()) {
     EXPECT_TRUE(write(operations.report, u"C:\\Data\\Plant.VTR"));
     EXPECT_TRUE(
         report().starts_with("Detailed Statistic for file: C:\\Data\\Plant.VTR\r\n"
@@ -157,13 +157,13 @@ TEST_F(Reports, DeleteASCIITellsOfAMissingFile) {
 }
 
 TEST_F(Reports, OnlyTheProductReportTellsOfAFileInUse) {
-  for (const auto& operations : kOperations) {
+  for (const auto& operations : document_parts()) {
     machine.message_box.calls.clear();
     write(operations.report, u"Plant.VTR", False);
     machine.memory.held = {report_path};
     machine.memory.files.clear();
     EXPECT_FALSE(write(operations.report, u"Plant.VTR", False));
-    if (&operations == &kOperations[0]) {
+    if (operations.name == std::string("product")) {
       ASSERT_EQ(machine.message_box.calls.size(), 1U);
       EXPECT_EQ(machine.message_box.calls[0].prompt,
                 u"Can not create file: " + report_path + u"\r\nFile is in use. Please close file and try again.");
@@ -266,7 +266,7 @@ TEST_F(Reports, SurviveAFaultInAnyFileCall) {
   std::u16string fname = path, list;
   Boolean no = False;
   EXPECT_EQ(try_all([&] { return utility.ReadVTR(fname, list, no); }), 5);  // open, size, read, close
-  for (const auto& operations : kOperations) {
+  for (const auto& operations : document_parts()) {
     EXPECT_GT(try_all([&] { return write(operations.report, path); }), 10);
   }
   // A report that stands there is lost only when the user gave it up.

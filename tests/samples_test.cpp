@@ -2,8 +2,8 @@
 #include <fstream>
 #include <gtest/gtest.h>
 
+#include "component/parts.h"
 #include "tests/fakes/fake_services.h"
-#include "tests/operations.h"
 #include "tests/support.h"
 #include "vtrfile/sections.h"
 
@@ -38,17 +38,18 @@ TEST_P(Samples, AreReadAndReported) {
   EXPECT_EQ(account, file_bytes(expected("read.txt")));
   EXPECT_EQ(machine.memory.files[fname], sample(GetParam())) << "the input is never written";
 
-  for (const auto& [part, name, report, compare] : kOperations) {
-    const std::string path = expected(std::string("report-") + part + ".csv");
+  for (const Part& operations : document_parts()) {
+    const std::string part = operations.name;
+    const std::string path = expected("report-" + part + ".csv");
     if (!std::filesystem::exists(path)) continue;
     std::string wanted = file_bytes(path);
     replace(wanted, "@FNAME@", "C:\\Data\\Sample.VTR");
     replace(wanted, "@DATE@", "6/1/2004 2:11:05 PM");
     std::u16string report_path;
     Boolean temporary = True;
-    const Boolean written = (utility.*report)(fname, report_path, temporary);
+    const Boolean written = (utility.*operations.report)(fname, report_path, temporary);
     EXPECT_EQ(machine.memory.files[report_path], wanted) << part;
-    const bool fails = std::filesystem::exists(expected(std::string("report-") + part + ".result"));
+    const bool fails = std::filesystem::exists(expected("report-" + part + ".result"));
     EXPECT_EQ(bool(written), !fails) << part;
   }
   EXPECT_EQ(machine.memory.open_objects(), 0);
@@ -96,14 +97,15 @@ TEST_P(SamplePairs, AreCompared) {
   ASSERT_TRUE(utility.ReadVTR(second, list, yes));
   ASSERT_TRUE(utility.ReadVTR(first, list, no));
 
-  for (const auto& [part, name, report, compare] : kOperations) {
+  for (const Part& operations : document_parts()) {
+    const std::string part = operations.name;
     std::string wanted = file_bytes(SAMPLES "/expected/" + primary + "~" + secondary + "/compare-" + part + ".csv");
     replace(wanted, "@PRIMFNAME@", text::to_utf8(first));
     replace(wanted, "@SECFNAME@", text::to_utf8(second));
     replace(wanted, "@DATE@", "6/1/2004 2:11:05 PM");
     std::u16string path;
     const std::string result = SAMPLES "/expected/" + primary + "~" + secondary + "/compare-" + part + ".result";
-    EXPECT_EQ(bool((utility.*compare)(first, second, path)), !std::filesystem::exists(result)) << part;
+    EXPECT_EQ(bool((utility.*operations.compare)(first, second, path)), !std::filesystem::exists(result)) << part;
     EXPECT_EQ(machine.memory.files[path], wanted) << part;
     EXPECT_TRUE(path.starts_with(u"C:\\Data\\~tmp")) << text::to_utf8(path);
   }

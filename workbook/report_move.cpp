@@ -38,8 +38,12 @@ struct Session {
 
 }  // namespace
 
-void format_columns(Worksheet& sheet, const std::u16string& columns, const std::u16string& format) {
-  sheet.Columns()->Item(columns)->SetNumberFormat(format);
+void format_digits(Worksheet& sheet, std::u16string_view columns) {
+  if (!columns.empty()) sheet.Columns()->Item(std::u16string(columns))->SetNumberFormat(u"0");
+}
+
+void format_moment(Worksheet& sheet, std::u16string_view cell) {
+  if (!cell.empty()) sheet.GetRange(std::u16string(cell))->SetNumberFormat(u"m/d/yy h:mm AM/PM");
 }
 
 void align_left(Worksheet& sheet) { sheet.Columns()->SetHorizontalAlignment(kAlignLeft); }

@@ -16,13 +16,9 @@ struct ReportMove {
   const std::u16string& sheet_name;  // of the new sheet
 };
 
-// Date and time in the cells that hold a moment.
-inline constexpr const char16_t* kMomentFormat = u"m/d/yy h:mm AM/PM";
-// Whole digits.
-inline constexpr const char16_t* kDigitsFormat = u"0";
-
-// Sets the number format of columns ("B:F", "N").
-void format_columns(automation::Worksheet& sheet, const std::u16string& columns, const std::u16string& format);
+// Columns ("B:F", "N") show whole digits, a cell shows date and time. An empty address stands for none.
+void format_digits(automation::Worksheet& sheet, std::u16string_view columns);
+void format_moment(automation::Worksheet& sheet, std::u16string_view cell);
 // Aligns all columns to the left.
 void align_left(automation::Worksheet& sheet);
 

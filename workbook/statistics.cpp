@@ -2,13 +2,14 @@
 
 namespace trvtrout {
 
-std::optional<Failure> output_statistics(automation::Spreadsheet& spreadsheet, const ReportMove& move) {
+std::optional<Failure> output_statistics(automation::Spreadsheet& spreadsheet, const ReportMove& move,
+                                         const PartSheet* own) {
   return move_report(spreadsheet, move, [&](automation::Worksheet& sheet) {
-    format_columns(sheet, u"B:F", kDigitsFormat);
-    if (move.sheet_name == u"Fields") format_columns(sheet, u"N", kDigitsFormat);
+    format_digits(sheet, u"B:F");
+    if (own) format_digits(sheet, own->report_digits);
     align_left(sheet);
-    sheet.GetRange(u"B2")->SetNumberFormat(kMomentFormat);
-    if (move.sheet_name == u"Product") sheet.GetRange(u"C6")->SetNumberFormat(kMomentFormat);
+    format_moment(sheet, u"B2");
+    if (own) format_moment(sheet, own->report_moment);
     sheet.GetRange(u"A1")->Select();
   });
 }

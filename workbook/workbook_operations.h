@@ -4,32 +4,21 @@
 #include <functional>
 #include <optional>
 
+#include "workbook/part_sheet.h"
 #include "workbook/report_move.h"
 
 namespace trvtrout {
 
-// Moves a detail report into a sheet: XL_Output_Statistics.
-std::optional<Failure> output_statistics(automation::Spreadsheet& spreadsheet, const ReportMove& move);
+// Moves a detail report into a sheet: XL_Output_Statistics. `own`: what the sheet's name asks for, null if nothing.
+std::optional<Failure> output_statistics(automation::Spreadsheet& spreadsheet, const ReportMove& move,
+                                         const PartSheet* own);
 
-// A list of a document whose size tells how far a comparison's rows reach.
-enum class SizedList {
-  kIncludeFiles,
-  kModules,
-  kTree,
-  kTables,
-  kFields,
-  kLookups,
-  kControlTags,
-  kLanguages,
-  kDataSend,
-};
+// How many rows the items of a comparison take at the most. May raise.
+using CountRows = std::function<std::int64_t()>;
 
-// The size of a list of the primary or the `secondary` document; 0 for a list that doesn't hold together. May raise.
-using ListSize = std::function<std::int64_t(SizedList list, bool secondary)>;
-
-// Moves a comparison into a sheet: XL_Output_Compared. The labels are coloured when there is a `list_size`; it is
-// asked for nothing unless the sheet's name is that of a comparison.
+// Moves a comparison into a sheet: XL_Output_Compared. The labels are coloured when there are `item_rows`, which are
+// asked for only when there is an `own`.
 std::optional<Failure> output_compared(automation::Spreadsheet& spreadsheet, const ReportMove& move,
-                                       const ListSize& list_size);
+                                       const PartSheet* own, const CountRows& item_rows);
 
 }  // namespace trvtrout

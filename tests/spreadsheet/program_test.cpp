@@ -118,7 +118,7 @@ class Program : public testing::Test {
  protected:
   std::string error_of(const std::string& workbook, const std::u16string& sheet = u"New") {
     const std::u16string target = platform::class_path(workbook), report = platform::class_path(report_);
-    const auto failure = output_statistics(program_, {target, report, sheet});
+    const auto failure = output_statistics(program_, {target, report, sheet}, nullptr);
     return failure ? failure->what : "";
   }
   std::string make(const std::string& name, WorkbookFormat format = WorkbookFormat::kOoxml) {
