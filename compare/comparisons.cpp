@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "reports/naming.h"
+#include "services/guard.h"
 
 namespace trvtrout {
 namespace {
@@ -18,24 +18,24 @@ void write_head(ReportWriter& out, const ComparedDocuments& documents) {
 }  // namespace
 
 bool write_comparison(const HostServices& services, const Comparison& comparison, const ComparedDocuments& documents,
-                      std::u16string& report_path, ComparisonCounts& counts) {
+                      ReportFile& file, ComparisonCounts& counts) {
   counts = {};
   const std::u16string desc_name(comparison.desc_name);
   const OutputName secondary = GetReportFileName(services, documents.secondary_fname, desc_name, true);
   // The report bears the primary file's name. Of the secondary one only the base name is used: its path is dropped, and
   // so is what was answered about a file that stands there.
   const OutputName primary = GetReportFileName(services, documents.primary_fname, desc_name, true);
-  report_path = primary.path;
+  file.path = primary.path;
   if (primary.abandoned) return false;
 
-  const auto stream = create_report(services, primary, {&documents.primary_fname, &documents.secondary_fname});
-  ReportWriter out(*stream, services.locale);
+  file.create(services, primary, {&documents.primary_fname, &documents.secondary_fname});
+  ReportWriter out(*file.stream, services.locale);
   write_head(out, documents);
   const std::string primary_name = services.locale.Encode(primary.base_name.value_or(u""));
   const std::string secondary_name = services.locale.Encode(secondary.base_name.value_or(u""));
   ComparisonWriter writer(out, primary_name, secondary_name, counts);
   comparison.write(writer, documents.primary, documents.secondary);
-  stream->Close();
+  close(file.stream);
   return true;
 }
 

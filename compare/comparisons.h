@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "compare/comparison_writer.h"
+#include "reports/naming.h"
 #include "services/host_services.h"
 #include "vtrfile/document.h"
 
@@ -36,11 +37,11 @@ struct ComparedDocuments {
   const std::u16string& secondary_fname;
 };
 
-// Writes the report of `comparison` under the temporary name of the primary file; `report_path` gets its path as soon
-// as it is settled, `counts` the rows as they are written. False when the user abandoned it: nothing was touched then.
+// Writes the report of `comparison` under the temporary name of the primary file; `file` gets its path as soon as it
+// is settled, `counts` the rows as they are written. False when the user abandoned it: nothing was touched then.
 // Raises whatever keeps the report from being written to its end; the rows before it stay in the file.
 bool write_comparison(const HostServices& services, const Comparison& comparison, const ComparedDocuments& documents,
-                      std::u16string& report_path, ComparisonCounts& counts);
+                      ReportFile& file, ComparisonCounts& counts);
 
 // The keys that occur more than once in a document, each once, in the order of their first records.
 std::vector<std::string> repeated_keys(const Comparison& comparison, const vtrfile::GroupSlots& document);

@@ -13,12 +13,24 @@ thread_local vtrfile::Slot<vtrfile::SCHEMA_STRUCT_OLD1> SchemaOld;
 // The status lists are plain ASCII.
 std::u16string widen(std::string_view ascii) { return {ascii.begin(), ascii.end()}; }
 
-std::shared_ptr<const vtrfile::Image> load(const HostServices& services, const std::u16string& path) {
-  const auto file = services.files.OpenBinary(path);
-  services.message_loop.DoEvents();
-  auto image = std::make_shared<vtrfile::Image>(file->Size());
-  image->shorten(file->Read(image->writable()));
-  file->Close();
+// What the file delivers. A read error is where it ends, unless nothing came before.
+std::shared_ptr<const vtrfile::Image> image_of(BinaryFile& file) {
+  constexpr std::size_t kBlock = 65536;
+  auto image = std::make_shared<vtrfile::Image>(file.Size());
+  const std::span whole = image->writable();
+  std::size_t filled = 0;
+  std::string broken_off;
+  try {
+    while (filled < whole.size()) {
+      const std::size_t count = file.Read(whole.subspan(filled, std::min(kBlock, whole.size() - filled)));
+      if (count == 0) break;
+      filled += count;
+    }
+  } catch (const ServiceError& error) {
+    if (filled == 0) throw;
+    broken_off = error.what();
+  }
+  image->shorten(filled, broken_off);
   return image;
 }
 
@@ -42,26 +54,38 @@ void TarvelVtrOut_InOut::Store::warn_of_file_in_use(const std::u16string& path) 
   warn(u"Can not create file: " + path + u"\r\nFile is in use. Please close file and try again.");
 }
 
+void TarvelVtrOut_InOut::Store::warn_of_version() {
+  const std::u16string version = services.locale.Decode(current.Header->Version.bytes());
+  warn(u"Cannot open the VTR file. VTR Output does not support strcture version: " + version +
+       u"\r\nPlease send the file to Tarvel Software.");
+}
+
+bool TarvelVtrOut_InOut::Store::read(vtrfile::DocumentReader& reader, std::shared_ptr<const vtrfile::Image> image) {
+  try {
+    return reader.read(std::move(image));
+  } catch (const vtrfile::ReadError& error) {
+    damage = error;
+    throw;
+  }
+}
+
 Boolean TarvelVtrOut_InOut::ReadVTR(std::u16string& Fname, std::u16string& StructureList, Boolean& IsSecondary) {
   store_->damage.reset();
   store_->last_read = {};
   if (Fname.empty()) return store_->fail({.what = "no file was named"});
   vtrfile::DocumentReader reader(store_->current, IsSecondary ? store_->secondary : store_->primary, SchemaOld);
+  std::unique_ptr<BinaryFile> file;
   const Boolean result = guarded(
       [&] {
-        const auto image = load(store_->services, Fname);
-        try {
-          if (reader.read(image)) return True;
-        } catch (const vtrfile::ReadError& error) {
-          store_->damage = error;
-          throw;
-        }
-        const std::u16string version = store_->services.locale.Decode(store_->current.Header->Version.bytes());
-        store_->warn(u"Cannot open the VTR file. VTR Output does not support strcture version: " + version +
-                     u"\r\nPlease send the file to Tarvel Software.");
-        return store_->fail({.what = "the format version is not supported"});
+        file = store_->services.files.OpenBinary(Fname);
+        store_->services.message_loop.DoEvents();
+        const bool supported = store_->read(reader, image_of(*file));
+        if (!supported) store_->warn_of_version();
+        close(file);
+        return supported ? True : store_->fail({.what = "the format version is not supported"});
       },
       [&](const Failure& failure) {
+        close_failed(file);
         StructureList = widen(reader.structure_list());
         return store_->fail(failure);
       });
@@ -71,15 +95,9 @@ Boolean TarvelVtrOut_InOut::ReadVTR(std::u16string& Fname, std::u16string& Struc
 
 Boolean TarvelVtrOut_InOut::Store::write_report(const DetailReport& report, const std::u16string& fname,
                                                 std::u16string& report_path, Boolean is_temp, bool tells_user) {
-  return guarded(
-      [&] {
-        const bool written = write_detail_report(services, current, report, fname, bool(is_temp), report_path);
-        return written ? True : fail({.what = "the file that stands there was left as it is"});
-      },
-      [&](const Failure& failure) {
-        if (tells_user && failure.number == ErrorNumber::kFileHeld) warn_of_file_in_use(report_path);
-        return fail(failure);
-      });
+  return write_file(report_path, tells_user, [&](ReportFile& file) {
+    return write_detail_report(services, current, report, fname, bool(is_temp), file);
+  });
 }
 
 Boolean TarvelVtrOut_InOut::ASCII_Output_Product(std::u16string& Fname, std::u16string& ASCIIFname, Boolean& IsTemp) {

@@ -6,16 +6,10 @@ namespace trvtrout {
 Boolean TarvelVtrOut_InOut::Store::compare(const Comparison& comparison, const std::u16string& primary_fname,
                                            const std::u16string& secondary_fname, std::u16string& report_path) {
   last_comparison = &comparison;
-  return guarded(
-      [&] {
-        const ComparedDocuments documents{primary, secondary, primary_fname, secondary_fname};
-        const bool written = write_comparison(services, comparison, documents, report_path, counts);
-        return written ? True : fail({.what = "the file that stands there was left as it is"});
-      },
-      [&](const Failure& failure) {
-        if (failure.number == ErrorNumber::kFileHeld) warn_of_file_in_use(report_path);
-        return fail(failure);
-      });
+  return write_file(report_path, true, [&](ReportFile& file) {
+    const ComparedDocuments documents{primary, secondary, primary_fname, secondary_fname};
+    return write_comparison(services, comparison, documents, file, counts);
+  });
 }
 
 Boolean TarvelVtrOut_InOut::Compare_Product(std::u16string& PrimFname, std::u16string& SecFname,

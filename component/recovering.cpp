@@ -72,8 +72,7 @@ class Recovery {
     for (const ListId id : lists_of(section)) {
       const DocumentList& list = list_of(id);
       const bool holds = list.recount(slots_).ok;
-      // Nobody is told of hidden lookups that fail.
-      if (holds || id != ListId::kHiddenLookups) ((holds ? recovered_ : corrupted_) += list.structure) += kLineEnd;
+      ((holds ? recovered_ : corrupted_) += list.structure) += kLineEnd;
       if (holds) continue;
       if (list.empty) list.empty(slots_);
       return;
@@ -112,20 +111,22 @@ class Recovery {
 Boolean TarvelVtrOut_InOut::RecoverVTR(std::u16string& RecoveredFname, std::u16string& msgRecover) {
   const HostServices& services = store_->services;
   if (RecoveredFname.empty()) return store_->fail({.what = "no file was named"});
+  std::unique_ptr<BinaryOutput> file;
   return guarded(
       [&] {
-        const auto file = services.files.OpenBinaryOutput(RecoveredFname);
+        file = services.files.OpenBinaryOutput(RecoveredFname);
         services.message_loop.DoEvents();
         Recovery recovery(store_->current, *file, services.message_loop);
         const std::u16string moment = services.locale.GeneralDate(services.locale.Now());
         recovery.write_header(services.locale.Encode(RecoveredFname), services.locale.Encode(moment));
         for_each_section([&]<auto Member>(const Section<Member>&) { recovery.write_section<Member>(); });
         recovery.write_end();
-        file->Close();
+        close(file);
         msgRecover += u"\r\n" + recovery.account();
         return True;
       },
       [&](const Failure& failure) {
+        close_failed(file);
         store_->warn(u"File can not be recovered", u"VTR Output");
         return store_->fail(failure);
       });

@@ -8,6 +8,7 @@
 #include "reports/detail_reports.h"
 #include "services/guard.h"
 #include "vtrfile/document.h"
+#include "vtrfile/reader.h"
 
 namespace trvtrout {
 
@@ -20,11 +21,19 @@ struct TarvelVtrOut_InOut::Store {
   Boolean outcome(const std::optional<Failure>& failure) { return failure ? fail(*failure) : True; }
   void warn(const std::u16string& prompt, const std::u16string& title = u"VTR Output Warning");
   void warn_of_file_in_use(const std::u16string& path);
+  void warn_of_version();
+
+  // False when the version isn't supported. Raises ReadError, which is kept as the damage.
+  bool read(vtrfile::DocumentReader& reader, std::shared_ptr<const vtrfile::Image> image);
 
   Boolean write_report(const DetailReport& report, const std::u16string& fname, std::u16string& report_path,
                        Boolean is_temp, bool tells_user = false);
   Boolean compare(const Comparison& comparison, const std::u16string& primary_fname,
                   const std::u16string& secondary_fname, std::u16string& report_path);
+  // The frame of both: write(file) is False when the user left the file that stands at `report_path` as it is. A
+  // warning that is due comes before the file is closed.
+  template <class Write>
+  Boolean write_file(std::u16string& report_path, bool tells_user, Write&& write);
 
   HostServices services;
   vtrfile::DocumentSlots current;
@@ -36,5 +45,16 @@ struct TarvelVtrOut_InOut::Store {
   const Comparison* last_comparison = nullptr;
   ComparisonCounts counts;
 };
+
+template <class Write>
+Boolean TarvelVtrOut_InOut::Store::write_file(std::u16string& report_path, bool tells_user, Write&& write) {
+  ReportFile file{report_path};
+  return guarded([&] { return write(file) ? True : fail({.what = "the file that stands there was left as it is"}); },
+                 [&](const Failure& failure) {
+                   if (tells_user && failure.number == ErrorNumber::kFileHeld) warn_of_file_in_use(report_path);
+                   close_failed(file.stream);
+                   return fail(failure);
+                 });
+}
 
 }  // namespace trvtrout

@@ -71,11 +71,13 @@ std::string share(std::uint64_t part, std::uint64_t whole) {
 }
 
 void print(const KeptList& list, int indent, int width, bool whole) {
-  if (list.announced == 0 && list.kept == 0 && list.surplus == 0 && list.empty == 0) return;
+  const bool passed = list.test == ListTest::kPassed;
+  if (passed && list.announced == 0 && list.kept == 0 && list.surplus == 0 && list.empty == 0) return;
   const std::string margin(static_cast<std::size_t>(indent), ' ');
   std::cerr << margin << std::left << std::setw(width) << list.title << list.kept << " of " << number_of(list.announced)
             << " records";
   if (list.empty > 0) std::cerr << "; " << list.empty << " more slots are announced, and empty in the new file";
+  if (list.test == ListTest::kKept) std::cerr << "; fails its test, and is in the new file as it was read";
   std::cerr << '\n';
   if (list.surplus == 0) return;
   std::cerr << margin << std::setw(width) << "" << list.surplus << " more read behind the announced ones"
@@ -113,13 +115,16 @@ void print(const RecoveryAccount& account) {
   print_remarks(account);
 }
 
+constexpr const char* kTests[] = {"passed", "emptied", "kept"};
+
 Json to_json(const KeptPart& part) {
   Json lists = Json::object();
   for (const KeptList& list : part.lists) {
     lists[list.key] = {{"announced", list.announced ? Json(*list.announced) : Json()},
                        {"kept", list.kept},
                        {"surplus", list.surplus},
-                       {"empty", list.empty}};
+                       {"empty", list.empty},
+                       {"test", kTests[static_cast<std::size_t>(list.test)]}};
   }
   return {{"outcome", text_of(part.fate).key},
           {"bytesRead", part.read},

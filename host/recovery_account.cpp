@@ -15,7 +15,6 @@ using vtrfile::PartRead;
 
 constexpr std::string_view kSchema = kSection<&DocumentSlots::Schema>.tag;
 constexpr std::string_view kHidden = kSection<&DocumentSlots::Hidden>.tag;
-constexpr std::string_view kDataSend = kSection<&DocumentSlots::DataSend>.tag;
 
 // What the file says of the section that is called `name`.
 struct Found {
@@ -97,28 +96,33 @@ class Accountant {
     Fate fate = std::ranges::any_of(part.lists, has_fewer) ? Fate::kFewer : Fate::kWhole;
     if (found.last->carried == Carried::kPart) fate = Fate::kLeftBehind;
     if (found.records > 1) fate = Fate::kReplaced;
-    for (const vtrfile::DocumentList& list : vtrfile::document_lists()) {
-      if (list.section == part.name && !list.recount(before_).ok) {
-        if (list.recount(after_).ok) return Fate::kEmptied;
-        fate = Fate::kUnsound;
-      }
-    }
+    const auto met = [&](ListTest test) {
+      return std::ranges::find(part.lists, test, &KeptList::test) != part.lists.end();
+    };
+    if (met(ListTest::kEmptied)) return Fate::kEmptied;
+    if (met(ListTest::kKept)) fate = Fate::kUnsound;
     return found.last->whole ? fate : Fate::kPartlyRead;
   }
 
+  ListTest test(const vtrfile::DocumentList& list) const {
+    if (list.recount(before_).ok) return ListTest::kPassed;
+    return list.recount(after_).ok ? ListTest::kEmptied : ListTest::kKept;
+  }
+
   std::vector<KeptList> lists(std::string_view name, bool whole) const {
-    if (name == kDataSend) {
-      const auto &before = *before_.DataSend, &after = *after_.DataSend;
-      return {
-          kept_list("Definitions", "definitions", vtrfile::definition_records(before),
-                    vtrfile::definition_records(after), whole),
-          kept_list("Nodes", "nodes", vtrfile::node_records(before), vtrfile::node_records(after), whole),
-      };
-    }
     std::vector<KeptList> lists;
     for (const vtrfile::DocumentList& list : vtrfile::document_lists()) {
       if (list.section != name) continue;
-      lists.push_back(kept_list(list.title, list.key, list.records(before_), list.records(after_), whole));
+      const std::size_t first = lists.size();
+      if (list.id == vtrfile::ListId::kDataSend) {
+        const auto &before = *before_.DataSend, &after = *after_.DataSend;
+        lists.push_back(kept_list("Definitions", "definitions", vtrfile::definition_records(before),
+                                  vtrfile::definition_records(after), whole));
+        lists.push_back(kept_list("Nodes", "nodes", list.records(before_), list.records(after_), whole));
+      } else {
+        lists.push_back(kept_list(list.title, list.key, list.records(before_), list.records(after_), whole));
+      }
+      for (std::size_t at = first; at < lists.size(); ++at) lists[at].test = test(list);
     }
     return lists;
   }

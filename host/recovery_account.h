@@ -31,6 +31,9 @@ struct FateText {
 };
 FateText text_of(Fate fate);
 
+// Whether a list holds together, and what a recovery did with one that doesn't.
+enum class ListTest { kPassed, kEmptied, kKept };
+
 // The records of one list.
 struct KeptList {
   const char* title;
@@ -39,6 +42,7 @@ struct KeptList {
   std::int64_t kept = 0;                  // of those announced
   std::int64_t surplus = 0;               // kept beyond those; of a broken list perhaps what stood behind it
   std::int64_t empty = 0;                 // announced behind the end of the file, and empty in the new one
+  ListTest test = ListTest::kPassed;
 };
 
 struct KeptPart {

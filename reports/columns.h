@@ -1,6 +1,8 @@
 #pragma once
 
 #include <array>
+#include <bit>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -27,6 +29,15 @@ enum class Mark {
   kReportOnly,  // not in a comparison
 };
 
+// Whether two stored values are the same. A number that is none differs from itself; then the bits tell.
+template <class Value>
+bool same_value(const Value& one, const Value& other) {
+  return one == other;
+}
+inline bool same_value(float one, float other) {
+  return one == other || std::bit_cast<std::uint32_t>(one) == std::bit_cast<std::uint32_t>(other);
+}
+
 template <class Item>
 struct Column {
   std::string_view head;
@@ -40,7 +51,9 @@ struct Column {
 template <class Item, auto Member, Form form = Form::kAsStored>
 constexpr Column<Item> column(std::string_view head, Mark mark = Mark::kCompared) {
   return {head, [](std::string& row, const Item& item) { append_cell(row, std::invoke(Member, item), form); },
-          [](const Item& one, const Item& other) { return std::invoke(Member, one) == std::invoke(Member, other); },
+          [](const Item& one, const Item& other) {
+            return same_value(std::invoke(Member, one), std::invoke(Member, other));
+          },
           mark};
 }
 

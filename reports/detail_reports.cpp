@@ -1,6 +1,6 @@
 #include "reports/detail_reports.h"
 
-#include "reports/naming.h"
+#include "services/guard.h"
 
 namespace trvtrout {
 namespace {
@@ -16,16 +16,16 @@ void write_head(ReportWriter& out, const std::u16string& fname) {
 }  // namespace
 
 bool write_detail_report(const HostServices& services, const DocumentSlots& document, const DetailReport& report,
-                         const std::u16string& fname, bool is_temp, std::u16string& report_path) {
+                         const std::u16string& fname, bool is_temp, ReportFile& file) {
   const OutputName name = GetReportFileName(services, fname, std::u16string(report.desc_name), is_temp);
-  report_path = name.path;
+  file.path = name.path;
   if (name.abandoned) return false;
 
-  const auto stream = create_report(services, name, {&fname});
-  ReportWriter out(*stream, services.locale);
+  file.create(services, name, {&fname});
+  ReportWriter out(*file.stream, services.locale);
   write_head(out, fname);
   report.write(out, document);
-  stream->Close();
+  close(file.stream);
   return true;
 }
 

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "reports/naming.h"
 #include "reports/report_frame.h"
 #include "services/host_services.h"
 #include "vtrfile/document.h"
@@ -25,11 +26,10 @@ extern const DetailReport kControlTagReport;
 extern const DetailReport kLanguageReport;
 extern const DetailReport kDataSendReport;
 
-// Writes `report` on `document`, which was read from `fname`, to a file named after both; `report_path` gets the file's
-// path as soon as it is settled. False when the user abandoned it: nothing was touched then. Raises whatever keeps the
+// Writes `report` on `document`, which was read from `fname`, to a file named after both; `file` gets its path as soon
+// as it is settled. False when the user abandoned it: nothing was touched then. Raises whatever keeps the
 // report from being written to its end; the rows before it stay in the file.
 bool write_detail_report(const HostServices& services, const vtrfile::DocumentSlots& document,
-                         const DetailReport& report, const std::u16string& fname, bool is_temp,
-                         std::u16string& report_path);
+                         const DetailReport& report, const std::u16string& fname, bool is_temp, ReportFile& file);
 
 }  // namespace trvtrout

@@ -65,15 +65,15 @@ std::u16string_view extension_of(std::u16string_view desc_name) {
 
 }  // namespace
 
-std::unique_ptr<TextStream> create_report(const HostServices& services, const OutputName& name,
-                                          std::initializer_list<const std::u16string*> sources) {
+void ReportFile::create(const HostServices& services, const OutputName& name,
+                        std::initializer_list<const std::u16string*> sources) {
   if (name.path.empty()) throw std::invalid_argument(name.failure);
   for (const std::u16string* source : sources) {
     if (name.path == *source || services.files.SameFile(name.path, *source)) {
       throw std::invalid_argument("that is the document itself, which is never written over");
     }
   }
-  return services.files.CreateFileSystemObject()->CreateTextFile(name.path, true, false);
+  stream = services.files.CreateFileSystemObject()->CreateTextFile(name.path, true, false);
 }
 
 OutputName GetReportFileName(const HostServices& services, const std::u16string& fname, const std::u16string& desc_name,

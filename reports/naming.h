@@ -20,10 +20,16 @@ struct OutputName {
   bool asked = false;   // a file stood there, and the user has agreed to this path or chosen another
 };
 
-// Creates the text file of a report under a settled name. Raises ServiceError and what keeps a name from being used: it
-// must not be empty, nor be one of the documents at `sources`, which are never written over.
-std::unique_ptr<TextStream> create_report(const HostServices& services, const OutputName& name,
-                                          std::initializer_list<const std::u16string*> sources);
+// The file of a report that an operation writes.
+struct ReportFile {
+  std::u16string& path;
+  std::unique_ptr<TextStream> stream = nullptr;  // still open when writing to it raised
+
+  // Creates the file under a settled name. Raises ServiceError and what keeps a name from being used: it must not be
+  // empty, nor be one of the documents at `sources`, which are never written over.
+  void create(const HostServices& services, const OutputName& name,
+              std::initializer_list<const std::u16string*> sources);
+};
 
 // The path of a report on the file `fname`: beside it, named after it, `desc_name` and (not `is_temp`) the moment. Asks
 // about an existing file; after No the path is what the save dialog gave, unchanged. Raises nothing: an `fname` without

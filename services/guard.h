@@ -1,6 +1,7 @@
 #pragma once
 
 #include <exception>
+#include <memory>
 #include <new>
 #include <string>
 #include <utility>
@@ -28,6 +29,18 @@ auto guarded(Body&& body, Failed&& failed) -> decltype(body()) {
   } catch (const std::exception& error) {
     return std::forward<Failed>(failed)(Failure{ErrorNumber::kNone, error.what()});
   }
+}
+
+// Closes a file or stream at the end of the work on it. Raises what its Close raises.
+template <class Opened>
+void close(std::unique_ptr<Opened>& opened) {
+  std::exchange(opened, nullptr)->Close();
+}
+
+// Closes what is still open where an operation fails, whatever comes of it.
+template <class Opened>
+void close_failed(std::unique_ptr<Opened>& opened) {
+  if (opened) guarded([&] { return close(opened), true; }, [](const Failure&) { return false; });
 }
 
 }  // namespace trvtrout

@@ -65,8 +65,8 @@ class BinaryFile {
   virtual ~BinaryFile() = default;
   // Length in bytes. Raises ServiceError.
   virtual std::uint64_t Size() = 0;
-  // Fills `into` from the file and returns how many bytes came; fewer than asked only at the end of the file.
-  // Raises ServiceError.
+  // Fills `into` from the file and returns how many bytes came: fewer than asked at the end of the file, or in front of
+  // what can't be read, for which the next call raises ServiceError.
   virtual std::size_t Read(std::span<unsigned char> into) = 0;
   // Raises ServiceError.
   virtual void Close() = 0;
@@ -144,7 +144,7 @@ class Locale {
   virtual std::u16string GeneralDate(Date date) = 0;
   // "d-mmm-yy hh:mm AM/PM", the colon included (1-Jun-04 02:11 PM).
   virtual std::u16string StampDate(Date date) = 0;
-  // A date in the general form or in ISO form; nothing for any other text.
+  // The date, time or both that a text spells in a form of the machine's settings; nothing for any other text.
   virtual std::optional<Date> ParseDate(const std::u16string& text) = 0;
   // Text to bytes of the code page; what it can't express becomes "?".
   virtual std::string Encode(const std::u16string& text) = 0;

@@ -146,7 +146,7 @@ TEST_F(Recover, EmptiesAndListsWhatFailsItsTest) {
       {"tables", file("Schema", no_tables), "Schema", true, "TABLES_STRUCT FIELDS_STRUCT ", "TABLES_STRUCT "},
       {"fields", file("Schema", no_fields), "Schema", false, "FIELDS_STRUCT ", "FIELDS_STRUCT "},
       {"hidden lookups", file("Hidden", hidden_lookups), "Hidden", false,
-       "HIDEFIELDS_STRUCT HIDETABLES_STRUCT HIDDEN_FIELDS_STRUCT ", ""},
+       "HIDEFIELDS_STRUCT HIDETABLES_STRUCT HIDDEN_FIELDS_STRUCT ", "HIDEFIELDS_STRUCT "},
       {"hidden tables", file("Hidden", hidden_tables), "Hidden", true, "HIDETABLES_STRUCT HIDDEN_FIELDS_STRUCT ",
        "HIDETABLES_STRUCT "},
       {"hidden fields", file("Hidden", hidden_fields), "Hidden", false, "HIDDEN_FIELDS_STRUCT ",

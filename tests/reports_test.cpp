@@ -244,6 +244,26 @@ TEST_F(Reports, ReadingReportsWhatCanNotBeOpened) {
             u"Tarvel Software.");
 }
 
+// A box comes while the file that it is about is still open, and a failing path closes what it opened.
+TEST_F(Reports, BoxesComeBeforeTheFileIsClosed) {
+  std::vector<int> open;
+  machine.message_box.on_show = [&] { open.push_back(machine.memory.open_objects()); };
+  std::u16string fname = u"later.vtr", list;
+  Boolean no = False;
+  machine.memory.files[fname] = FileBuilder("01.02.01").with_end();
+  EXPECT_FALSE(utility.ReadVTR(fname, list, no));
+  EXPECT_EQ(open, std::vector{1});
+
+  // The stream of the product report is taken away while it is written.
+  open.clear();
+  machine.memory.taken_at_write = 3;
+  EXPECT_FALSE(write(&TarvelVtrOut_InOut::ASCII_Output_Product, u"Plant.VTR"));
+  EXPECT_EQ(open, std::vector{1});
+  EXPECT_EQ(machine.memory.closed, 2) << "the document and the report";
+  machine.memory.taken_at_write = 0;
+  EXPECT_EQ(machine.memory.open_objects(), 0);
+}
+
 // Each file call in turn fails: the operation says so, lets everything go, and what stood there before still stands.
 TEST_F(Reports, SurviveAFaultInAnyFileCall) {
   const std::string document = sample("plant.vtr");

@@ -1,14 +1,17 @@
 #include "vtrfile/image.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace trvtrout::vtrfile {
 
-Image::Image(std::size_t size) : bytes_(std::make_unique_for_overwrite<unsigned char[]>(size + kSlack)), size_(size) {
+Image::Image(std::size_t size)
+    : bytes_(std::make_unique_for_overwrite<unsigned char[]>(size + kSlack)), size_(size), file_size_(size) {
   std::fill_n(bytes_.get() + size, kSlack, static_cast<unsigned char>(0));
 }
 
-void Image::shorten(std::size_t size) noexcept {
+void Image::shorten(std::size_t size, std::string broken_off) noexcept {
+  broken_off_ = std::move(broken_off);
   size_ = size;
   std::fill_n(bytes_.get() + size, kSlack, static_cast<unsigned char>(0));
 }

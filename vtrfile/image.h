@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <memory>
 #include <span>
+#include <string>
 
 namespace trvtrout::vtrfile {
 
@@ -17,8 +18,13 @@ class Image {
   explicit Image(std::size_t size);
 
   std::span<unsigned char> writable() noexcept { return {bytes_.get(), size_}; }
-  // Keeps the first `size` bytes, where the file turned out to be shorter; before anybody reads the image.
-  void shorten(std::size_t size) noexcept;
+  // Keeps the first `size` bytes, where the file turned out to be shorter or couldn't be read further, for which
+  // `broken_off` gives the reason; before anybody reads the image.
+  void shorten(std::size_t size, std::string broken_off = {}) noexcept;
+  // Why the file couldn't be read to its end, for people; empty when it was.
+  const std::string& broken_off() const noexcept { return broken_off_; }
+  // Bytes of the file, those that couldn't be read included.
+  std::size_t file_size() const noexcept { return broken_off_.empty() ? size_ : file_size_; }
   const unsigned char* begin() const noexcept { return bytes_.get(); }
   const unsigned char* end() const noexcept { return bytes_.get() + size_; }
   std::size_t size() const noexcept { return size_; }
@@ -26,6 +32,8 @@ class Image {
  private:
   std::unique_ptr<unsigned char[]> bytes_;
   std::size_t size_;
+  std::size_t file_size_;
+  std::string broken_off_;
 };
 
 // An image that holds a copy of `bytes`.

@@ -49,6 +49,12 @@ std::string shown(std::string_view tag) {
   return '"' + text + (tag.size() > kMost ? "...\"" : "\"");
 }
 
+// The error stands in the tag with this number, counted from 1.
+void enter_tag(ReadError& error, int number) {
+  error.enter(static_cast<std::uint64_t>(number));
+  error.enter("SectionTag");
+}
+
 }  // namespace
 
 struct DocumentReader::KnownSection : SectionName {
@@ -74,7 +80,7 @@ DocumentReader::DocumentReader(DocumentSlots& current, GroupSlots& group, Slot<S
 
 bool DocumentReader::read(std::shared_ptr<const Image> image) {
   image_ = std::move(image);
-  met_.bytes = image_->size();
+  met_.bytes = image_->file_size();
   records_ = std::make_unique<RecordReader>(*image_);
   read_part({.name = PartRead::kHeader}, [this] { read_records(current_.Header, 1); });
   (read_list_ += kHeaderName) += kLineEnd;
@@ -93,7 +99,7 @@ bool DocumentReader::read(std::shared_ptr<const Image> image) {
 void DocumentReader::read_sections(bool old_format) {
   for (int number = 1; number <= kMaxTags; ++number) {
     const std::uint64_t offset = records_->offset();
-    const std::string_view tag = next_tag();
+    const std::string_view tag = next_tag(number);
     if (tag == kEndTag) {
       read_part(part_behind_tag(kEndTag, offset), [] {});
       (read_list_ += kEndTag) += kLineEnd;
@@ -136,10 +142,15 @@ void DocumentReader::read_part(PartRead part, Read&& read) {
   if (records_->cut()) met_.parts.back().whole = false;
 }
 
-std::string_view DocumentReader::next_tag() {
+std::string_view DocumentReader::next_tag(int number) {
   // What the end of the file left of one tag's name may be the name of another.
   tag_is_cut_ = records_->at_end() || records_->next_text_is_cut();
-  read_record(current_.SectionTag);
+  try {
+    read_record(current_.SectionTag);
+  } catch (ReadError& error) {
+    enter_tag(error, number);
+    throw;
+  }
   return tag_is_cut_ ? std::string_view() : current_.SectionTag->Tag.bytes();
 }
 
@@ -209,8 +220,7 @@ void DocumentReader::enter_unknown_tag(int number, std::uint64_t offset) {
                                 : shown(current_.SectionTag->Tag.bytes()) + " where the tag of a section was due";
   if (!astray_) {
     astray_.emplace(offset, found, ReadError::Cause::kOutOfStep);
-    astray_->enter(static_cast<std::uint64_t>(number));
-    astray_->enter("SectionTag");
+    enter_tag(*astray_, number);
     astray_->read_since(met_.parts.back().begin);
   }
   if (tag_is_cut_) return;
@@ -221,8 +231,7 @@ void DocumentReader::enter_unknown_tag(int number, std::uint64_t offset) {
 void DocumentReader::give_up() {
   if (!astray_) {
     astray_.emplace(records_->offset(), "more than " + std::to_string(kMaxTags) + " section tags");
-    astray_->enter(std::uint64_t{kMaxTags} + 1);
-    astray_->enter("SectionTag");
+    enter_tag(*astray_, kMaxTags + 1);
   }
   throw *astray_;
 }

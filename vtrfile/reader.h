@@ -51,7 +51,7 @@ class DocumentReader {
   template <class Record>
   void read_record(Slot<Record>& slot);
   void read_sections(bool old_format);
-  std::string_view next_tag();
+  std::string_view next_tag(int number);
   void account(const KnownSection& section, bool old_format);
   void enter_unknown_tag(int number, std::uint64_t offset);
   PartRead part_behind_tag(std::string_view name, std::uint64_t begin) const;

@@ -14,10 +14,17 @@ constexpr Allowance kAllowancePerByte = 2;
 
 RecordReader::RecordReader(const Image& image, std::string_view version) noexcept
     : version_(version),
+      image_(image),
       begin_(image.begin()),
       end_(image.end()),
       at_(image.begin()),
       allowance_(kAllowance + kAllowancePerByte * image.size()) {}
+
+RecordReader::Place RecordReader::cut_end() {
+  cut_ = true;
+  if (!image_.broken_off().empty()) throw ReadError(offset_of(end_), image_.broken_off());
+  return end_;
+}
 
 unsigned char* RecordReader::new_bytes(std::size_t size) {
   return static_cast<unsigned char*>(memory_->allocate(size, 1));

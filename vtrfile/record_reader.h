@@ -15,9 +15,9 @@ namespace trvtrout::vtrfile {
 // Reads records from an image, one behind the other. Every count and length in the image is hostile: whatever the
 // bytes are, reading takes time and memory linear in the image's size.
 //
-// A value behind the end of the image is empty or 0, and no error. A value that the end cuts: a text keeps the bytes
-// that are there, a number or raw run is 0, a variant is Empty, an array keeps its announced length with the elements
-// that are there.
+// An image that was broken off ends in a ReadError. Elsewhere a value behind the end of the image is empty or 0, and no
+// error. A value that the end cuts: a text keeps the bytes that are there, a number or raw run is 0, a variant is
+// Empty, an array keeps its announced length with the elements that are there.
 class RecordReader {
  public:
   // `image` must outlive the reader and all records read, `version`, the one of the file, the reader.
@@ -65,16 +65,14 @@ class RecordReader {
   // Takes what elements behind the end of the file would take there off the allowance; False when it isn't enough.
   bool allow(std::uint64_t missing, std::size_t least_bytes) noexcept;
 
-  // Where reading goes on behind a value that the end of the image cuts.
-  Place cut_end() noexcept {
-    cut_ = true;
-    return end_;
-  }
+  // Where reading goes on behind a value that the end of the image cuts. Raises ReadError where the file didn't end.
+  Place cut_end();
   std::uint64_t offset_of(Place at) const noexcept { return static_cast<std::uint64_t>(at - begin_); }
   std::size_t left(Place at) const noexcept { return static_cast<std::size_t>(end_ - at); }
   unsigned char* new_bytes(std::size_t size);
 
   std::string_view version_;
+  const Image& image_;
   Place begin_;
   Place end_;
   Place at_;

@@ -180,11 +180,11 @@ RecordReader::Place RecordReader::array(Place at, Array<Element>& into) {
   const std::size_t room = std::min<std::size_t>(count, left(at) / least_bytes<Element>() + 1);
   try {
     at = elements<Element>(at, *block, static_cast<std::uint32_t>(room));
+    if (block->stored < block->count) cut_end();
   } catch (ReadError&) {
     if (!allow(block->count - block->stored, least_bytes<Element>())) block->count = block->stored;
     throw;
   }
-  if (block->stored < block->count) cut_ = true;
   if (!allow(block->count - block->stored, least_bytes<Element>())) {
     block->count = block->stored;
     throw ReadError(

@@ -15,6 +15,9 @@
 namespace trvtrout::platform {
 namespace {
 
+// Beside the machine's own: the file isn't there, and its folder keeps it from being made or seen.
+constexpr int kFolderRefuses = -1;
+
 struct ErrorRow {
   int error;
   ErrorNumber number;
@@ -27,7 +30,8 @@ constexpr ErrorRow kErrors[] = {
     {EAGAIN, ErrorNumber::kFileHeld, "it's held by another program"},
     {EACCES, ErrorNumber::kFileHeld, nullptr},
     {EPERM, ErrorNumber::kFileHeld, nullptr},
-    {EROFS, ErrorNumber::kFileHeld, nullptr},
+    {kFolderRefuses, ErrorNumber::kPathAccess, "the rights to its folder are missing"},
+    {EROFS, ErrorNumber::kPathAccess, "its file system can't be written"},
     {ETXTBSY, ErrorNumber::kFileHeld, "it's a program that is running"},
     {EBUSY, ErrorNumber::kFileHeld, nullptr},
     {EISDIR, ErrorNumber::kFileExists, "a folder has that name"},
@@ -79,6 +83,12 @@ int lock_error() {
   return held ? EAGAIN : no_locks_here ? 0 : errno;
 }
 
+int opening_error(int error, const std::string& path) {
+  struct stat status {};
+  const bool refused = error == EACCES || error == EPERM;
+  return refused && lstat(path.c_str(), &status) != 0 ? kFolderRefuses : error;
+}
+
 // The two kinds of lock don't see each other, and programs use either.
 int lock(int descriptor, Access access) {
   const bool reading = access == Access::kRead;
@@ -108,7 +118,7 @@ FileHandle::FileHandle(const std::string& path, const char* verb, Access access,
     : path_(told_as.empty() ? path : told_as), verb_(verb) {
   if (path.find('\0') != std::string::npos) raise(EILSEQ);
   descriptor_ = open_descriptor(path, access, creation);
-  if (descriptor_ < 0) raise(errno);
+  if (descriptor_ < 0) raise(opening_error(errno, path));
   int error = regular_file_error(descriptor_);
   if (error == 0) error = lock(descriptor_, access);
   if (error == 0) return;
@@ -133,7 +143,10 @@ void FileHandle::rewind() const {
 
 std::string FileHandle::read_rest() const {
   std::string bytes(size(), '\0');
-  bytes.resize(read({reinterpret_cast<unsigned char*>(bytes.data()), bytes.size()}));
+  const std::span whole(reinterpret_cast<unsigned char*>(bytes.data()), bytes.size());
+  std::size_t filled = 0;
+  while (const std::size_t count = read(whole.subspan(filled))) filled += count;
+  bytes.resize(filled);
   return bytes;
 }
 
@@ -145,6 +158,7 @@ std::size_t FileHandle::read(std::span<unsigned char> into) const {
     if (count > 0) {
       filled += static_cast<std::size_t>(count);
     } else if (errno != EINTR) {
+      if (filled > 0) break;  // what came counts; the next call tells
       raise(errno);
     }
   }

@@ -25,7 +25,8 @@ class FileHandle {
 
   // Length in bytes. Raises ServiceError.
   std::uint64_t size() const;
-  // Returns fewer bytes than asked only at the end of the file. Raises ServiceError.
+  // Returns fewer bytes than asked at the end of the file, or in front of what can't be read, for which the next call
+  // raises ServiceError.
   std::size_t read(std::span<unsigned char> into) const;
   // The next read begins at the first byte. Raises ServiceError.
   void rewind() const;

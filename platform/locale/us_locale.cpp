@@ -20,6 +20,9 @@ constexpr int kFirstDay = -657434;  // 1 January 100
 constexpr int kLastDay = 2958465;   // 31 December 9999
 constexpr int kSecondsInDay = 24 * 60 * 60;
 
+constexpr std::array<std::string_view, 12> kMonthNames = {"JANUARY",   "FEBRUARY", "MARCH",    "APRIL",
+                                                          "MAY",       "JUNE",     "JULY",     "AUGUST",
+                                                          "SEPTEMBER", "OCTOBER",  "NOVEMBER", "DECEMBER"};
 constexpr std::array<const char*, 12> kMonths = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
                                                  "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
@@ -87,89 +90,136 @@ std::string stamp_text(const Moment& moment) {
          two_digits(moment.minute()) + half_of_day(moment);
 }
 
-struct Time {
-  int hour = 0;
-  int minute = 0;
-  int second = 0;
+// How a text spells a date: which of its three parts is which.
+using Order = std::array<int, 3>;  // places of year, month and day
+constexpr Order kMonthDayYear = {2, 0, 1}, kDayMonthYear = {2, 1, 0}, kYearMonthDay = {0, 1, 2};
 
-  std::optional<int> second_of_day() const {
-    if (hour > 23 || minute > 59 || second > 59) return std::nullopt;
-    return (hour * 60 + minute) * 60 + second;
-  }
+struct Number {
+  int value = 0;
+  std::size_t digits = 0;
 };
 
-// h:mm or h:mm:ss, the hour with `hour_digits` digits at least.
-std::optional<Time> take_time(Scanner& scanner, std::size_t hour_digits) {
-  Time time;
-  if (!scanner.take_number(hour_digits, 2, time.hour) || !scanner.take(':')) return std::nullopt;
-  if (!scanner.take_number(2, 2, time.minute)) return std::nullopt;
-  if (scanner.take(':') && !scanner.take_number(2, 2, time.second)) return std::nullopt;
-  return time;
+bool take_number(Scanner& scanner, Number& number) {
+  number.digits = scanner.take_number(1, 4, number.value);
+  return number.digits != 0;
 }
 
-std::optional<int> take_general_time(Scanner& scanner) {
-  std::optional<Time> time = take_time(scanner, 1);
-  if (!time) return std::nullopt;
-  scanner.take_blanks();
-  const bool morning = scanner.take('A');
-  const bool afternoon = !morning && scanner.take('P');
-  if (morning || afternoon) {
-    if (!scanner.take('M') || time->hour < 1 || time->hour > 12) return std::nullopt;
-    time->hour = time->hour % 12 + (afternoon ? 12 : 0);
+// Two digits are a year of this century or the last one, four are the year itself.
+std::optional<int> year_of(const Number& number) {
+  if (number.digits == 4) return number.value;
+  return number.digits <= 2 ? std::optional(text::year_of_two_digits(number.value)) : std::nullopt;
+}
+
+bool take_month_name(Scanner& scanner, int& month) {
+  for (std::size_t index = 0; index < kMonths.size(); ++index) {
+    if (!scanner.take_word(kMonthNames[index]) && !scanner.take_word(kMonthNames[index].substr(0, 3))) continue;
+    month = static_cast<int>(index) + 1;
+    return true;
   }
-  return time->second_of_day();
+  return false;
 }
 
-std::optional<int> take_iso_time(Scanner& scanner) {
-  const std::optional<Time> time = take_time(scanner, 2);
-  if (!time) return std::nullopt;
-  if (scanner.take('.') && scanner.take_digits().empty()) return std::nullopt;
-  scanner.take('Z');
-  return time->second_of_day();
+// What may stand between the parts of a date: a mark, blanks, or both.
+bool take_separator(Scanner& scanner, std::string_view marks) {
+  const bool blanks = scanner.take_blanks();
+  for (const char mark : marks) {
+    if (!scanner.take(mark)) continue;
+    scanner.take_blanks();
+    return true;
+  }
+  return blanks;
 }
 
-std::optional<int> take_general_date(Scanner& scanner) {
+std::optional<int> day_of(const std::array<Number, 3>& parts, const Order& order) {
+  const auto [year_at, month_at, day_at] = order;
+  const auto at = [&](int place) -> const Number& { return parts[static_cast<std::size_t>(place)]; };
+  const auto year = year_of(at(year_at));
+  if (!year || at(month_at).digits > 2 || at(day_at).digits > 2) return std::nullopt;
+  return day_number(*year, at(month_at).value, at(day_at).value);
+}
+
+// 6/2/2004, 6-2-2004; 13/6/2004, which has no thirteenth month; 2004/06/02.
+std::optional<int> take_digits_date(Scanner& scanner) {
+  std::array<Number, 3> parts;
+  if (!take_number(scanner, parts[0])) return std::nullopt;
+  const char mark = scanner.take('/') ? '/' : '-';
+  if (mark == '-' && !scanner.take('-')) return std::nullopt;
+  if (!take_number(scanner, parts[1]) || !scanner.take(mark) || !take_number(scanner, parts[2])) return std::nullopt;
+  if (parts[0].digits == 4) return day_of(parts, kYearMonthDay);
+  const auto usual = day_of(parts, kMonthDayYear);
+  return usual ? usual : day_of(parts, kDayMonthYear);
+}
+
+// 2-Jun-2004, 2 June 2004.
+std::optional<int> take_day_first(Scanner& scanner) {
+  Number day, year;
   int month = 0;
-  int day = 0;
-  int year = 0;
-  if (!scanner.take_number(1, 2, month) || !scanner.take('/')) return std::nullopt;
-  if (!scanner.take_number(1, 2, day) || !scanner.take('/')) return std::nullopt;
-  const std::size_t digits = scanner.take_number(2, 4, year);
-  if (digits == 0) return std::nullopt;
-  if (digits == 2) year = text::year_of_two_digits(year);
-  return day_number(year, month, day);
+  if (!take_number(scanner, day) || day.digits > 2 || !take_separator(scanner, "-/")) return std::nullopt;
+  if (!take_month_name(scanner, month) || !take_separator(scanner, "-/,")) return std::nullopt;
+  if (!take_number(scanner, year) || !year_of(year)) return std::nullopt;
+  return day_number(*year_of(year), month, day.value);
 }
 
-std::optional<int> take_iso_date(Scanner& scanner) {
-  int year = 0;
+// June 2, 2004; Jun-2-2004.
+std::optional<int> take_month_first(Scanner& scanner) {
+  Number day, year;
   int month = 0;
-  int day = 0;
-  if (!scanner.take_number(4, 4, year) || !scanner.take('-')) return std::nullopt;
-  if (!scanner.take_number(2, 2, month) || !scanner.take('-')) return std::nullopt;
-  if (!scanner.take_number(2, 2, day)) return std::nullopt;
-  return day_number(year, month, day);
+  if (!take_month_name(scanner, month) || !take_separator(scanner, "-/")) return std::nullopt;
+  if (!take_number(scanner, day) || day.digits > 2 || !take_separator(scanner, "-/,")) return std::nullopt;
+  if (!take_number(scanner, year) || !year_of(year)) return std::nullopt;
+  return day_number(*year_of(year), month, day.value);
 }
 
-std::optional<Moment> parse_general(Scanner scanner) {
-  Scanner time_alone = scanner;
-  if (const auto second = take_general_time(time_alone); second && time_alone.at_end()) return Moment{0, *second};
-  const auto day = take_general_date(scanner);
-  if (!day) return std::nullopt;
-  if (scanner.at_end()) return Moment{*day, 0};
-  if (!scanner.take_blanks()) return std::nullopt;
-  const auto second = take_general_time(scanner);
-  if (!second || !scanner.at_end()) return std::nullopt;
-  return Moment{*day, *second};
+constexpr std::array kDateForms = {take_digits_date, take_day_first, take_month_first};
+
+std::optional<int> take_date(Scanner& scanner) {
+  for (const auto form : kDateForms) {
+    Scanner ahead = scanner;
+    const auto day = form(ahead);
+    if (!day) continue;
+    scanner = ahead;
+    return day;
+  }
+  return std::nullopt;
 }
 
-std::optional<Moment> parse_iso(Scanner scanner) {
-  const auto day = take_iso_date(scanner);
-  if (!day) return std::nullopt;
-  if (scanner.at_end()) return Moment{*day, 0};
-  if (!scanner.take('T') && !scanner.take(' ')) return std::nullopt;
-  const auto second = take_iso_time(scanner);
-  if (!second || !scanner.at_end()) return std::nullopt;
-  return Moment{*day, *second};
+// h:mm or h:mm:ss, with AM or PM or on the clock of 24 hours; with AM or PM the hour alone is enough.
+std::optional<int> take_time(Scanner& scanner) {
+  int hour = 0, minute = 0, second = 0;
+  if (!scanner.take_number(1, 2, hour)) return std::nullopt;
+  const bool minutes = scanner.take(':');
+  if (minutes && !scanner.take_number(1, 2, minute)) return std::nullopt;
+  if (minutes && scanner.take(':') && !scanner.take_number(1, 2, second)) return std::nullopt;
+  Scanner behind = scanner;
+  behind.take_blanks();
+  const bool afternoon = behind.take_word("PM");
+  if (afternoon || behind.take_word("AM")) {
+    if (hour < 1 || hour > 12) return std::nullopt;
+    hour = hour % 12 + (afternoon ? 12 : 0);
+    scanner = behind;
+  } else if (!minutes) {
+    return std::nullopt;
+  }
+  if (hour > 23 || minute > 59 || second > 59) return std::nullopt;
+  return (hour * 60 + minute) * 60 + second;
+}
+
+// A date, a time, or both in either order.
+std::optional<Moment> parse_moment(Scanner scanner) {
+  std::optional<int> day, second;
+  while (!scanner.at_end()) {
+    Scanner ahead = scanner;
+    if (!day && (day = take_date(ahead))) {
+      scanner = ahead;
+    } else if (!second && (second = take_time(ahead = scanner))) {
+      scanner = ahead;
+    } else {
+      return std::nullopt;
+    }
+    if (!scanner.at_end() && !scanner.take_blanks()) return std::nullopt;
+  }
+  if (!day && !second) return std::nullopt;
+  return Moment{day.value_or(0), second.value_or(0)};
 }
 
 // Empty for a text with anything but ASCII in it, which no date has.
@@ -211,8 +261,7 @@ std::u16string UsLocale::StampDate(Date date) {
 
 std::optional<Date> UsLocale::ParseDate(const std::u16string& text) {
   const std::string ascii = trimmed_ascii(text);
-  auto moment = parse_general(Scanner(ascii));
-  if (!moment) moment = parse_iso(Scanner(ascii));
+  const auto moment = parse_moment(Scanner(ascii));
   if (!moment) return std::nullopt;
   return moment->serial();
 }

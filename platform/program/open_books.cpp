@@ -22,9 +22,15 @@ namespace {
 constexpr SheetLimits kTextLimits{1048577, 16385};
 
 std::string read_all(Files& files, const std::u16string& path) {
+  // Opening creates what isn't there.
+  if (!files.CreateFileSystemObject()->FileExists(path))
+    refuse("can't open \"" + text::to_utf8(path) + "\": there is no such file");
   const auto file = files.OpenBinary(path);
   std::string bytes(file->Size(), '\0');
-  bytes.resize(file->Read({reinterpret_cast<unsigned char*>(bytes.data()), bytes.size()}));
+  const std::span whole(reinterpret_cast<unsigned char*>(bytes.data()), bytes.size());
+  std::size_t filled = 0;
+  while (const std::size_t count = file->Read(whole.subspan(filled))) filled += count;
+  bytes.resize(filled);
   file->Close();
   return bytes;
 }

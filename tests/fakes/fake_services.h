@@ -33,6 +33,11 @@ class MemoryFiles : public Files {
   std::map<std::u16string, std::string> files;
   // What another program holds, and what is open here.
   std::set<std::u16string> held;
+  // The stream's write with this number, counted from 1, finds that another program holds the file; 0: none does.
+  int taken_at_write = 0;
+  int closed = 0;  // calls of Close
+  // Where a file's medium is bad: nothing from this byte on can be read.
+  std::map<std::u16string, std::size_t> bad_from;
 
   // Counts anew from 1, the calls on the files and on all objects that come from them together, and lets call `call`
   // raise an error in place of doing its work; 0: none fails. Destroying an object is no call.
@@ -95,6 +100,12 @@ class MemoryFiles : public Files {
       if (path_.empty()) refuse(ErrorNumber::kBadFileName, path_);
       return counted().files[path_];
     }
+    void close() {
+      ++counted().closed;
+      release();
+    }
+    MemoryFiles& owner() { return owner_; }
+    const std::u16string& path() const { return path_; }
     void release() {
       owner_.held.erase(path_);
       path_.clear();
@@ -108,9 +119,17 @@ class MemoryFiles : public Files {
   class Output : public Object<TextStream> {
    public:
     using Object::Object;
-    void WriteLine(std::string_view text) override { bytes().append(text).append("\r\n"); }
-    void Write(std::string_view text) override { bytes().append(text); }
-    void Close() override { counted(), release(); }
+    void WriteLine(std::string_view text) override { written().append(text).append("\r\n"); }
+    void Write(std::string_view text) override { written().append(text); }
+    void Close() override { close(); }
+
+   private:
+    std::string& written() {
+      if (++writes_ == owner().taken_at_write) refuse(ErrorNumber::kFileHeld, path());
+      return bytes();
+    }
+
+    int writes_ = 0;
   };
 
   class Input : public Object<BinaryFile> {
@@ -118,13 +137,22 @@ class MemoryFiles : public Files {
     using Object::Object;
     std::uint64_t Size() override { return bytes().size(); }
     std::size_t Read(std::span<unsigned char> into) override {
-      const std::size_t length = bytes().copy(reinterpret_cast<char*>(into.data()), into.size(), position_);
+      const std::size_t readable = std::min(into.size(), readable_to() - std::min(readable_to(), position_));
+      if (readable == 0 && !into.empty() && owner().bad_from.contains(path())) {
+        refuse(ErrorNumber::kDeviceError, path());
+      }
+      const std::size_t length = bytes().copy(reinterpret_cast<char*>(into.data()), readable, position_);
       position_ += length;
       return length;
     }
-    void Close() override { counted(), release(); }
+    void Close() override { close(); }
 
    private:
+    std::size_t readable_to() {
+      const auto bad = owner().bad_from.find(path());
+      return bad == owner().bad_from.end() ? std::string::npos : bad->second;
+    }
+
     std::size_t position_ = 0;
   };
 
@@ -136,7 +164,7 @@ class MemoryFiles : public Files {
       all.replace(position_, std::min(text.size(), all.size() - position_), text);
       position_ += text.size();
     }
-    void Close() override { counted(), release(); }
+    void Close() override { close(); }
 
    private:
     std::size_t position_ = 0;
@@ -174,12 +202,14 @@ class ScriptedMessageBox : public MessageBox {
     std::optional<std::u16string> title;
   };
   std::vector<Call> calls;
+  std::function<void()> on_show = [] {};
   // Answers to give, first one first; without one a question is cancelled.
   std::deque<MessageAnswer> answers;
 
   MessageAnswer Show(const std::u16string& prompt, MessageButtons buttons,
                      const std::optional<std::u16string>& title) override {
     calls.push_back({prompt, buttons, title});
+    on_show();
     if (answers.empty()) return buttons == MessageButtons::kOk ? MessageAnswer::kOk : MessageAnswer::kCancel;
     const MessageAnswer answer = answers.front();
     answers.pop_front();
