@@ -62,9 +62,7 @@ class ByTreeRules {
   }
   std::int32_t leaving_for(const Node& node) {
     if (node.Tid.empty() && node.Control == kRootControl) return by_level_.first_left(by_level(node));
-    if (!node.Tid.empty() && node.Control == kLeafControl) {
-      return by_table_alone_.first_left(by_table_alone(node));
-    }
+    if (!node.Tid.empty() && node.Control == kLeafControl) return by_table_alone_.first_left(by_table_alone(node));
     return by_description_.first_left(by_description(node));
   }
 
