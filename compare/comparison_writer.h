@@ -77,18 +77,6 @@ constexpr auto compared_columns() {
   return columns;
 }
 
-// Has the processor fetch the texts of a record; reads the record itself.
-template <class Item>
-void prefetch_texts(const Item& item) {
-  vtrfile::for_each_field(item, [](const char*, const auto& member) {
-    if constexpr (requires { member.prefetch(); }) {
-      member.prefetch();
-    } else if constexpr (requires { member[0].prefetch(); }) {
-      for (const auto& text : member) text.prefetch();
-    }
-  });
-}
-
 // One of the two lists of a comparison: the array with the number of its records in use.
 template <class Item>
 struct Side {
@@ -101,13 +89,6 @@ struct Side {
   std::int32_t records() const {
     require_countable(count);
     return std::max(count, 0);
-  }
-  // Has the processor fetch a record, or its texts; nothing for one that isn't there.
-  void prefetch(std::int32_t number) const {
-    if (items.contains(number)) vtrfile::prefetch(&items.at(number), sizeof(Item));
-  }
-  void prefetch_texts(std::int32_t number) const {
-    if (items.contains(number)) trvtrout::prefetch_texts(items.at(number));
   }
 };
 

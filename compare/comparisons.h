@@ -43,7 +43,7 @@ struct ComparedDocuments {
 bool write_comparison(const HostServices& services, const Comparison& comparison, const ComparedDocuments& documents,
                       ReportFile& file, ComparisonCounts& counts);
 
-// The keys that occur more than once in a document, each once, in the order of their first records.
+// The keys that occur more than once in a document, each once, in the order in which they occur again.
 std::vector<std::string> repeated_keys(const Comparison& comparison, const vtrfile::GroupSlots& document);
 
 }  // namespace trvtrout

@@ -18,8 +18,8 @@ bool is_root(const Node& node) {
   return node.Tid.empty() && node.TableInternalCode.empty() && node.Control == kRootControl;
 }
 
-MatchKey by_table(const Node& node) { return {.text = node.Tid.bytes(), .number = node.Control}; }
-MatchKey by_code(const Node& node) { return {.text = node.TableInternalCode.bytes(), .number = node.Control}; }
+MatchKey by_table(const Node& node) { return {.number = node.Control, .text = node.Tid.bytes()}; }
+MatchKey by_code(const Node& node) { return {.number = node.Control, .text = node.TableInternalCode.bytes()}; }
 MatchKey by_control(const Node& node) { return {.number = node.Control}; }
 MatchKey by_level(const Node& node) { return {.number = node.Control, .second_number = node.Level}; }
 MatchKey by_table_alone(const Node& node) { return {.text = node.Tid.bytes()}; }
@@ -41,34 +41,34 @@ class ByTreeRules {
   ByTreeRules(const ByTreeRules&) = delete;  // the indices know the list by its address
   ByTreeRules& operator=(const ByTreeRules&) = delete;
 
-  Search search(std::int32_t number) {
+  std::int32_t match(std::int32_t number) {
     const Node& node = primary_.at(number);
-    if (!node.Tid.empty()) return {&by_table_, by_table(node)};
-    if (is_root(node)) return {&by_control_, by_control(node)};
-    if (node.Control == kTableControl) return {&by_code_, by_code(node)};
-    return {};
-  }
-  std::int32_t partner(const Search& search) { return search.index->first_left(search.key); }
-
-  void remove(std::int32_t number) {
-    const Node& node = primary_.at(number);
-    const std::int32_t leaving = node.Tid.empty() && node.Control == kRootControl ? by_level_.first_left(by_level(node))
-                                 : !node.Tid.empty() && node.Control == kLeafControl
-                                     ? by_table_alone_.first_left(by_table_alone(node))
-                                     : by_description_.first_left(by_description(node));
+    const std::int32_t partner = partner_of(node);
+    const std::int32_t leaving = partner ? leaving_for(node) : 0;
     if (leaving) list_.remove(leaving);
+    return partner;
   }
-
   const WorkingList& list() const noexcept { return list_; }
 
  private:
-  MatchIndex index(const Side<Node>& secondary, MatchKey (*key)(const Node&)) const {
-    return MatchIndex(list_, [&secondary, key](std::int32_t number) { return key(secondary.at(number)); });
+  MatchIndex<> index(const Side<Node>& secondary, MatchKey (*key)(const Node&)) const {
+    return MatchIndex<>(list_, [&](std::int32_t number) { return key(secondary.at(number)); });
+  }
+  std::int32_t partner_of(const Node& node) {
+    if (!node.Tid.empty()) return by_table_.first_left(by_table(node));
+    if (is_root(node)) return by_control_.first_left(by_control(node));
+    if (node.Control == kTableControl) return by_code_.first_left(by_code(node));
+    return 0;
+  }
+  std::int32_t leaving_for(const Node& node) {
+    if (node.Tid.empty() && node.Control == kRootControl) return by_level_.first_left(by_level(node));
+    if (!node.Tid.empty() && node.Control == kLeafControl) return by_table_alone_.first_left(by_table_alone(node));
+    return by_description_.first_left(by_description(node));
   }
 
   const Side<Node>& primary_;
   WorkingList list_;
-  MatchIndex by_table_, by_control_, by_code_, by_level_, by_table_alone_, by_description_;
+  MatchIndex<> by_table_, by_control_, by_code_, by_level_, by_table_alone_, by_description_;
 };
 
 constexpr ListComparison<TREE_HIERARCHY_STRUCT, Node> kTree{

@@ -56,7 +56,7 @@ std::vector<Row> nested_scan(std::int32_t primaries, std::int32_t secondaries, c
 class Walks : public testing::Test {
  protected:
   int upto(int most) { return std::uniform_int_distribution(0, most)(random_); }
-  // Few keys for more records than the walk takes at once.
+  // Few keys, so that most occur several times.
   std::vector<std::string> keys() {
     std::vector<std::string> all(static_cast<std::size_t>(upto(40)));
     for (auto& key : all) key = std::string(1, static_cast<char>('A' + upto(5)));

@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <functional>
 #include <stdexcept>
 #include <string_view>
 
@@ -18,17 +17,6 @@ Number load(const unsigned char* at) noexcept {
   Number number;
   std::memcpy(&number, at, sizeof number);
   return number;
-}
-
-inline constexpr std::size_t kCacheLine = 64;
-
-// Has the processor fetch `bytes` bytes at `at` before they are read. Nothing for null: looking for memory where there
-// is none costs more than it saves.
-inline void prefetch(const void* at, std::size_t bytes) noexcept {
-  const auto* const begin = static_cast<const char*>(at);
-  for (std::size_t line = 0; begin && line < bytes; line += kCacheLine) __builtin_prefetch(begin + line);
-  // To the compiler a function that only prefetches has no effect, so it drops the calls; an assembly keeps them.
-  asm volatile("");
 }
 
 // A text of at most 65,535 bytes in the code page. Empty and null are the same.
@@ -45,8 +33,6 @@ class Text {
     return at_ ? std::string_view(reinterpret_cast<const char*>(at_) + 2, load<std::uint16_t>(at_))
                : std::string_view();
   }
-  // Has the processor fetch the bytes before they are read, as far as texts usually go.
-  void prefetch() const noexcept { vtrfile::prefetch(at_, 2 * kCacheLine); }
   friend bool operator==(Text a, Text b) noexcept { return a.at_ == b.at_ || a.bytes() == b.bytes(); }
 
  private:
@@ -149,10 +135,3 @@ class Array {
 };
 
 }  // namespace trvtrout::vtrfile
-
-template <>
-struct std::hash<trvtrout::vtrfile::Text> {
-  std::size_t operator()(trvtrout::vtrfile::Text text) const noexcept {
-    return std::hash<std::string_view>()(text.bytes());
-  }
-};
