@@ -17,6 +17,10 @@ static_assert(std::endian::native == std::endian::little, "numbers are copied as
   throw WorkbookError("it's damaged: " + what + "; open it with a spreadsheet program, save it anew and try again");
 }
 
+[[noreturn]] inline void raise_older_format() {
+  throw WorkbookError("it's in an older .xls format; save it as an Excel 97-2003 workbook or as .xlsx");
+}
+
 // The plain number at `at`. Raises WorkbookError where it doesn't lie in `bytes` whole.
 template <class Number>
 Number get(std::string_view bytes, std::size_t at) {

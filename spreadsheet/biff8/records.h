@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -118,7 +119,9 @@ struct Record {
 void append_record(std::string& stream, const Record& record);
 
 // A text with a length before it, of one byte for names of sheets and fonts, of two else: the units' flags byte, then
-// 8 bits a unit where that is enough. `from` is a length's place. Raises WorkbookError where the text is cut off.
+// 8 bits a unit where that is enough. `from` is a length's place. Nothing where the text is cut off.
+std::optional<std::u16string> whole_text(std::string_view body, std::size_t from, std::size_t length_size);
+// The same; raises WorkbookError where the text is cut off.
 std::u16string read_text(std::string_view body, std::size_t from, std::size_t length_size);
 // What follows the length.
 std::string text_units(std::u16string_view text);
