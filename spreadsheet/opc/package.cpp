@@ -264,6 +264,10 @@ bool Package::has_folder(std::string_view folder) const {
   return std::ranges::any_of(indices_, [&](const auto& entry) { return entry.first.starts_with(folder); });
 }
 
+bool Package::has_backslashes() const {
+  return std::ranges::any_of(indices_, [](const auto& entry) { return entry.first.find('\\') != std::string::npos; });
+}
+
 std::unique_ptr<PartStream> Package::stream(const std::string& name) const {
   const auto found = indices_.find(lower(name));
   if (found == indices_.end()) raise_part(name, "it's missing");

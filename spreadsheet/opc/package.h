@@ -46,6 +46,7 @@ class Package {
   bool has(std::string_view name) const;
   // Whether a part stands below `folder`, whose name ends in a slash.
   bool has_folder(std::string_view folder) const;
+  bool has_backslashes() const;
   // The whole part. Raises WorkbookError if there's none, if it's damaged or if it's larger than kLargestXml.
   std::string read(const std::string& name) const;
   std::unique_ptr<PartStream> stream(const std::string& name) const;
