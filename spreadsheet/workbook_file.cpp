@@ -20,7 +20,7 @@ bool is_older_stream(std::string_view bytes) {
   constexpr std::uint16_t kKinds[] = {0x0005, 0x0010, 0x0020, 0x0040, 0x0100};
   constexpr std::size_t kShortestBof = 4, kLongestBof = 16;
   if (bytes.size() < biff8::kRecordHead + kShortestBof) return false;
-  const auto number = [bytes](std::size_t at) { return biff8::get<std::uint16_t>(bytes, at); };
+  const auto number = [bytes](std::size_t at) { return get<std::uint16_t>(bytes, at); };
   return std::ranges::count(kBofs, number(0)) != 0 && number(2) >= kShortestBof && number(2) <= kLongestBof &&
          number(4) != biff8::kVersion && std::ranges::count(kKinds, number(6)) != 0;
 }

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "spreadsheet/biff8/bytes.h"
 #include "spreadsheet/biff8/compound_format.h"
+#include "spreadsheet/bytes.h"
 
 namespace trvtrout::spreadsheet::biff8 {
 

@@ -1,8 +1,8 @@
 #include <algorithm>
 
-#include "spreadsheet/biff8/bytes.h"
 #include "spreadsheet/biff8/compound_file.h"
 #include "spreadsheet/biff8/compound_format.h"
+#include "spreadsheet/bytes.h"
 
 namespace trvtrout::spreadsheet::biff8 {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "spreadsheet/biff8/bytes.h"
+#include "spreadsheet/bytes.h"
 
 // A BIFF8 stream: records of a type, a length and a body. What is too long for one record goes on in CONTINUE records.
 // A substream goes from a BOF to an EOF; the first one holds what concerns the whole workbook, the others are sheets.
@@ -88,6 +88,10 @@ inline constexpr std::size_t kLargestBody = 8224;
 inline constexpr std::uint16_t kVersion = 0x0600;
 inline constexpr std::uint16_t kGlobalsSubstream = 0x0005;
 inline constexpr std::uint16_t kSheetSubstream = 0x0010;
+
+[[noreturn]] inline void raise_older_format() {
+  throw WorkbookError("it's in an older .xls format; save it as an Excel 97-2003 workbook or as .xlsx");
+}
 
 // A record where it stands in a stream.
 struct RecordView {

@@ -50,8 +50,8 @@ class Package {
   // The whole part. Raises WorkbookError if there's none, if it's damaged or if it's larger than kLargestXml.
   std::string read(const std::string& name) const;
   std::unique_ptr<PartStream> stream(const std::string& name) const;
-  // The bytes of the package with `changes`; other entries are copied as they are, in their order. Each written entry
-  // has the same date, so that the same changes give the same bytes.
+  // The bytes of the package with `changes`; other entries stay byte for byte, in their order. Each written entry has
+  // the same date, so that the same changes give the same bytes.
   std::string with(std::vector<PartChange> changes) const;
 
  private:

@@ -62,6 +62,7 @@ def check_package(old, new):
         elif TOUCHED.fullmatch(part):
             assert unchanged(part, new_text) == unchanged(part, old_text), (part, new_text)
         else:
+            assert old_text != new_text, (part, "is stored in another way", before[part], after[part])
             assert re.sub(r"""(tabSelected\s*=\s*["'])(1|true)""", r"\g<1>0", old_text) == new_text, part
     added = set(after) - set(before)
     assert all(re.fullmatch(r"xl/(worksheets/sheet\d+|styles).xml", part) for part in added), added

@@ -9,16 +9,12 @@
 
 #include "spreadsheet/workbook_file.h"
 
-namespace trvtrout::spreadsheet::biff8 {
+namespace trvtrout::spreadsheet {
 
 static_assert(std::endian::native == std::endian::little, "numbers are copied as they stand in the file");
 
 [[noreturn]] inline void raise_damaged(const std::string& what) {
   throw WorkbookError("it's damaged: " + what + "; open it with a spreadsheet program, save it anew and try again");
-}
-
-[[noreturn]] inline void raise_older_format() {
-  throw WorkbookError("it's in an older .xls format; save it as an Excel 97-2003 workbook or as .xlsx");
 }
 
 // The plain number at `at`. Raises WorkbookError where it doesn't lie in `bytes` whole.
@@ -70,4 +66,4 @@ class ByteWriter {
   std::string bytes_;
 };
 
-}  // namespace trvtrout::spreadsheet::biff8
+}  // namespace trvtrout::spreadsheet
