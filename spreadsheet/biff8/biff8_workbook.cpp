@@ -40,8 +40,7 @@ constexpr Forbidden kForbidden[] = {
 };
 
 void check_container(const CompoundFile& file) {
-  if (!file.has(kStream) && file.has(u"Book"))
-    throw WorkbookError("it's in an older .xls format; save it as an Excel 97-2003 workbook or as .xlsx");
+  if (!file.has(kStream) && file.has(u"Book")) raise_older_format();
   for (const Forbidden& forbidden : kForbidden)
     if (file.has(forbidden.name)) throw WorkbookError(forbidden.reason);
   if (!file.has(kStream)) throw WorkbookError("it's no workbook but another kind of document");
@@ -52,14 +51,18 @@ struct Substream {
   std::size_t begin;
   std::vector<RecordView> windows, indices;
   std::uint16_t row_height = kUsualRowHeight;
-  std::string settings;  // the records of calculation settings
+  std::string settings;   // the records of calculation settings
+  std::size_t texts = 0;  // of the table of texts, how many there must be for its cells
 };
 
+constexpr std::size_t kTextNumber = 6;  // in a LABELSST
 constexpr std::uint16_t kCalculation[] = {kCalcCount, kCalcMode, kRefMode, kDelta, kIteration, kSaveRecalc};
 
 void note(Substream& sheet, const RecordView& record) {
   if (record.type == kWindow2) sheet.windows.push_back(record);
   if (record.type == kIndex) sheet.indices.push_back(record);
+  if (record.type == kLabelSst)
+    sheet.texts = std::max(sheet.texts, std::size_t{get<std::uint32_t>(record.body, kTextNumber)} + 1);
   if (std::ranges::find(kCalculation, record.type) != std::end(kCalculation))
     append_record(sheet.settings, {record.type, std::string(record.body)});
   // A height that holds for hidden or specially set rows is no model for other sheets.
@@ -116,6 +119,7 @@ class Biff8Workbook : public WorkbookFile {
   void read_sheets();
   std::string_view settings() const;
   std::size_t position() const;
+  void check_texts(const SharedStrings& strings) const;
   void add_bound_sheet(Globals& globals, const Sheet& sheet) const;
   void mend_places(Globals& globals, const Move& move) const;
   void mend_sheets(std::string& stream, const Move& move) const;
@@ -157,6 +161,13 @@ std::size_t Biff8Workbook::position() const {
 std::string_view Biff8Workbook::settings() const {
   const auto found = std::ranges::find_if(sheets_, [](const Substream& sheet) { return !sheet.settings.empty(); });
   return found == sheets_.end() ? std::string_view() : found->settings;
+}
+
+// A cell of a text that isn't there would show one of the new ones.
+void Biff8Workbook::check_texts(const SharedStrings& strings) const {
+  for (std::size_t each = 0; each < sheets_.size(); ++each)
+    if (sheets_[each].texts > strings.size())
+      raise_damaged("a cell of its sheet '" + names_[each] + "' shows a text that its table of texts doesn't have");
 }
 
 void Biff8Workbook::add_bound_sheet(Globals& globals, const Sheet& sheet) const {
@@ -213,6 +224,7 @@ std::string Biff8Workbook::with_sheet(const Sheet& sheet) const {
     around.drawing = add_drawing(globals);
   }
   SharedStrings strings(globals);
+  check_texts(strings);
   const std::string inserted = sheet_stream(sheet, around, strings);
   strings.store(globals);
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <utility>
 
-#include "spreadsheet/biff8/bytes.h"
 #include "spreadsheet/biff8/compound_format.h"
+#include "spreadsheet/bytes.h"
 
 namespace trvtrout::spreadsheet::biff8 {
 
@@ -73,20 +73,20 @@ void CompoundFile::read_table() {
     raise_damaged("its allocation table doesn't cover itself");
 }
 
-void CompoundFile::claim_chain(Sector start, std::uint64_t size) {
-  std::uint64_t room = 0;
-  for (Sector sector = start; sector != kEndOfChain; sector = table_[sector]) {
+void CompoundFile::claim_chain(Sector start, std::uint64_t least, std::uint64_t most) {
+  std::uint64_t count = 0;
+  for (Sector sector = start; sector != kEndOfChain && count < most; sector = table_[sector], ++count) {
     if (sector >= table_.size()) raise_damaged("a chain of sectors leads out of it");
     claim(sector);
-    room += std::uint64_t{1} << sector_shift_;
   }
-  if (room < size) raise_damaged("a stream in it is cut off");
+  if (count < least) raise_damaged("a stream in it is cut off");
 }
 
-// Of a start that was claimed, so it ends.
-std::vector<CompoundFile::Sector> CompoundFile::chain(Sector start) const {
+// Of what was claimed, so it ends.
+std::vector<CompoundFile::Sector> CompoundFile::chain(Sector start, std::uint64_t most) const {
   std::vector<Sector> sectors;
-  for (Sector sector = start; sector != kEndOfChain; sector = table_[sector]) sectors.push_back(sector);
+  for (Sector sector = start; sector != kEndOfChain && sectors.size() < most; sector = table_[sector])
+    sectors.push_back(sector);
   return sectors;
 }
 
@@ -105,22 +105,21 @@ CompoundFile::Entry CompoundFile::read_entry(const std::vector<Sector>& director
   return entry;
 }
 
-void CompoundFile::claim_stream(const Entry& entry) {
-  if (entry.type != EntryType::kStream || entry.size < kMiniCutoff) return;
-  claim_chain(entry.start, entry.size);
+void CompoundFile::claim_stream(const Entry& stream) {
+  claim_chain(stream.start, sectors_of(stream), sectors_of(stream));
 }
 
 void CompoundFile::read_directory() {
   const auto start = get<Sector>(bytes_, kDirectoryStart);
-  claim_chain(start, 1);
-  const std::vector<Sector> directory = chain(start);
+  claim_chain(start, 1, kWhole);
+  const std::vector<Sector> directory = chain(start, kWhole);
   const std::size_t count = directory.size() * ((std::size_t{1} << sector_shift_) / kEntrySize);
   root_ = read_entry(directory, 0);
   if (root_.type != EntryType::kRoot) raise_damaged("its directory has no root");
-  if (root_.size > 0) claim_chain(root_.start, root_.size);
+  claim_stream(root_);
   mini_table_start_ = get<Sector>(bytes_, kMiniTableStart);
   if (mini_table_start_ == kFree) mini_table_start_ = kEndOfChain;
-  claim_chain(mini_table_start_, 0);
+  claim_chain(mini_table_start_, 0, kWhole);
 
   struct Visit {
     std::uint32_t index;
@@ -138,7 +137,7 @@ void CompoundFile::read_directory() {
     Entry entry = read_entry(directory, visit.index);
     if (entry.type != EntryType::kStorage && entry.type != EntryType::kStream)
       raise_damaged("its directory has an entry of no known kind");
-    claim_stream(entry);
+    if (entry.type == EntryType::kStream && entry.size >= kMiniCutoff) claim_stream(entry);
     open.push_back({get<std::uint32_t>(bytes_, entry.at + kLeft), visit.in_root});
     open.push_back({get<std::uint32_t>(bytes_, entry.at + kRight), visit.in_root});
     if (entry.type == EntryType::kStorage) open.push_back({get<std::uint32_t>(bytes_, entry.at + kChild), false});
@@ -158,9 +157,8 @@ std::string CompoundFile::stream(std::u16string_view name) const {
   if (entry->size < kMiniCutoff) return mini_stream_part(*entry);
   std::string content;
   content.reserve(entry->size);
-  for (const Sector sector : chain(entry->start)) {
+  for (const Sector sector : stream_chain(*entry)) {
     const std::size_t wanted = std::min<std::size_t>(std::size_t{1} << sector_shift_, entry->size - content.size());
-    if (wanted == 0) break;
     if (offset(sector) + wanted > original_size_) raise_damaged("its end is cut off");
     content.append(bytes_, offset(sector), wanted);
   }
@@ -171,8 +169,8 @@ std::string CompoundFile::mini_stream_part(const Entry& entry) const {
   std::string content;
   if (entry.size == 0) return content;
   if (root_.size == 0) raise_damaged("its mini stream is missing");
-  const std::vector<Sector> container = chain(root_.start);
-  const std::vector<Sector> mini_table = chain(mini_table_start_);
+  const std::vector<Sector> container = stream_chain(root_);
+  const std::vector<Sector> mini_table = chain(mini_table_start_, kWhole);
   const std::size_t per_sector = entries_per_sector();
   constexpr std::size_t kMiniSize = std::size_t{1} << kMiniShift;
   // A chain in a circle ends when the stream is whole.

@@ -48,9 +48,16 @@ class CompoundFile {
   void read_directory();
   Entry read_entry(const std::vector<Sector>& directory, std::uint32_t index) const;
   void claim(Sector sector);
-  void claim_chain(Sector start, std::uint64_t size);
-  void claim_stream(const Entry& entry);
-  std::vector<Sector> chain(Sector start) const;
+  // In sectors; kWhole for a chain to its end.
+  static constexpr std::uint64_t kWhole = UINT64_MAX;
+  void claim_chain(Sector start, std::uint64_t least, std::uint64_t most);
+  std::vector<Sector> chain(Sector start, std::uint64_t most) const;
+  // A stream's chain ends with its size, whatever the table says: some programs go on with another stream's sectors.
+  std::uint64_t sectors_of(const Entry& stream) const {
+    return (stream.size >> sector_shift_) + ((stream.size & ((std::uint64_t{1} << sector_shift_) - 1)) != 0);
+  }
+  void claim_stream(const Entry& stream);
+  std::vector<Sector> stream_chain(const Entry& stream) const { return chain(stream.start, sectors_of(stream)); }
   std::string mini_stream_part(const Entry& entry) const;
 
   std::string bytes_;          // filled up to whole sectors

@@ -1,8 +1,8 @@
 #include <algorithm>
 
-#include "spreadsheet/biff8/bytes.h"
 #include "spreadsheet/biff8/compound_file.h"
 #include "spreadsheet/biff8/compound_format.h"
+#include "spreadsheet/bytes.h"
 
 namespace trvtrout::spreadsheet::biff8 {
 
@@ -15,7 +15,8 @@ class CompoundPatch {
 
   explicit CompoundPatch(const CompoundFile& file) : file_(file), bytes_(file.bytes_), table_(file.table_) {}
 
-  // Overwrites a chain and prolongs it as far as `content` needs. Gives its first sector.
+  // Overwrites a chain and prolongs it as far as `content` needs, away from what it may have led to. Gives its first
+  // sector.
   Sector write(std::vector<Sector> chain, std::string_view content) {
     const std::size_t sector_size = std::size_t{1} << file_.sector_shift_;
     const std::size_t needed = (content.size() + sector_size - 1) / sector_size;
@@ -125,7 +126,7 @@ std::string CompoundFile::with_stream(std::u16string_view name, std::string_view
   // A stream that lay in the mini stream leaves its place there as it is.
   CompoundPatch patch(*this);
   const bool was_mini = entry->size < kMiniCutoff;
-  const Sector start = patch.write(was_mini ? std::vector<Sector>{} : chain(entry->start), content);
+  const Sector start = patch.write(was_mini ? std::vector<Sector>{} : stream_chain(*entry), content);
   return patch.finish(*entry, start, content.size());
 }
 

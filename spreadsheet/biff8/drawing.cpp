@@ -48,30 +48,47 @@ std::string empty_group() {
                             drawing_record(0x0040, kMenuColors, colors.bytes()));
 }
 
-void check_group(std::string_view body) {
-  const auto length = get<std::uint32_t>(body, kHead + 4);
-  const auto clusters = get<std::uint32_t>(body, 2 * kHead + kClusters);
-  if (get<std::uint16_t>(body, 2) != kGroupContainer || get<std::uint16_t>(body, kHead + 2) != kGroup ||
-      clusters == 0 || length != kFirstCluster + std::uint64_t{kClusterSize} * (clusters - 1) ||
-      body.size() < 2 * kHead + length)
-    raise_damaged("its list of drawings is inconsistent");
-}
+// The group's records from its first one as far as they hold the list of clusters, with which it begins. What follows
+// them stays as it is.
+class ListRecords {
+ public:
+  ListRecords(const Globals& globals, std::size_t begin)
+      : globals_(globals), end_(begin + 1), body_(globals.records[begin].body) {
+    extend(2 * kHead + kFirstCluster);
+    const auto length = get<std::uint32_t>(body_, kHead + 4);
+    const auto clusters = get<std::uint32_t>(body_, 2 * kHead + kClusters);
+    if (get<std::uint16_t>(body_, 2) != kGroupContainer || get<std::uint16_t>(body_, kHead + 2) != kGroup ||
+        clusters == 0 || length != kFirstCluster + std::uint64_t{kClusterSize} * (clusters - 1))
+      raise_inconsistent();
+    extend(2 * kHead + std::size_t{length});
+  }
 
-// The list stands at the begin of the group, so what follows its first record stays as it is.
-void replace_first_body(Globals& globals, std::size_t index, std::string body) {
-  std::string rest = body.size() > kLargestBody ? body.substr(kLargestBody) : std::string();
-  body.resize(body.size() - rest.size());
-  globals.records[index].body = std::move(body);
-  if (!rest.empty()) globals.insert(index + 1, {kContinue, std::move(rest)});
-}
+  std::size_t end() const { return end_; }
+  std::string take_body() { return std::move(body_); }
+
+ private:
+  [[noreturn]] static void raise_inconsistent() { raise_damaged("its list of drawings is inconsistent"); }
+
+  void extend(std::size_t size) {
+    for (; body_.size() < size; ++end_) {
+      const auto type = end_ < globals_.records.size() ? globals_.records[end_].type : std::uint16_t{kEof};
+      if (type != kContinue && type != kMsoDrawingGroup) raise_inconsistent();
+      body_ += globals_.records[end_].body;
+    }
+  }
+
+  const Globals& globals_;
+  std::size_t end_;
+  std::string body_;
+};
 
 }  // namespace
 
 Drawing add_drawing(Globals& globals) {
   if (globals.all(kMsoDrawingGroup).empty()) globals.append({kMsoDrawingGroup, empty_group()});
   const std::size_t index = globals.all(kMsoDrawingGroup).front();
-  std::string body = globals.records[index].body;
-  check_group(body);
+  ListRecords records(globals, index);
+  std::string body = records.take_body();
   const auto field = [&body](std::size_t at) { return get<std::uint32_t>(body, 2 * kHead + at); };
   const auto raise_by = [&body](std::size_t at, std::uint32_t more) {
     put(body, at, get<std::uint32_t>(body, at) + more);
@@ -90,7 +107,7 @@ Drawing add_drawing(Globals& globals) {
   raise_by(4, kClusterSize);
   raise_by(kHead + 4, kClusterSize);
   body.insert(2 * kHead + end, ByteWriter().u32(drawing.number).u32(kShapes).bytes());
-  replace_first_body(globals, index, std::move(body));
+  globals.set_body(index, records.end(), body);
   return drawing;
 }
 

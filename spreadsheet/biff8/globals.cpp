@@ -42,7 +42,7 @@ std::ptrdiff_t rank(std::uint16_t type) {
 void check_version(const RecordView& first) {
   if (first.type != kBof || first.body.size() < 4) raise_damaged("its stream Workbook doesn't begin as one");
   if (get<std::uint16_t>(first.body, 0) != kVersion || get<std::uint16_t>(first.body, 2) != kGlobalsSubstream)
-    throw WorkbookError("it's in an older .xls format; save it as an Excel 97-2003 workbook or as .xlsx");
+    raise_older_format();
 }
 
 // What forbids a change. A record is named before its body is looked at, because FILEPASS encrypts what follows.
@@ -90,12 +90,12 @@ std::string Globals::whole_body(std::size_t index) const {
   return body;
 }
 
-void Globals::set_whole_body(std::size_t index, std::string_view body) {
+void Globals::set_body(std::size_t index, std::size_t end, std::string_view body) {
   const auto begin = records.begin() + static_cast<std::ptrdiff_t>(index);
   std::vector<Record> parts{{begin->type, std::string(body.substr(0, kLargestBody))}};
   for (std::size_t at = kLargestBody; at < body.size(); at += kLargestBody)
     parts.push_back({kContinue, std::string(body.substr(at, kLargestBody))});
-  const auto place = records.erase(begin, records.begin() + static_cast<std::ptrdiff_t>(behind(index)));
+  const auto place = records.erase(begin, records.begin() + static_cast<std::ptrdiff_t>(end));
   records.insert(place, std::move_iterator(parts.begin()), std::move_iterator(parts.end()));
 }
 

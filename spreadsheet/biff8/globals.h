@@ -27,7 +27,9 @@ struct Globals {
   }
   // The body of a record with the CONTINUE records behind it; and the way back.
   std::string whole_body(std::size_t index) const;
-  void set_whole_body(std::size_t index, std::string_view body);
+  void set_whole_body(std::size_t index, std::string_view body) { set_body(index, behind(index), body); }
+  // Puts `body` in the place of the records from `index` to `end`.
+  void set_body(std::size_t index, std::size_t end, std::string_view body);
   // The index behind a record and its CONTINUE records.
   std::size_t behind(std::size_t index) const;
   std::size_t bytes() const;

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <utility>
 
 namespace trvtrout::spreadsheet::biff8 {
 
@@ -48,13 +49,22 @@ void append_record(std::string& stream, const Record& record) {
   stream += record.body;
 }
 
-std::u16string read_text(std::string_view body, std::size_t from, std::size_t length_size) {
+std::optional<std::u16string> whole_text(std::string_view body, std::size_t from, std::size_t length_size) {
+  const std::size_t begin = from + length_size + 1;
+  if (body.size() < begin) return std::nullopt;
   const std::size_t length = length_size == 1 ? get<std::uint8_t>(body, from) : get<std::uint16_t>(body, from);
   const bool wide = get<std::uint8_t>(body, from + length_size) & 1;
+  if ((body.size() - begin) / (wide ? 2 : 1) < length) return std::nullopt;
   std::u16string text;
-  for (std::size_t at = from + length_size + 1; text.size() < length; at += wide ? 2 : 1)
+  for (std::size_t at = begin; text.size() < length; at += wide ? 2 : 1)
     text += wide ? get<char16_t>(body, at) : char16_t{get<std::uint8_t>(body, at)};
   return text;
+}
+
+std::u16string read_text(std::string_view body, std::size_t from, std::size_t length_size) {
+  std::optional<std::u16string> text = whole_text(body, from, length_size);
+  if (!text) raise_damaged("a text in it is cut off");
+  return std::move(*text);
 }
 
 std::string text_units(std::u16string_view text) {

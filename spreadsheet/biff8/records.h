@@ -2,11 +2,12 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "spreadsheet/biff8/bytes.h"
+#include "spreadsheet/bytes.h"
 
 // A BIFF8 stream: records of a type, a length and a body. What is too long for one record goes on in CONTINUE records.
 // A substream goes from a BOF to an EOF; the first one holds what concerns the whole workbook, the others are sheets.
@@ -88,6 +89,10 @@ inline constexpr std::uint16_t kVersion = 0x0600;
 inline constexpr std::uint16_t kGlobalsSubstream = 0x0005;
 inline constexpr std::uint16_t kSheetSubstream = 0x0010;
 
+[[noreturn]] inline void raise_older_format() {
+  throw WorkbookError("it's in an older .xls format; save it as an Excel 97-2003 workbook or as .xlsx");
+}
+
 // A record where it stands in a stream.
 struct RecordView {
   std::uint16_t type;
@@ -118,7 +123,9 @@ struct Record {
 void append_record(std::string& stream, const Record& record);
 
 // A text with a length before it, of one byte for names of sheets and fonts, of two else: the units' flags byte, then
-// 8 bits a unit where that is enough. `from` is a length's place. Raises WorkbookError where the text is cut off.
+// 8 bits a unit where that is enough. `from` is a length's place. Nothing where the text is cut off.
+std::optional<std::u16string> whole_text(std::string_view body, std::size_t from, std::size_t length_size);
+// The same; raises WorkbookError where the text is cut off.
 std::u16string read_text(std::string_view body, std::size_t from, std::size_t length_size);
 // What follows the length.
 std::string text_units(std::u16string_view text);

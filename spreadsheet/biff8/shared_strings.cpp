@@ -100,15 +100,18 @@ SharedStrings::SharedStrings(const Globals& globals) {
     parts_.emplace_back(kCounts, '\0');
     return;
   }
+  // An empty record among them says nothing, not even the width of letters.
   for (std::size_t index = tables[0]; index < globals.behind(tables[0]); ++index)
-    parts_.push_back(globals.records[index].body);
+    if (const std::string& body = globals.records[index].body; !body.empty()) parts_.push_back(body);
+  if (parts_.empty()) raise_damaged("its table of texts is empty");
   uses_ = get<std::uint32_t>(parts_[0], 0);
   read_places(get<std::uint32_t>(parts_[0], 4));
 }
 
 void SharedStrings::read_places(std::uint32_t count) {
   TextWalk walk(parts_);
-  for (; count > 0; --count) {
+  // Some programs claim more than they write; what no record has is no text.
+  for (; count > 0 && !walk.at_end(); --count) {
     walk.find_text();
     places_.push_back({walk.part(), walk.at()});
     walk.pass_text();

@@ -18,6 +18,7 @@ class SharedStrings {
   // Raises WorkbookError where the table isn't whole.
   explicit SharedStrings(const Globals& globals);
 
+  std::size_t size() const { return places_.size(); }
   // The number of a text (UTF-8), which must outlive the table; added if it wasn't given before. What the workbook has
   // already isn't searched.
   std::uint32_t number(std::string_view text);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
+#include <ranges>
 #include <utility>
 
 namespace trvtrout::spreadsheet::biff8 {
@@ -45,19 +46,19 @@ struct References {
 
 void shift_references(Globals& globals, std::size_t position) {
   const std::vector<bool> own = own_books(globals);
-  const std::vector<std::size_t> tables = globals.all(kExternSheet);
-  if (tables.empty()) return;
-  if (tables.size() > 1) raise_damaged("it has two tables of references to sheets");
-  References references{globals, tables[0]};
-  for (std::size_t each = 0; each < references.count; ++each) {
-    const std::size_t book = references.at(each, 0);
-    if (book >= own.size() || !own[book]) continue;
-    for (const std::size_t field : {kFirstSheet, kLastSheet}) {
-      const std::uint16_t sheet = references.at(each, field);
-      if (sheet < kNoSheet && sheet >= position) references.set(each, field, sheet + 1u);
+  // From the last one, as a table may get another number of records.
+  for (const std::size_t table : globals.all(kExternSheet) | std::views::reverse) {
+    References references{globals, table};
+    for (std::size_t each = 0; each < references.count; ++each) {
+      const std::size_t book = references.at(each, 0);
+      if (book >= own.size() || !own[book]) continue;
+      for (const std::size_t field : {kFirstSheet, kLastSheet}) {
+        const std::uint16_t sheet = references.at(each, field);
+        if (sheet < kNoSheet && sheet >= position) references.set(each, field, sheet + 1u);
+      }
     }
+    references.store();
   }
-  references.store();
 }
 
 void add_tab_id(Record& record, std::size_t position) {
@@ -74,8 +75,10 @@ void add_tab_id(Record& record, std::size_t position) {
 std::size_t own_book(Globals& globals, std::size_t sheets) {
   const std::vector<bool> own = own_books(globals);
   const auto found = std::ranges::find(own, true);
+  // Behind what belongs to the books of others: their names and cells.
   if (found == own.end())
-    globals.append({kSupBook, ByteWriter().u16(static_cast<std::uint16_t>(sheets)).u16(kOwnBook).take()});
+    globals.insert(globals.place_for(kCrn),
+                   {kSupBook, ByteWriter().u16(static_cast<std::uint16_t>(sheets)).u16(kOwnBook).take()});
   return static_cast<std::size_t>(found - own.begin());
 }
 
@@ -83,7 +86,12 @@ std::size_t own_book(Globals& globals, std::size_t sheets) {
 std::uint16_t reference_to(Globals& globals, std::size_t position, std::size_t sheets) {
   const std::size_t book = own_book(globals, sheets);
   if (globals.all(kExternSheet).empty()) globals.append({kExternSheet, std::string(2, '\0')});
-  References references{globals, globals.all(kExternSheet).back()};
+  const std::vector<std::size_t> tables = globals.all(kExternSheet);
+  // Some programs number the last table's references first, others the first one's.
+  if (tables.size() > 1)
+    raise_damaged(
+        "it has two tables of references to sheets (EXTERNSHEET), to which no filter's can be added for sure");
+  References references{globals, tables[0]};
   for (std::size_t each = 0; each < references.count; ++each)
     if (references.at(each, 0) == book && references.at(each, kFirstSheet) == position &&
         references.at(each, kLastSheet) == position)

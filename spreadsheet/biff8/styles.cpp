@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::size_t kMostXfs = 4050;
 constexpr std::size_t kMostFonts = 510;
-constexpr std::uint16_t kFirstOwnFormat = 164;
+constexpr std::uint16_t kFirstOwnFormat = 164, kNoFormat = 0xFFFF;
 
 // In an XF.
 constexpr std::size_t kXfFont = 0, kXfFormat = 2, kXfFlags = 4, kXfAlignment = 6, kXfUsed = 9, kXfSize = 20;
@@ -42,15 +42,15 @@ std::uint32_t checksum(const Globals& globals) {
 class Styles {
  public:
   explicit Styles(Globals& globals) : globals_(globals), fonts_(globals.all(kFont)), xfs_(globals.all(kXf)) {
-    if (fonts_.empty() || xfs_.empty()) raise_damaged("it has no fonts or no cell formats");
+    if (fonts_.empty()) raise_damaged("it has no fonts for its cells");
+    if (xfs_.empty()) raise_damaged("it has no formats for its cells");
     for (const std::size_t index : globals.all(kXfExt)) extended_.insert(globals.records[index].u16(kExtendedXf));
     for (const std::size_t index : globals.all(kFormat)) {
       const Record& record = globals.records[index];
-      formats_.insert_or_assign(record.u16(0), read_text(record.body, 2, 2));
+      formats_.insert_or_assign(record.u16(0), whole_text(record.body, 2, 2));
+      format_numbers_.insert(record.u16(0));
     }
-    for (const std::size_t index : xfs_)
-      greatest_format_ = std::max(greatest_format_, globals.records[index].u16(kXfFormat));
-    if (!formats_.empty()) greatest_format_ = std::max(greatest_format_, formats_.rbegin()->first);
+    for (const std::size_t index : xfs_) format_numbers_.insert(globals.records[index].u16(kXfFormat));
   }
 
   std::uint16_t number(const CellStyle& style) {
@@ -121,21 +121,32 @@ class Styles {
     }
     for (const auto& [number, its_text] : formats_)
       if (its_text == text) return number;
-    if (greatest_format_ == 0xFFFF) throw WorkbookError("it has no room for another number format");
-    greatest_format_ = std::max<std::uint16_t>(kFirstOwnFormat, static_cast<std::uint16_t>(greatest_format_ + 1));
-    formats_.emplace(greatest_format_, text);
+    const std::uint16_t number = free_format_number();
+    formats_.emplace(number, text);
+    format_numbers_.insert(number);
     std::vector<std::size_t> unused;
-    add({kFormat,
-         ByteWriter().u16(greatest_format_).u16(static_cast<std::uint16_t>(text.size())).raw(text_units(text)).take()},
+    add({kFormat, ByteWriter().u16(number).u16(static_cast<std::uint16_t>(text.size())).raw(text_units(text)).take()},
         unused);
-    return greatest_format_;
+    return number;
+  }
+
+  // Behind all others, or where there's room between them.
+  std::uint16_t free_format_number() const {
+    std::uint32_t number = kFirstOwnFormat;
+    if (!format_numbers_.empty()) number = std::max(number, *format_numbers_.rbegin() + 1u);
+    if (number >= kNoFormat) {
+      number = kFirstOwnFormat;
+      while (number < kNoFormat && format_numbers_.contains(static_cast<std::uint16_t>(number))) ++number;
+    }
+    if (number >= kNoFormat) throw WorkbookError("it has no room for another number format");
+    return static_cast<std::uint16_t>(number);
   }
 
   Globals& globals_;
-  std::vector<std::size_t> fonts_, xfs_;  // indices of the records
-  std::map<std::uint16_t, std::u16string> formats_;
-  std::uint16_t greatest_format_ = 0;
-  std::set<std::uint16_t> extended_;  // cell formats that have more to them than their XF
+  std::vector<std::size_t> fonts_, xfs_;                            // indices of the records
+  std::map<std::uint16_t, std::optional<std::u16string>> formats_;  // nothing where the text is cut off
+  std::set<std::uint16_t> format_numbers_;                          // of formats, and those that cell formats name
+  std::set<std::uint16_t> extended_;                                // cell formats that have more to them than their XF
 };
 
 }  // namespace

@@ -118,6 +118,9 @@ std::string OoxmlWorkbook::find_workbook() const {
   if (is_signed || package_.has_folder("_xmlsignatures/"))
     throw WorkbookError("it's digitally signed, and a change would break the signature; take the signature off first");
   const Relation* workbook = relations.first("officeDocument");
+  if ((workbook == nullptr || !package_.has(workbook->target)) && package_.has_backslashes())
+    throw WorkbookError("its zip file parts the folders in its names by backslashes, which the format doesn't allow; " +
+                        std::string("open the workbook in a spreadsheet program and save it again"));
   const std::string type = workbook == nullptr ? std::string() : ContentTypes(package_).of(workbook->target);
   if (type == kBinaryType)
     throw WorkbookError("it's a binary workbook (.xlsb), which can't be added to; save it as .xlsx or .xlsm first");
@@ -161,6 +164,8 @@ StylePart OoxmlWorkbook::styles_of(const Dialect& dialect, Relations& relations,
 std::string OoxmlWorkbook::with_sheet(const Sheet& sheet) const {
   WorkbookPart workbook(workbook_name_, package_.read(workbook_name_));
   Relations relations(package_, workbook_name_);
+  // What an old sheet names though it isn't there mustn't become the new one.
+  relations.keep_free(workbook.named_relations());
   ContentTypes types(package_);
   const Dialect& dialect = workbook.dialect();
 

@@ -12,6 +12,8 @@ namespace trvtrout::spreadsheet::ooxml {
 namespace {
 
 constexpr std::size_t kMostCellFormats = 64000;
+// Those below are reserved; greater ones some programs don't take.
+constexpr std::uint32_t kFirstOwnFormat = 164, kGreatestFormat = 65535;
 // The number of palette entry 1.
 constexpr std::uint32_t kFirstPaletteColor = 8;
 
@@ -30,6 +32,34 @@ pugi::xml_node child_element(const XmlPart& part, std::initializer_list<std::str
     if (node.type() == pugi::node_element && std::ranges::count(names, local_name(node.name())) != 0) return node;
   }
   return {};
+}
+
+[[noreturn]] void raise_alternatives(const XmlPart& part) {
+  throw WorkbookError(
+      "its part '" + part.name() + "' has alternatives of different lengths (mc:AlternateContent), so " +
+      "that its styles can't be numbered for sure; open the workbook in a spreadsheet program and " + "save it again");
+}
+
+// The items below `parent`. Of alternatives a program takes the first that it knows, or the fallback, which comes last;
+// so their items have numbers only where each has as many.
+std::vector<StyleItem> items_of(const XmlPart& part, pugi::xml_node parent, std::string_view name) {
+  std::vector<StyleItem> items;
+  for (const auto node : parent.children()) {
+    if (part.is_element(node, name)) items.push_back({std::string(part.source(node)), node});
+    if (!part.is_alternatives(node)) continue;
+    std::vector<StyleItem> last;
+    bool has_fallback = false;
+    const auto branches = part.children(node, {}, kAlternativesSpace);
+    for (const auto branch : branches) {
+      std::vector<StyleItem> found = items_of(part, branch, name);
+      if (branch != branches.front() && found.size() != last.size()) raise_alternatives(part);
+      has_fallback = local_name(branch.name()) == "Fallback";
+      last = std::move(found);
+    }
+    if (!has_fallback && !last.empty()) raise_alternatives(part);
+    for (StyleItem& item : last) items.push_back({std::move(item.xml), item.node, true});
+  }
+  return items;
 }
 
 // A font like `font`, but bold or in a colour of the palette.
@@ -57,26 +87,29 @@ std::string changed_font(const std::string& font, const std::string& prefix, con
 
 StyleList::StyleList(XmlPart& part, std::string_view list, std::string_view item)
     : part_(part), name_(list), list_(part.child(part.root(), list)) {
-  for (const auto node : part_.children(list_, item)) items_.emplace_back(part_.source(node));
+  for (const StyleItem& found : items_of(part, part.root(), list))
+    if (found.is_alternative) raise_alternatives(part);
+  items_ = items_of(part, list_, item);
   written_ = items_.size();
 }
 
 std::uint32_t StyleList::number(const std::string& xml) {
-  const auto found = std::ranges::find(items_, xml);
+  const auto is_same = [&xml](const StyleItem& item) { return !item.is_alternative && item.xml == xml; };
+  const auto found = std::ranges::find_if(items_, is_same);
   const auto number = static_cast<std::uint32_t>(found - items_.begin());
-  if (found == items_.end()) items_.push_back(xml);
+  if (found == items_.end()) items_.push_back({xml, {}});
   return number;
 }
 
 void StyleList::complete(const std::string& xml) {
-  if (items_.empty()) items_.push_back(xml);
+  if (items_.empty()) items_.push_back({xml, {}});
 }
 
 void StyleList::write() {
   if (written_ == items_.size()) return;
   std::string added;
   for (std::size_t number = std::exchange(written_, items_.size()); number < items_.size(); ++number)
-    added += items_[number];
+    added += items_[number].xml;
   if (list_) {
     part_.append(list_, added);
     if (list_.attribute("count")) part_.set_attribute(list_, "count", std::to_string(items_.size()));
@@ -96,13 +129,13 @@ void StyleList::write() {
 StylePart::StylePart(std::string name, std::string text)
     : part_(std::move(name), std::move(text)),
       prefix_(part_.prefix()),
-      basis_(part_.child(part_.child(part_.root(), "cellXfs"), "xf")),
       number_formats_(part_, "numFmts", "numFmt"),
       fonts_(part_, "fonts", "font"),
       fills_(part_, "fills", "fill"),
       borders_(part_, "borders", "border"),
       named_formats_(part_, "cellStyleXfs", "xf"),
-      cell_formats_(part_, "cellXfs", "xf") {
+      cell_formats_(part_, "cellXfs", "xf"),
+      basis_(cell_formats_.items().empty() ? pugi::xml_node() : cell_formats_.items().front().node) {
   if (local_name(part_.root().name()) != "styleSheet")
     throw WorkbookError("its part '" + part_.name() + "' doesn't hold styles as it should; open the workbook in a " +
                         "spreadsheet program and save it again");
@@ -119,32 +152,63 @@ StylePart::StylePart(std::string name, std::string text)
 }
 
 void StylePart::read_number_formats() {
-  for (const auto format : part_.children(part_.child(part_.root(), "numFmts"), "numFmt")) {
-    const std::uint32_t number = number_of(format.attribute("numFmtId"));
-    format_numbers_.emplace(without_escapes(format.attribute("formatCode").value()), number);
-    if (number < UINT32_MAX) free_number_format_ = std::max(free_number_format_, number + 1);
+  for (const StyleItem& item : number_formats_.items()) {
+    const std::uint32_t number = number_of(item.node.attribute("numFmtId"));
+    std::optional<std::string> text = without_escapes(item.node.attribute("formatCode").value());
+    if (item.is_alternative) text.reset();
+    const auto [known, is_new] = formats_.emplace(number, text);
+    if (!is_new && known->second != text) known->second.reset();
   }
+  // In all alternatives.
+  const auto note = [this](pugi::xml_node node) {
+    const auto number = node.attribute("numFmtId");
+    if (number) format_numbers_.insert(number_of(number));
+    if (number && local_name(node.name()) == "numFmt") formats_.try_emplace(number_of(number));
+    return false;
+  };
+  for (const std::string_view list : {"numFmts", "cellStyleXfs", "cellXfs"})
+    part_.child(part_.root(), list).find_node(note);
+}
+
+// A workbook may give a reserved number to another format.
+bool StylePart::stands_for(std::uint32_t number, const std::string& format) const {
+  const auto own = formats_.find(number);
+  if (own == formats_.end()) return reserved_number_format(format) == number;
+  return own->second == format || (own->second && format == "General" && lower(*own->second) == "general");
+}
+
+// Behind all others, or where there's room between them.
+std::uint32_t StylePart::free_number_format() const {
+  const std::uint32_t greatest = format_numbers_.empty() ? 0 : *format_numbers_.rbegin();
+  if (greatest < kGreatestFormat) return std::max(kFirstOwnFormat, greatest + 1);
+  std::uint32_t number = kFirstOwnFormat;
+  while (format_numbers_.contains(number)) ++number;
+  return number;
 }
 
 std::uint32_t StylePart::number_format(const std::string& format) {
-  if (const auto reserved = reserved_number_format(format)) return *reserved;
-  const auto [place, is_new] = format_numbers_.emplace(format, free_number_format_);
-  if (is_new) {
-    number_formats_.number('<' + prefix_ + "numFmt" + attribute("numFmtId", free_number_format_++) +
-                           " formatCode=" + xml_attribute(format) + "/>");
-  }
-  return place->second;
+  const auto reserved = reserved_number_format(format);
+  if (reserved && stands_for(*reserved, format)) return *reserved;
+  for (const auto& [number, text] : formats_)
+    if (text == format) return number;
+  const std::uint32_t number = free_number_format();
+  formats_.emplace(number, format);
+  format_numbers_.insert(number);
+  number_formats_.number('<' + prefix_ + "numFmt" + attribute("numFmtId", number) +
+                         " formatCode=" + xml_attribute(format) + "/>");
+  return number;
 }
 
 std::uint32_t StylePart::font(const CellStyle& style) {
   const std::uint32_t told = number_of(basis_.attribute("fontId"));
   const std::uint32_t plain = told < fonts_.items().size() ? told : 0;
   if (!style.bold && style.color_index == 0) return plain;
-  return fonts_.number(changed_font(fonts_.items()[plain], prefix_, style));
+  return fonts_.number(changed_font(fonts_.items()[plain].xml, prefix_, style));
 }
 
 std::uint32_t StylePart::format_of(const CellStyle& style) {
-  if (style == CellStyle{} && number_of(basis_.attribute("numFmtId")) == 0) return 0;
+  const CellStyle plain;
+  if (style == plain && stands_for(number_of(basis_.attribute("numFmtId")), plain.number_format)) return 0;
   std::string format = '<' + prefix_ + "xf" + attribute("numFmtId", number_format(style.number_format)) +
                        attribute("fontId", font(style)) + attribute("fillId", number_of(basis_.attribute("fillId"))) +
                        attribute("borderId", number_of(basis_.attribute("borderId"))) +

@@ -52,6 +52,15 @@ std::string_view prefix_for(pugi::xml_node element, std::string_view space) {
   return {};
 }
 
+constexpr std::string_view kNumbered[] = {"sheets", "bookViews", "definedNames"};
+
+bool is_numbered(pugi::xml_node node) { return std::ranges::count(kNumbered, local_name(node.name())) != 0; }
+
+// Whether it depends on the program that reads it what a list of sheets, or of what has their numbers, holds.
+bool is_uncertain(const XmlPart& part, pugi::xml_node node) {
+  return part.is_alternatives(node) && (is_numbered(node.parent()) || node.find_node(is_numbered));
+}
+
 }  // namespace
 
 WorkbookPart::WorkbookPart(std::string name, std::string text) : part_(std::move(name), std::move(text)) {
@@ -63,6 +72,10 @@ WorkbookPart::WorkbookPart(std::string name, std::string text) : part_(std::move
                         "in a spreadsheet program and save it again");
   dialect_ = &*found;
   sheets_ = part_.children(list_, "sheet");
+  if (root.find_node([this](pugi::xml_node node) { return is_uncertain(part_, node); }))
+    throw WorkbookError("its part '" + part_.name() +
+                        "' has alternatives (mc:AlternateContent) in its lists, so that " +
+                        "its sheets can't be numbered for sure; open it in a spreadsheet program and save it again");
   for (const auto sharing : part_.children(root, "fileSharing")) {
     if (sharing.attribute("reservationPassword") || sharing.attribute("hashValue"))
       throw WorkbookError("a password stands before changes to it; take the password off first");
@@ -89,6 +102,16 @@ std::vector<std::string> WorkbookPart::sheet_relations() const {
         ids.emplace_back(attribute.value());
     }
   }
+  return ids;
+}
+
+std::unordered_set<std::string> WorkbookPart::named_relations() const {
+  std::unordered_set<std::string> ids;
+  part_.root().find_node([&ids](pugi::xml_node node) {
+    for (const auto attribute : node.attributes())
+      if (std::string_view(attribute.value()).starts_with(kRelationId)) ids.emplace(attribute.value());
+    return false;
+  });
   return ids;
 }
 
@@ -134,7 +157,9 @@ void WorkbookPart::add_sheet(const Sheet& sheet, const std::string& relation) {
 void WorkbookPart::show(std::size_t position) {
   for (const auto view : part_.children(part_.child(part_.root(), "bookViews"), "workbookView")) {
     const std::string shown = std::to_string(position);
-    if (number_of(view.attribute("activeTab")) != position) part_.set_attribute(view, "activeTab", shown);
+    const auto active_tab = view.attribute("activeTab");
+    if (active_tab ? whole_number(active_tab) != position : position != 0)
+      part_.set_attribute(view, "activeTab", shown);
     // The tabs to the left of the first one aren't in sight.
     if (number_of(view.attribute("firstSheet")) > position) part_.set_attribute(view, "firstSheet", shown);
   }
@@ -142,9 +167,9 @@ void WorkbookPart::show(std::size_t position) {
 
 void WorkbookPart::shift_names(std::size_t position) {
   for (const auto name : part_.children(part_.child(part_.root(), "definedNames"), "definedName")) {
-    const auto sheet = name.attribute("localSheetId");
-    const std::size_t number = number_of(sheet);
-    if (sheet && number >= position) part_.set_attribute(name, "localSheetId", std::to_string(number + 1));
+    const auto number = whole_number(name.attribute("localSheetId"));
+    if (number && *number >= position)
+      part_.set_attribute(name, "localSheetId", std::to_string(std::uint64_t{*number} + 1));
   }
 }
 

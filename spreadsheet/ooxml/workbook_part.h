@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
 #include "spreadsheet/opc/relations.h"
@@ -21,6 +22,8 @@ class WorkbookPart {
   std::vector<std::string> sheet_names() const;
   // The ids of the references to the sheets.
   std::vector<std::string> sheet_relations() const;
+  // The ids of references that anything in it names, whether they are there or not.
+  std::unordered_set<std::string> named_relations() const;
   bool counts_from_1904() const;
   // Windows that show the workbook.
   std::size_t views() const;

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cerrno>
 #include <exception>
+#include <optional>
 #include <utility>
 #include <zip.h>
 
 #include "spreadsheet/opc/xml_part.h"
+#include "spreadsheet/opc/zip_splice.h"
 #include "spreadsheet/workbook_file.h"
 
 namespace trvtrout::spreadsheet::ooxml {
@@ -151,84 +153,38 @@ zip_int64_t serve_feed(void* state, void* data, zip_uint64_t length, zip_source_
   }
 }
 
-// A zip file that is read from `old` and written to `changed`. The library's own buffer frees what isn't its own when a
-// change keeps the first entries.
-struct Rewriting {
-  std::string_view old;
-  zip_uint64_t read_at = 0;
-  std::string changed;
-  zip_uint64_t write_at = 0;
-};
-
-zip_int64_t seek(zip_uint64_t& at, zip_uint64_t size, void* data, zip_uint64_t length) {
-  ErrorText error;
-  const zip_int64_t to = zip_source_seek_compute_offset(at, size, data, length, error.get());
-  if (to < 0) return -1;
-  at = static_cast<zip_uint64_t>(to);
-  return 0;
-}
-
-zip_int64_t write_changed(Rewriting& file, const char* data, zip_uint64_t length) {
-  try {
-    if (file.changed.size() < file.write_at) file.changed.resize(file.write_at);
-    const std::size_t replaced = std::min<std::size_t>(length, file.changed.size() - file.write_at);
-    file.changed.replace(file.write_at, replaced, data, length);
-  } catch (const std::exception&) {
-    return -1;
-  }
-  file.write_at += length;
-  return static_cast<zip_int64_t>(length);
-}
-
-zip_int64_t serve_rewriting(void* state, void* data, zip_uint64_t length, zip_source_cmd_t command) {
-  Rewriting& file = *static_cast<Rewriting*>(state);
-  switch (command) {
-    case ZIP_SOURCE_OPEN:
-      file.read_at = 0;
-      return 0;
-    case ZIP_SOURCE_READ: {
-      const std::size_t count = file.old.substr(file.read_at).copy(static_cast<char*>(data), length);
-      file.read_at += count;
-      return static_cast<zip_int64_t>(count);
-    }
-    case ZIP_SOURCE_SEEK:
-      return seek(file.read_at, file.old.size(), data, length);
-    case ZIP_SOURCE_TELL:
-      return static_cast<zip_int64_t>(file.read_at);
-    case ZIP_SOURCE_STAT:
-      return tell_size(data, file.old.size());
-    case ZIP_SOURCE_WRITE:
-      return write_changed(file, static_cast<const char*>(data), length);
-    case ZIP_SOURCE_SEEK_WRITE:
-      return seek(file.write_at, file.changed.size(), data, length);
-    case ZIP_SOURCE_TELL_WRITE:
-      return static_cast<zip_int64_t>(file.write_at);
-    case ZIP_SOURCE_ERROR:
-      return tell_failure(data);
-    case ZIP_SOURCE_SUPPORTS:
-      return ZIP_SOURCE_SUPPORTS_WRITABLE;
-    default:
-      return 0;  // the beginning and the end of reading and writing
-  }
-}
-
-// `feed` must outlive the closing of `zip`. `index` is that of the entry to replace, -1 for a new one.
-bool put(zip_t* zip, zip_int64_t index, const std::string& name, Feed& feed) {
+// Adds an entry. `feed` must outlive the closing of `zip`.
+bool put(zip_t* zip, const char* name, Feed& feed) {
   Source source(zip_source_function(zip, serve_feed, &feed));
   if (!source) return false;
-  const bool is_new = index < 0;
-  if (is_new) {
-    index = zip_file_add(zip, name.c_str(), source.get(), ZIP_FL_ENC_UTF_8);
-    if (index < 0) return false;
-  } else if (zip_file_replace(zip, static_cast<zip_uint64_t>(index), source.get(), 0) != 0) {
-    return false;
-  }
+  const zip_int64_t index = zip_file_add(zip, name, source.get(), ZIP_FL_ENC_GUESS);
+  if (index < 0) return false;
   static_cast<void>(source.release());  // the archive's now
   const auto entry = static_cast<zip_uint64_t>(index);
-  // The library forgets the level where the method is the one that it takes the entry to have anyway.
-  const zip_int32_t method = is_new ? ZIP_CM_DEFLATE : ZIP_CM_DEFAULT;
-  return zip_set_file_compression(zip, entry, method, kCompressionLevel) == 0 &&
+  return zip_set_file_compression(zip, entry, ZIP_CM_DEFLATE, kCompressionLevel) == 0 &&
          zip_file_set_dostime(zip, entry, 0, kFirstDay1980, 0) == 0;
+}
+
+// The attributes and the comment of an entry that another one takes the place of.
+bool take_over(zip_t* old, zip_uint64_t old_entry, zip_t* zip, zip_uint64_t entry) {
+  zip_uint8_t system = 0;
+  zip_uint32_t attributes = 0, length = 0;
+  const char* comment = zip_file_get_comment(old, old_entry, &length, ZIP_FL_ENC_RAW);
+  return zip_file_get_external_attributes(old, old_entry, 0, &system, &attributes) == 0 &&
+         zip_file_set_external_attributes(zip, entry, 0, system, attributes) == 0 &&
+         (length == 0 ||
+          zip_file_set_comment(zip, entry, comment, static_cast<zip_uint16_t>(length), ZIP_FL_ENC_GUESS) == 0);
+}
+
+std::string content_of(zip_source_t* source) {
+  zip_stat_t stat;
+  if (zip_source_stat(source, &stat) != 0 || zip_source_open(source) != 0)
+    raise_damaged("its zip file", zip_error_strerror(zip_source_error(source)));
+  std::string content(stat.size, '\0');
+  const zip_int64_t count = zip_source_read(source, content.data(), content.size());
+  zip_source_close(source);
+  if (!std::cmp_equal(count, content.size())) raise_damaged("its zip file", "its changes can't be read back");
+  return content;
 }
 
 }  // namespace
@@ -264,6 +220,10 @@ bool Package::has_folder(std::string_view folder) const {
   return std::ranges::any_of(indices_, [&](const auto& entry) { return entry.first.starts_with(folder); });
 }
 
+bool Package::has_backslashes() const {
+  return std::ranges::any_of(indices_, [](const auto& entry) { return entry.first.find('\\') != std::string::npos; });
+}
+
 std::unique_ptr<PartStream> Package::stream(const std::string& name) const {
   const auto found = indices_.find(lower(name));
   if (found == indices_.end()) raise_part(name, "it's missing");
@@ -281,25 +241,42 @@ std::string Package::read(const std::string& name) const {
   return text;
 }
 
+// The changed parts make a zip file of their own, whose entries then go between the others.
 std::string Package::with(std::vector<PartChange> changes) const {
   std::vector<Feed> feeds(changes.size());
-  Rewriting file{bytes_};
-  Zip zip = open_zip(Source(zip_source_function_create(serve_rewriting, &file, nullptr)), 0);
+  const Source target(zip_source_buffer_create(nullptr, 0, 0, nullptr));
+  if (target) zip_source_keep(target.get());
+  Zip zip = open_zip(Source(target.get()), ZIP_CREATE | ZIP_TRUNCATE);
   const auto raise_failure = [&feeds](zip_t* failed) {
     for (const Feed& feed : feeds) {
       if (feed.failure) std::rethrow_exception(feed.failure);
     }
     raise_damaged("its zip file", zip_error_strerror(zip_get_error(failed)));
   };
+  std::vector<std::optional<std::size_t>> replaced(changes.size());
+  std::size_t count = indices_.size();
   for (std::size_t number = 0; number < changes.size(); ++number) {
     const auto found = indices_.find(lower(changes[number].name));
-    const auto index = found == indices_.end() ? -1 : static_cast<zip_int64_t>(found->second);
+    const bool is_new = found == indices_.end();
     feeds[number].content = std::move(changes[number].content);
-    if (!put(zip.get(), index, changes[number].name, feeds[number])) raise_failure(zip.get());
+    const char* name = is_new ? changes[number].name.c_str() : zip_get_name(zip_, found->second, ZIP_FL_ENC_RAW);
+    if (name == nullptr || !put(zip.get(), name, feeds[number])) raise_failure(zip.get());
+    if (!is_new && !take_over(zip_, found->second, zip.get(), number)) raise_failure(zip.get());
+    if (!is_new) replaced[number] = found->second;
+    count += is_new;
   }
   if (zip_close(zip.get()) != 0) raise_failure(zip.get());
   static_cast<void>(zip.release());
-  return std::move(file.changed);
+  std::string bytes = spliced(bytes_, content_of(target.get()), replaced);
+  // A file with two directories may have been read by one of them and changed by the other.
+  const Package after(bytes);
+  const auto is_there = [&after](const auto& entry) {
+    const auto found = after.indices_.find(entry.first);
+    return found != after.indices_.end() && found->second == entry.second;
+  };
+  if (after.indices_.size() != count || !std::ranges::all_of(indices_, is_there))
+    raise_damaged("its zip file", "it lists its parts in two ways");
+  return bytes;
 }
 
 }  // namespace trvtrout::spreadsheet::ooxml

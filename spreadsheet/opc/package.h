@@ -46,11 +46,12 @@ class Package {
   bool has(std::string_view name) const;
   // Whether a part stands below `folder`, whose name ends in a slash.
   bool has_folder(std::string_view folder) const;
+  bool has_backslashes() const;
   // The whole part. Raises WorkbookError if there's none, if it's damaged or if it's larger than kLargestXml.
   std::string read(const std::string& name) const;
   std::unique_ptr<PartStream> stream(const std::string& name) const;
-  // The bytes of the package with `changes`; other entries are copied as they are, in their order. Each written entry
-  // has the same date, so that the same changes give the same bytes.
+  // The bytes of the package with `changes`; other entries stay byte for byte, in their order. Each written entry has
+  // the same date, so that the same changes give the same bytes.
   std::string with(std::vector<PartChange> changes) const;
 
  private:

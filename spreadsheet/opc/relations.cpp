@@ -72,9 +72,10 @@ std::string Relations::target(const std::string& id) const {
 }
 
 std::string Relations::add(const Dialect& dialect, std::string_view kind, const std::string& target) {
-  std::size_t number = targets_.size() + 1;
-  while (targets_.contains("rId" + std::to_string(number))) ++number;
-  std::string id = "rId" + std::to_string(number);
+  std::size_t number = targets_.size();
+  std::string id;
+  do id = std::string(kRelationId) + std::to_string(++number);
+  while (targets_.contains(id) || kept_free_.contains(id));
   const std::string folder = folder_of(source_);
   const std::string shown = target.starts_with(folder) ? target.substr(folder.size()) : '/' + target;
   part_->append(part_->root(), '<' + part_->prefix() + "Relationship Id=\"" + id + "\" Type=\"" +

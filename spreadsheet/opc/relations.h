@@ -5,6 +5,8 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
+#include <utility>
 #include <vector>
 
 #include "spreadsheet/opc/package.h"
@@ -21,6 +23,9 @@ inline constexpr std::array<Dialect, 2> kDialects = {{
      "http://schemas.openxmlformats.org/officeDocument/2006/relationships"},
     {"http://purl.oclc.org/ooxml/spreadsheetml/main", "http://purl.oclc.org/ooxml/officeDocument/relationships"},
 }};
+
+// What the ids of references begin with, followed by a number.
+inline constexpr std::string_view kRelationId = "rId";
 
 // How one part refers to another.
 struct Relation {
@@ -40,6 +45,8 @@ class Relations {
   const Relation* first(std::string_view kind) const;
   // The part that is referred to by `id`; empty if there's none or it's outside.
   std::string target(const std::string& id) const;
+  // Keeps ids from being given to further references.
+  void keep_free(std::unordered_set<std::string> ids) { kept_free_ = std::move(ids); }
   // Adds a reference to a part and tells its id.
   std::string add(const Dialect& dialect, std::string_view kind, const std::string& target);
   PartChange change() const;
@@ -49,6 +56,7 @@ class Relations {
   std::unique_ptr<XmlPart> part_;
   std::vector<Relation> relations_;
   std::unordered_map<std::string, std::string> targets_;  // by id
+  std::unordered_set<std::string> kept_free_;
 };
 
 // Which part holds what.

@@ -31,11 +31,13 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(0, text.find_last_not_of(kBlanks) + 1);
 }
 
-bool is_utf8_compatible(std::string_view encoding) {
+bool is_told_right(std::string_view encoding, XmlEncoding found) {
   const auto equals = [&](std::string_view name) {
     return std::ranges::equal(encoding, name, [](char left, char right) { return (left | 0x20) == (right | 0x20); });
   };
-  return encoding.empty() || equals("utf-8") || equals("us-ascii") || equals("ascii");
+  if (encoding.empty()) return true;
+  if (found != XmlEncoding::kUtf8) return equals("utf-16");
+  return equals("utf-8") || equals("us-ascii") || equals("ascii");
 }
 
 }  // namespace
@@ -52,30 +54,38 @@ bool is_true(pugi::xml_attribute attribute) {
   return value == "1" || value == "true";
 }
 
-std::uint32_t number_of(pugi::xml_attribute attribute) {
+std::optional<std::uint32_t> whole_number(pugi::xml_attribute attribute) {
   const std::string_view value = trimmed(attribute.value());
   std::uint32_t number = 0;
   const auto [end, error] = std::from_chars(value.data(), value.data() + value.size(), number);
-  return error == std::errc() && end == value.data() + value.size() ? number : 0;
+  if (error != std::errc() || end != value.data() + value.size()) return std::nullopt;
+  return number;
 }
 
 XmlPart::XmlPart(std::string name, std::string text, XmlExtent extent)
-    : name_(std::move(name)), text_(std::move(text)) {
+    : name_(std::move(name)), encoding_(encoding_of(text)), text_(std::move(text)) {
+  decode(extent);
   constexpr unsigned kFlags = pugi::parse_full;
   const auto result = document_.load_buffer(text_.data(), text_.size(), kFlags, pugi::encoding_utf8);
-  const bool is_wide = text_.starts_with("\xFE\xFF") || text_.starts_with("\xFF\xFE") ||
-                       std::string_view(text_).substr(0, 4).find('\0') != std::string_view::npos;
-  if (is_wide) raise("it's in UTF-16");
   if (!result && extent == XmlExtent::kWhole)
     raise(std::string(result.description()) + " at byte " + std::to_string(result.offset));
   check_document();
 }
 
+void XmlPart::decode(XmlExtent extent) {
+  auto result = decoded(text_, encoding_);
+  if (!result || (extent == XmlExtent::kWhole && !result->rest.empty())) raise("it has half a character");
+  rest_ = result->rest;
+  text_ = std::move(result->text);
+  if (std::string_view(text_).substr(0, 4).find('\0') != std::string_view::npos)
+    raise("it's in UTF-16 without a byte order mark, or in another encoding");
+}
+
 void XmlPart::check_document() const {
   for (const auto node : document_.children()) {
     if (node.type() == pugi::node_doctype) raise("it has a document type");
-    if (node.type() == pugi::node_declaration && !is_utf8_compatible(node.attribute("encoding").value()))
-      raise("it's in another encoding than UTF-8");
+    if (node.type() == pugi::node_declaration && !is_told_right(node.attribute("encoding").value(), encoding_))
+      raise("it says that it's in another encoding than UTF-8 or UTF-16, or not in the one that it's in");
   }
   if (!root()) raise("it has no element");
   Sanity sanity;
@@ -106,13 +116,16 @@ std::string_view XmlPart::namespace_of(pugi::xml_node element) const {
   return namespace_of(element, prefix_of(element.name()));
 }
 
+bool XmlPart::is_element(pugi::xml_node node, std::string_view local, std::string_view space) const {
+  return node.type() == pugi::node_element && (local.empty() || local_name(node.name()) == local) &&
+         namespace_of(node) == (space.empty() ? namespace_of(root()) : space);
+}
+
 std::vector<pugi::xml_node> XmlPart::children(pugi::xml_node parent, std::string_view local,
                                               std::string_view space) const {
-  if (space.empty()) space = namespace_of(root());
   std::vector<pugi::xml_node> found;
   for (const auto node : parent.children()) {
-    if (node.type() == pugi::node_element && local_name(node.name()) == local && namespace_of(node) == space)
-      found.push_back(node);
+    if (is_element(node, local, space)) found.push_back(node);
   }
   return found;
 }
@@ -228,7 +241,7 @@ std::string XmlPart::changed_text() const {
     out.append(text_, at, offset - at).append(text);
     at = offset + length;
   }
-  return out.append(text_, at);
+  return encoded(std::move(out.append(text_, at)), encoding_) + rest_;
 }
 
 }  // namespace trvtrout::spreadsheet::ooxml

@@ -18,8 +18,11 @@ from openpyxl.workbook.defined_name import DefinedName
 FREE, END, TABLE = 0xFFFFFFFF, 0xFFFFFFFE, 0xFFFFFFFD
 
 
-def ole2(streams, shift=9):
-    """An OLE2 file; streams below 4,096 bytes lie in the mini stream."""
+def ole2(streams, shift=9, chained=()):
+    """An OLE2 file; streams below 4,096 bytes lie in the mini stream.
+
+    `chained` names two of its streams, "Root Entry" for the mini stream: the chain of one goes on as that of the other.
+    """
     size, sectors, table, mini, mini_table = 1 << shift, [], [], b"", []
 
     def add(content):
@@ -41,6 +44,11 @@ def ole2(streams, shift=9):
     packed_mini = struct.pack("<%dI" % len(mini_table), *mini_table)
     mini_start = add(packed_mini + b"\xff" * (-len(packed_mini) % size))
     entries.insert(0, ("Root Entry", 5, 1, add(mini), len(mini)))
+    if chained:
+        first, second = (next(entry[3] for entry in entries if entry[0] == name) for name in chained)
+        while table[first] != END:
+            first = table[first]
+        table[first] = second
     directory = b""
     for index, (name, kind, child, start, length) in enumerate(entries):
         utf16 = name.encode("utf-16-le") + b"\0\0"
@@ -174,9 +182,12 @@ for name, book in (("sheets.xls", several_sheets()), ("texts.xls", texts_in_all_
 small = xlwt.Workbook()
 small.add_sheet("Small").write(0, 0, 1)
 macros = {"_VBA_PROJECT": b"small", "Summary": bytes(range(256)) * 30}
-for name, book, shift in (("mini.xls", small, 9), ("sectors-of-4096.xls", several_sheets(), 12)):
+for name, book, shift, chained in (
+        ("mini.xls", small, 9, ()), ("sectors-of-4096.xls", several_sheets(), 12, ()),
+        ("workbook-then-mini.xls", several_sheets(), 9, ("Workbook", "Root Entry")),
+        ("mini-then-workbook.xls", several_sheets(), 9, ("Root Entry", "Workbook"))):
     with open(name, "wb") as file:
-        file.write(ole2({"Workbook": book.get_biff_data(), **macros}, shift))
+        file.write(ole2({"Workbook": book.get_biff_data(), **macros}, shift, chained))
 everything("everything.xlsx")
 picture("picture.ods")
 if shutil.which("soffice"):

@@ -1,5 +1,5 @@
 """For each workbook X of a folder, and added-X with the tests' sheet in it: is all as it was but for that sheet?"""
-import datetime, re, sys, zipfile
+import datetime, re, struct, sys, zipfile
 import xml.etree.ElementTree as ET
 from pathlib import Path
 from openpyxl import load_workbook
@@ -10,16 +10,23 @@ TEXTS = ["Heading", "=1+1", "x < y & \"z\" ]]>", " two\nlines\t", "_x005F_x0041_
 
 
 def raw(path):
-    """The entries in their order, each as it's stored."""
+    """The entries in their order: each as it's stored, its content, its record without its place, its date."""
     data = path.read_bytes()
     with zipfile.ZipFile(path) as package:
         assert package.testzip() is None
-        entries = {}
+        entries, at = {}, package.start_dir
+        ends = sorted(entry.header_offset for entry in package.infolist()) + [at]
         for entry in package.infolist():
-            at = entry.header_offset
-            start = at + 30 + int.from_bytes(data[at + 26:at + 28], "little") + int.from_bytes(data[at + 28:at + 30], "little")
-            entries[entry.filename] = (data[start:start + entry.compress_size], package.read(entry), entry.CRC, entry.date_time)
-        return entries
+            end = ends[ends.index(entry.header_offset) + 1]
+            size = 46 + sum(struct.unpack_from("<HHH", data, at + 28))
+            entries[entry.filename] = (data[entry.header_offset:end], package.read(entry),
+                                       data[at:at + 42] + data[at + 46:at + size], entry.date_time)
+            at += size
+        return entries, package.comment
+
+
+def decoded(content):
+    return content.decode("utf-16" if content[:2] in (b"\xff\xfe", b"\xfe\xff") else "utf-8")
 
 
 def unchanged(part, text):
@@ -42,17 +49,20 @@ def check_styles(old, new):
 
 
 def check_package(old, new):
-    before, after = raw(old), raw(new)
+    (before, comment), (after, new_comment) = raw(old), raw(new)
+    assert comment == new_comment
     assert list(after)[:len(before)] == list(before)
     for part in before:
         if after[part] == before[part]:
             continue
-        old_text, new_text = before[part][1].decode(), after[part][1].decode()
+        old_text, new_text = decoded(before[part][1]), decoded(after[part][1])
+        assert before[part][1][:2] == after[part][1][:2]
         if part == "xl/styles.xml":
-            check_styles(old_text, new_text)
+            check_styles(before[part][1], after[part][1])
         elif TOUCHED.fullmatch(part):
             assert unchanged(part, new_text) == unchanged(part, old_text), (part, new_text)
         else:
+            assert old_text != new_text, (part, "is stored in another way", before[part], after[part])
             assert re.sub(r"""(tabSelected\s*=\s*["'])(1|true)""", r"\g<1>0", old_text) == new_text, part
     added = set(after) - set(before)
     assert all(re.fullmatch(r"xl/(worksheets/sheet\d+|styles).xml", part) for part in added), added
@@ -71,7 +81,7 @@ def check_sheet(sheet):
     assert [cell.value for cell in sheet[1]] == TEXTS, [cell.value for cell in sheet[1]]
     number, date, yes, blank, huge = sheet["A3"], sheet["B3"], sheet["C3"], sheet["D3"], sheet["E3"]
     assert (number.value, number.number_format) == (0.1, '"a""<"0.00'), number.number_format
-    assert isinstance(date.value, datetime.datetime) and date.number_format == "m/d/yy h:mm", date.number_format
+    assert isinstance(date.value, datetime.datetime) and date.number_format in ("m/d/yy h:mm", "m/d/yyyy h:mm"), date.number_format
     assert yes.value is True and yes.data_type == "b" and huge.value == -1e300
     assert blank.value is None and blank.font.b and blank.font.color.indexed == 10
     head, text = sheet["A1"], sheet["B1"]

@@ -1,5 +1,5 @@
 """Makes workbooks in a folder: ordinary ones by openpyxl, then the same packages as other programs may write them."""
-import re, sys, zipfile
+import re, struct, sys, zipfile, zlib
 from pathlib import Path
 from openpyxl import Workbook
 from openpyxl.chart import BarChart, Reference
@@ -90,8 +90,36 @@ def variants():
     variant("bare.xlsx", {BOOK: lambda text: re.sub(r"<(definedNames|bookViews)>.*?</\1>", "", text)})
     palette = "<colors><indexedColors>" + 64 * '<rgbColor rgb="00123456"/>' + "</indexedColors></colors>"
     variant("palette.xlsx", {STYLES: lambda text: re.sub("<colors>.*</colors>", palette, text)})
+    redefined = '<numFmt numFmtId="22" formatCode="dd-MM-yyyy h:mm a"/><numFmt numFmtId="0" formatCode="GENERAL"/>'
+    variant("redefined.xlsx", {STYLES: lambda text: re.sub("(<numFmts)[^>]*>", rf"\1>{redefined}", text)})
+    def utf16(text):
+        return re.sub('encoding="UTF-8"|encoding=.UTF-8.', 'encoding="UTF-16"', text, flags=re.I).encode("utf-16")
+    variant("utf16.xlsx", dict.fromkeys((BOOK, RELS, STYLES, TYPES, "_rels/.rels", "xl/worksheets/sheet1.xml"), utf16))
+    streamed()
     noise = bytes((index * 2654435761 >> 7) & 255 for index in range(1 << 16)) * 128
     variant("large.xlsx", {}, tail=[("xl/media/noise.png", noise, zipfile.ZIP_STORED)])
+
+
+def streamed():
+    """A copy as a program may stream it: lengths behind the contents, no dates, names told a second time, comments."""
+    class Stream:
+        def __init__(self, path):
+            self.file = open(path, "wb")
+        def write(self, data):
+            return self.file.write(data)
+        def flush(self):
+            self.file.flush()
+    with zipfile.ZipFile(folder / "rich.xlsx") as old, zipfile.ZipFile(Stream(folder / "streamed.xlsx"), "w") as new:
+        for number, entry in enumerate(old.infolist()):
+            name = entry.filename.encode()
+            told = zipfile.ZipInfo(entry.filename, (1980, number % 2, 0, 0, 0, 0))
+            told.extra = struct.pack("<HHBI", 0x7075, 5 + len(name), 1, zlib.crc32(name)) + name
+            told.extra += struct.pack("<HHBI", 0x5455, 5, 1, 0)
+            told.compress_type = zipfile.ZIP_DEFLATED if number % 3 else zipfile.ZIP_STORED
+            told.external_attr, told.comment = 0o640 << 16, b"PK\5\6 %d" % number
+            with new.open(told, "w", force_zip64=number % 2 == 0) as part:
+                part.write(old.read(entry))
+        new.comment = b"streamed"
 
 
 def refused():
@@ -107,12 +135,24 @@ def refused():
     spoiled("twice", {}, tail=[("XL/WORKBOOK.XML", b"")])
     spoiled("broken_xml", {BOOK: change(("</sheets>", ""))})
     spoiled("doctype", {BOOK: lambda text: "<!DOCTYPE workbook [<!ENTITY a 'b'>]>" + text})
-    spoiled("utf16", {BOOK: lambda text: text.encode("utf-16")})
+    spoiled("utf16", {BOOK: lambda text: text.encode("utf-16-le")})
+    spoiled("half_utf16", {BOOK: lambda text: text.encode("utf-16") + b"\0"})
+    spoiled("utf16_as_utf8", {BOOK: lambda text: ('<?xml version="1.0" encoding="UTF-8"?>' + text).encode("utf-16")})
+    markup = 'xmlns:mc="http://schemas.openxmlformats.org/markup-compatibility/2006"'
+    def alternatives(choice, fallback):
+        return (f'<mc:AlternateContent {markup}><mc:Choice Requires="x">{choice}</mc:Choice>'
+                f'<mc:Fallback>{fallback}</mc:Fallback></mc:AlternateContent>')
+    spoiled("alternative_fonts", {STYLES: change(("</fonts>", alternatives("<font/><font/>", "<font/>") + "</fonts>"))})
+    spoiled("alternative_list", {STYLES: lambda text: re.sub("(<fonts.*</fonts>)", alternatives(r"\1", r"\1"), text)})
+    spoiled("alternative_sheets", {BOOK: change(("</sheets>", alternatives("", "") + "</sheets>"))})
     spoiled("latin", {BOOK: lambda text: '<?xml version="1.0" encoding="ISO-8859-1"?>' + text})
     spoiled("deep", {BOOK: lambda text: text.replace("<sheets>", "<a>" * 9999 + "</a>" * 9999 + "<sheets>")})
     spoiled("bomb", {BOOK: lambda text: text.replace("<sheets>", " " * (40 << 20) + "<sheets>")})
     spoiled("no_workbook", {BOOK: lambda text: None})
     spoiled("no_sheets", {BOOK: lambda text: re.sub("<sheets>.*</sheets>", "", text)})
+    with zipfile.ZipFile(folder / "rich.xlsx") as old, zipfile.ZipFile(folder / "refused_backslashes", "w") as new:
+        for entry in old.infolist():
+            new.writestr(entry.filename.replace("/", "\\"), old.read(entry))
     with zipfile.ZipFile(folder / "refused_plain_zip", "w") as plain:
         plain.writestr("a.txt", "a")
     whole = (folder / "rich.xlsx").read_bytes()

@@ -6,6 +6,8 @@
 #include <xlsxwriter.h>
 
 #include "spreadsheet/ooxml/ooxml_workbook.h"
+#include "spreadsheet/ooxml/style_part.h"
+#include "spreadsheet/opc/package.h"
 #include "spreadsheet/workbook_file.h"
 #include "tests/fakes/temporary_folder.h"
 
@@ -85,9 +87,9 @@ TEST(OoxmlWorkbook, NothingButTheNewSheetChangesInWorkbooksOfOtherPrograms) {
   const TemporaryFolder folder;
   ASSERT_TRUE(python("ooxml_fixtures.py", folder.at("")));
   write_macro_workbook(folder);
-  for (const std::string name :
-       {"rich.xlsx", "epoch1904.xlsx", "prefixed.xlsx", "strict.xlsx", "relative.xlsx", "no_styles.xlsx",
-        "hollow_styles.xlsx", "quotes.xlsx", "bare.xlsx", "palette.xlsx", "large.xlsx", "macros.xlsm"}) {
+  for (const std::string name : {"rich.xlsx", "epoch1904.xlsx", "prefixed.xlsx", "strict.xlsx", "relative.xlsx",
+                                 "no_styles.xlsx", "hollow_styles.xlsx", "quotes.xlsx", "bare.xlsx", "palette.xlsx",
+                                 "large.xlsx", "macros.xlsm", "redefined.xlsx", "utf16.xlsx", "streamed.xlsx"}) {
     SCOPED_TRACE(name);
     const std::string before = get_file(folder.at(name));
     const auto workbook = open_ooxml(before);
@@ -135,6 +137,12 @@ TEST(OoxmlWorkbook, WhatMustNotOrCannotBeChangedIsRefusedWithTheReason) {
       {"broken_xml", "'xl/workbook.xml' can't be used: Start-end tags mismatch"},
       {"doctype", "document type"},
       {"utf16", "UTF-16"},
+      {"half_utf16", "half a character"},
+      {"utf16_as_utf8", "another encoding"},
+      {"backslashes", "by backslashes"},
+      {"alternative_fonts", "alternatives"},
+      {"alternative_list", "alternatives"},
+      {"alternative_sheets", "alternatives"},
       {"latin", "another encoding"},
       {"deep", "too deep"},
       {"bomb", "larger than 32 MB"},
@@ -143,6 +151,95 @@ TEST(OoxmlWorkbook, WhatMustNotOrCannotBeChangedIsRefusedWithTheReason) {
     const std::string told = reason_against(get_file(folder.at(std::string("refused_") + name)));
     EXPECT_NE(told.find(reason), std::string::npos) << name << ": " << told;
   }
+}
+
+std::string part_of(const std::string& bytes, const std::string& name) { return ooxml::Package(bytes).read(name); }
+
+// A workbook of one sheet with `text` in the place of `old` in a part.
+std::string edited(const std::string& part, const std::string& old, const std::string& text) {
+  const std::string bytes = open_ooxml(empty_ooxml())->with_sheet(make_sheet("First"));
+  std::string content = part_of(bytes, part);
+  const std::size_t at = content.find(old);
+  EXPECT_NE(at, std::string::npos) << content;
+  content.replace(at, old.size(), text);
+  std::vector<ooxml::PartChange> changes;
+  changes.push_back({part, ooxml::text_stream(content)});
+  return ooxml::Package(bytes).with(std::move(changes));
+}
+
+TEST(OoxmlWorkbook, NoOldSheetIsTakenForTheNewOne) {
+  const std::string before =
+      edited("xl/workbook.xml", "</sheets>", R"(<sheet name="Lost" sheetId="9" r:id="rId3"/></sheets><x id="rId4"/>)");
+  const std::string after = open_ooxml(before)->with_sheet(make_sheet("New one"));
+  const std::string relations = part_of(after, "xl/_rels/workbook.xml.rels");
+  EXPECT_EQ(relations.find("\"rId3\""), std::string::npos) << relations;
+  EXPECT_EQ(relations.find("\"rId4\""), std::string::npos) << relations;
+  EXPECT_NE(relations.find("\"rId5\""), std::string::npos) << relations;
+}
+
+TEST(OoxmlWorkbook, TheNewSheetIsTheActiveOneWhateverWasSaidBefore) {
+  const std::string before = edited("xl/workbook.xml", "<workbookView", "<workbookView activeTab=\"-1\"");
+  const std::string after = part_of(open_ooxml(before)->with_sheet(make_sheet("New one")), "xl/workbook.xml");
+  EXPECT_NE(after.find("activeTab=\"0\""), std::string::npos) << after;
+  EXPECT_LT(after.find("New one"), after.find("First")) << after;
+}
+
+std::string styles(const std::string& content) {
+  return R"(<styleSheet xmlns="http://schemas.openxmlformats.org/spreadsheetml/2006/main" )"
+         R"(xmlns:mc="http://schemas.openxmlformats.org/markup-compatibility/2006">)" +
+         content + "</styleSheet>";
+}
+
+TEST(StylePart, AReservedNumberMayStandForAnotherFormat) {
+  const struct {
+    const char *own, *asked, *number;
+  } kCases[] = {
+      {R"(<numFmt numFmtId="1" formatCode="dd-MM-yyyy h:mm a"/>)", "0", "164"},
+      {R"(<numFmt numFmtId="1" formatCode="0"/>)", "0", "1"},
+      {R"(<numFmt numFmtId="1" formatCode="yyyy"/><numFmt numFmtId="1" formatCode="0"/>)", "0", "164"},
+      {R"(<numFmt numFmtId="1" formatCode="yyyy"/><numFmt numFmtId="170" formatCode="0"/>)", "0", "170"},
+      {R"(<numFmt numFmtId="0" formatCode="GENERAL"/>)", "General", "0"},
+      {R"(<numFmt numFmtId="0" formatCode="yyyy"/>)", "General", "164"},
+      {R"(<numFmt numFmtId="4294967294" formatCode="yyyy"/>)", "0.0", "164"},
+      {R"(<mc:AlternateContent><mc:Fallback><numFmt numFmtId="1" formatCode="yyyy"/></mc:Fallback></mc:AlternateContent>)",
+       "0", "164"},
+  };
+  for (const auto& each : kCases) {
+    const std::string xf = R"(<xf numFmtId="0" fontId="0" fillId="0" borderId="0" xfId="0"/>)";
+    ooxml::StylePart part("styles",
+                          styles("<numFmts>" + std::string(each.own) + "</numFmts><cellXfs>" + xf + "</cellXfs>"));
+    const bool is_plain = each.asked == std::string("General");
+    const auto numbers = part.formats_of({{.number_format = each.asked}});
+    const std::string text(part.change().content->next());
+    const std::string format = std::string("numFmtId=\"") + each.number + "\"";
+    EXPECT_EQ(numbers[0], is_plain && each.number == std::string("0") ? 0u : 1u) << each.own;
+    EXPECT_NE(text.rfind("<xf " + format), std::string::npos) << text;
+    if (each.number == std::string("164")) {
+      EXPECT_NE(text.find("<numFmt " + format + " formatCode=\"" + each.asked), std::string::npos) << text;
+    }
+  }
+}
+
+// A number that old cells name without its being defined stays undefined.
+TEST(StylePart, NumbersOfOldFormatsAreLeftAlone) {
+  ooxml::StylePart part("styles", styles(R"(<cellXfs><xf numFmtId="0"/><xf numFmtId="164"/></cellXfs>)"));
+  part.formats_of({{.number_format = "0.0000"}});
+  const std::string text(part.change().content->next());
+  EXPECT_NE(text.find(R"(<numFmt numFmtId="165" formatCode="0.0000"/>)"), std::string::npos) << text;
+}
+
+TEST(StylePart, AlternativeItemsAreCounted) {
+  const auto twice = [](const std::string& xml) {
+    return "<mc:AlternateContent><mc:Choice Requires=\"x\">" + xml + "</mc:Choice><mc:Fallback>" + xml +
+           "</mc:Fallback></mc:AlternateContent>";
+  };
+  const std::string bold = R"(<font><b/><color indexed="10"/></font>)", xf = R"(<xf numFmtId="0" fontId="0"/>)";
+  ooxml::StylePart part("styles", styles("<fonts count=\"4\"><font/>" + twice(bold + "<font/>") +
+                                         "<font/></fonts><cellXfs>" + twice(xf + xf) + xf + "</cellXfs>"));
+  EXPECT_EQ(part.formats_of({{}, {.bold = true, .color_index = 3}}), (std::vector<std::uint32_t>{0, 3}));
+  const std::string text(part.change().content->next());
+  EXPECT_NE(text.find(R"(<fonts count="5">)"), std::string::npos) << text;
+  EXPECT_NE(text.find("fontId=\"4\""), std::string::npos) << text;
 }
 
 // LibreOffice undoes the escapes that the other reader shows as they are.

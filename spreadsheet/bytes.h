@@ -9,7 +9,7 @@
 
 #include "spreadsheet/workbook_file.h"
 
-namespace trvtrout::spreadsheet::biff8 {
+namespace trvtrout::spreadsheet {
 
 static_assert(std::endian::native == std::endian::little, "numbers are copied as they stand in the file");
 
@@ -66,4 +66,4 @@ class ByteWriter {
   std::string bytes_;
 };
 
-}  // namespace trvtrout::spreadsheet::biff8
+}  // namespace trvtrout::spreadsheet
