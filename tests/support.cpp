@@ -1,6 +1,7 @@
 #include "tests/support.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -36,6 +37,20 @@ const std::vector<std::string>& sample_names() {
 }
 
 std::string sample(const std::string& name) { return file_bytes(SAMPLES "/" + name); }
+
+void expect_approved(const std::string& path, const std::optional<std::string>& made) {
+  if (std::getenv("VTR_APPROVE") == nullptr) {
+    const bool stands = std::filesystem::exists(path);
+    const std::string none = "no such file";
+    EXPECT_EQ(made.value_or(none), stands ? file_bytes(path) : none)
+        << path << "; ./dev approve writes what was made there, to be read with git diff";
+  } else if (made) {
+    std::filesystem::create_directories(std::filesystem::path(path).parent_path());
+    std::ofstream(path, std::ios::binary) << *made;
+  } else {
+    std::filesystem::remove(path);
+  }
+}
 
 std::shared_ptr<const Image> image_of(std::string_view bytes) {
   return vtrfile::image_of({reinterpret_cast<const unsigned char*>(bytes.data()), bytes.size()});

@@ -4,6 +4,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -20,6 +21,10 @@ std::string file_bytes(const std::string& path);
 // The sample documents by their path below samples/, all of them.
 const std::vector<std::string>& sample_names();
 std::string sample(const std::string& name);
+
+// Holds `made` to the approved text at `path`, byte for byte; no text: no such file may exist. When the environment has
+// VTR_APPROVE, makes it the approved one instead.
+void expect_approved(const std::string& path, const std::optional<std::string>& made);
 
 std::shared_ptr<const vtrfile::Image> image_of(std::string_view bytes);
 
