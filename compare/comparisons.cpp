@@ -35,7 +35,7 @@ bool write_comparison(const HostServices& services, const Comparison& comparison
   const std::string secondary_name = services.locale.Encode(secondary.base_name.value_or(u""));
   ComparisonWriter writer(out, primary_name, secondary_name, counts);
   comparison.write(writer, documents.primary, documents.secondary);
-  close(file.stream);
+  close_done(file.stream);
   return true;
 }
 

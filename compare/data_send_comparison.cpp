@@ -1,3 +1,5 @@
+#include <stdexcept>
+
 #include "compare/list_comparison.h"
 #include "reports/script_text.h"
 
@@ -20,9 +22,9 @@ struct HeaderRows {
   void pair(std::int32_t number, std::int32_t partner) const {
     const DATASEND_ITEM_STRUCT& one = primary.at(number);
     const DATASEND_ITEM_STRUCT& other = secondary.at(partner);
-    const std::string scripts = scripts_of(one);
+    const std::string scripts = scripts_of(one, number, "primary");
     // Without scripts of its own a definition takes its partner's for none as well, and shows them so.
-    const std::string other_scripts = one.Header.VBSInfo.empty() ? scripts : element_texts(other);
+    const std::string other_scripts = one.Header.VBSInfo.empty() ? scripts : element_texts(other, partner);
     const bool changed = differs<DATASEND_ITEM_STRUCT>(kDefinitionColumns, one, other) ||
                          one.Header.Number1 != other.Header.Number1 || scripts != other_scripts;
     if (!changed) return row(RowForm::kUnchanged, number, one, scripts);
@@ -30,20 +32,23 @@ struct HeaderRows {
     row(RowForm::kChanged, partner, other, other_scripts);
   }
   void deleted(std::int32_t number) const {
-    row(RowForm::kDeleted, number, primary.at(number), scripts_of(primary.at(number)));
+    row(RowForm::kDeleted, number, primary.at(number), scripts_of(primary.at(number), number, "primary"));
   }
   void added(std::int32_t number) const {
-    row(RowForm::kAdded, number, secondary.at(number), scripts_of(secondary.at(number)));
+    row(RowForm::kAdded, number, secondary.at(number), scripts_of(secondary.at(number), number, "secondary"));
   }
 
  private:
-  std::string scripts_of(const DATASEND_ITEM_STRUCT& definition) const {
-    return script_text(definition.Header.VBSInfo, writer.out().locale());
+  static std::string name_of(std::int32_t number, const std::string& side) {
+    return "definition " + std::to_string(number) + " of the " + side + " document";
   }
-  // Raises SubscriptOutOfRange for a definition without scripts.
-  std::string element_texts(const DATASEND_ITEM_STRUCT& definition) const {
-    if (definition.Header.VBSInfo.empty()) throw SubscriptOutOfRange();
-    return scripts_of(definition);
+  std::string scripts_of(const DATASEND_ITEM_STRUCT& definition, std::int32_t number, const std::string& side) const {
+    return script_text(definition.Header.VBSInfo, writer.out().locale(), name_of(number, side));
+  }
+  // Of the partner of a definition that has scripts; raises when it has none itself.
+  std::string element_texts(const DATASEND_ITEM_STRUCT& partner, std::int32_t number) const {
+    if (!partner.Header.VBSInfo.empty()) return scripts_of(partner, number, "secondary");
+    throw std::runtime_error(name_of(number, "secondary") + " has no scripts (VBSInfo), but its partner has");
   }
   void row(RowForm form, std::int32_t place, const DATASEND_ITEM_STRUCT& definition, const std::string& scripts) const {
     writer.row<DATASEND_ITEM_STRUCT>(form, ",,," + std::to_string(place) + ",", kDefinitionColumns, definition,

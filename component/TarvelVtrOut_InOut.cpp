@@ -81,7 +81,7 @@ Boolean TarvelVtrOut_InOut::ReadVTR(std::u16string& Fname, std::u16string& Struc
         store_->services.message_loop.DoEvents();
         const bool supported = store_->read(reader, image_of(*file));
         if (!supported) store_->warn_of_version();
-        close(file);
+        close_done(file);
         return supported ? True : store_->fail({.what = "the format version is not supported"});
       },
       [&](const Failure& failure) {

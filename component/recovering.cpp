@@ -121,7 +121,7 @@ Boolean TarvelVtrOut_InOut::RecoverVTR(std::u16string& RecoveredFname, std::u16s
         recovery.write_header(services.locale.Encode(RecoveredFname), services.locale.Encode(moment));
         for_each_section([&]<auto Member>(const Section<Member>&) { recovery.write_section<Member>(); });
         recovery.write_end();
-        close(file);
+        close_done(file);
         msgRecover += u"\r\n" + recovery.account();
         return True;
       },

@@ -17,7 +17,7 @@ void write(ReportWriter& out, const DocumentSlots& document) {
   out.heads(",,Header,", columns, kScriptHeads);
   for_each_item(list.Items, list.Count, [&](const DATASEND_ITEM_STRUCT& definition, std::int32_t number) {
     out.item(",," + std::to_string(number) + ",", columns, definition,
-             "," + script_text(definition.Header.VBSInfo, out.locale()));
+             "," + script_text(definition.Header.VBSInfo, out.locale(), "definition " + std::to_string(number)));
   });
   out.gap();
   out.counted(list_of(ListId::kDataSend).recount(document), "");

@@ -25,7 +25,7 @@ bool write_detail_report(const HostServices& services, const DocumentSlots& docu
   ReportWriter out(*file.stream, services.locale);
   write_head(out, fname);
   report.write(out, document);
-  close(file.stream);
+  close_done(file.stream);
   return true;
 }
 

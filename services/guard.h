@@ -33,14 +33,14 @@ auto guarded(Body&& body, Failed&& failed) -> decltype(body()) {
 
 // Closes a file or stream at the end of the work on it. Raises what its Close raises.
 template <class Opened>
-void close(std::unique_ptr<Opened>& opened) {
+void close_done(std::unique_ptr<Opened>& opened) {
   std::exchange(opened, nullptr)->Close();
 }
 
 // Closes what is still open where an operation fails, whatever comes of it.
 template <class Opened>
 void close_failed(std::unique_ptr<Opened>& opened) {
-  if (opened) guarded([&] { return close(opened), true; }, [](const Failure&) { return false; });
+  if (opened) guarded([&] { return close_done(opened), true; }, [](const Failure&) { return false; });
 }
 
 }  // namespace trvtrout

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <bit>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <numeric>
@@ -320,6 +321,27 @@ TEST_F(Comparing, ListsShorterThanTheirCountsFailWhereTheyEnd) {
   }
 }
 
+// A number that is none differs from itself by value; the same document on both sides has no labelled row all the same.
+TEST_F(Comparing, NumbersThatAreNoneAreTheSameByTheirBits) {
+  constexpr std::uint32_t kNone = 0x7FC00000, kOtherNone = 0x7FC00001, kMinusZero = 0x80000000;
+  const auto fields = [](std::uint32_t lenght) {
+    SCHEMA_STRUCT schema{};
+    TABLES_ITEM_STRUCT table{.Tid = text("T")};
+    const FIELDS_ITEM_STRUCT field{.Fid = text("F"), .Lenght = std::bit_cast<float>(lenght)};
+    table.Fields = {.Count = 1, .Items = array<FIELDS_ITEM_STRUCT>({field})};
+    schema.Tables = {.Count = 1, .Items = array<TABLES_ITEM_STRUCT>({table})};
+    return schema;
+  };
+  const auto labelled = [&](std::uint32_t one, std::uint32_t other) {
+    read_both("Schema", fields(one), fields(other));
+    return rows(&TarvelVtrOut_InOut::Compare_Field, ",,Tid,Fid").size() != 1;
+  };
+  EXPECT_FALSE(labelled(kNone, kNone));
+  EXPECT_TRUE(labelled(kNone, kOtherNone));
+  EXPECT_TRUE(labelled(kNone, 0));
+  EXPECT_FALSE(labelled(kMinusZero, 0));
+}
+
 TEST_F(Comparing, DocumentsThatWereNeverReadAreEmpty) {
   EXPECT_TRUE(rows(&TarvelVtrOut_InOut::Compare_Tree, ",,,Description").empty());
   EXPECT_TRUE(result);
@@ -344,6 +366,7 @@ TEST_F(Comparing, ScriptsOfTheSecondaryCountOnlyBesideScriptsOfThePrimary) {
   EXPECT_EQ(header_rows(scripts, scripts), std::vector<std::string>{",,,1,0,0,,0,a,,,"});
   EXPECT_TRUE(header_rows(scripts, Var()).empty());
   EXPECT_FALSE(result);
+  EXPECT_EQ(utility.LastFailure(), "definition 1 of the secondary document has no scripts (VBSInfo), but its partner has");
   EXPECT_TRUE(machine.message_box.calls.empty());
 }
 

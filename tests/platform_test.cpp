@@ -109,7 +109,7 @@ TEST_F(LocalFilesTest, FileHeldByAnotherProcessStaysAsItWas) {
   flock(descriptor, LOCK_UN);
   EXPECT_EQ(lockf(descriptor, F_LOCK, 1), 0);
   others_get({70, 70, 70});
-  close(descriptor);
+  ::close(descriptor);
   auto input = files.OpenBinary(name);
   others_get({0, 70, 70});
   input->Close();

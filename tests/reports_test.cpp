@@ -200,6 +200,7 @@ TEST_F(Reports, ScriptTextsAreFourElementsOrNone) {
   EXPECT_EQ(row(var("\x02\x20\x01\0\x03\0\0\0\0\0\0\0\x01\0\x02\0\x03\0"s)), "False");
   EXPECT_EQ(row(var("\x02\x20\x01\0\x04\0\0\0\x01\0\0\0\x01\0\x02\0\x03\0\x04\0"s)), "False") << "no element 0";
   EXPECT_EQ(row(var("\x02\0\x01\0"s)), "False");
+  EXPECT_EQ(utility.LastFailure(), "the scripts (VBSInfo) of definition 1 aren't four values, numbered from 0 to 3");
 }
 
 TEST_F(Reports, TextsStayInTheirCodePage) {
