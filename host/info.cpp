@@ -67,23 +67,23 @@ void print_json(const DocumentAccount& account, const std::string& file, const s
 
 }  // namespace
 
-ExitStatus info(const Settings& settings, const std::string& file, bool json) {
+ExitStatus info(const Settings& settings, const InfoTask& task) {
   Machine machine(settings);
   TarvelVtrOut_InOut utility(machine.services());
   std::u16string structure_list;
-  const ExitStatus status = read(machine, utility, file, structure_list);
+  const ExitStatus status = read(machine, utility, task.file, structure_list);
   if (status == kTrouble) return status;
 
   const DocumentAccount account = account_for(utility, machine.locale());
-  if (json) {
-    print_json(account, file, structure_list, utility);
+  if (task.json) {
+    print_json(account, task.file, structure_list, utility);
   } else {
-    print(account, file);
+    print(account, task.file);
     if (utility.LastDamage()) std::cout << '\n' << printable(structure_list) << '\n';
   }
   if (utility.LastDamage()) {
     std::cout.flush();
-    complain(file + ": " + damage_text(*utility.LastDamage()));
+    complain(task.file + ": " + damage_text(*utility.LastDamage()));
   }
   return status;
 }
