@@ -86,7 +86,7 @@ class ComparisonSheets {
   ComparisonSheets(Machine& machine, const ComparisonTask& task)
       : task_(task), parts_(parts_named(task.parts)), primary_(machine.services()) {
     if (task.workbook.empty()) return;
-    workbook_.emplace(task.workbook, parts_);
+    workbook_.emplace(machine, task.workbook, parts_);
     std::ranges::reverse(parts_);  // each sheet comes in front of the one before
   }
 

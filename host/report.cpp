@@ -22,7 +22,7 @@ ExitStatus report(const Settings& settings, const ReportTask& task) {
 
   std::optional<WorkbookTarget> workbook;
   if (!task.workbook.empty()) {
-    workbook.emplace(task.workbook, parts);
+    workbook.emplace(machine, task.workbook, parts);
     std::ranges::reverse(parts);  // each sheet comes in front of the one before
   }
   Progress progress;
