@@ -7,8 +7,13 @@
 
 namespace trvtrout::host {
 
+struct InfoTask {
+  std::string file;
+  bool json = false;
+};
+
 // `vtrout info`: what the file holds, and how each list's numbers stand beside a recount.
-ExitStatus info(const Settings& settings, const std::string& file, bool json);
+ExitStatus info(const Settings& settings, const InfoTask& task);
 
 struct ReportTask {
   std::string file;
@@ -33,9 +38,14 @@ struct ComparisonTask {
 // many rows have which form. kRemarkable when a row is labelled.
 ExitStatus compare(const Settings& settings, const ComparisonTask& task);
 
+struct StatisticsTask {
+  std::string workbook;
+  std::string report;
+  std::string sheet_name;
+};
+
 // `vtrout statistics`: a detail report that exists, moved into a sheet of a workbook that exists.
-ExitStatus statistics(const Settings& settings, const std::string& workbook, const std::string& report,
-                      const std::string& sheet_name);
+ExitStatus statistics(const Settings& settings, const StatisticsTask& task);
 
 struct RecoveryTask {
   std::string file;

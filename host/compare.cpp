@@ -86,7 +86,7 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
   if (!read_whole(machine, utility, task.primary, False) || !read_whole(machine, utility, task.secondary, True)) {
     return kTrouble;
   }
-  PartReports reports(task.parts, task.workbook);
+  PartReports reports(machine, task.parts, task.workbook);
   // Colouring asks for the primary document as the one last read.
   const bool colors = task.color && !task.workbook.empty();
   if (colors && !read_whole(machine, primary_alone, task.primary, False)) return kTrouble;

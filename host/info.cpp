@@ -100,22 +100,22 @@ void print_json(const TarvelVtrOut_InOut& utility, Locale& locale, const std::st
 
 }  // namespace
 
-ExitStatus info(const Settings& settings, const std::string& file, bool json) {
+ExitStatus info(const Settings& settings, const InfoTask& task) {
   Machine machine(settings);
   TarvelVtrOut_InOut utility(machine.services());
   std::u16string structure_list;
-  const ExitStatus status = read(machine, utility, file, structure_list);
+  const ExitStatus status = read(machine, utility, task.file, structure_list);
   if (status == kTrouble) return status;
 
-  if (json) {
-    print_json(utility, machine.locale(), file, structure_list);
+  if (task.json) {
+    print_json(utility, machine.locale(), task.file, structure_list);
   } else {
-    print(utility.CurrentSlots(), machine.locale(), file);
+    print(utility.CurrentSlots(), machine.locale(), task.file);
     if (utility.LastDamage()) std::cout << '\n' << printable(structure_list) << '\n';
   }
   if (utility.LastDamage()) {
     std::cout.flush();
-    complain(file + ": " + damage_text(*utility.LastDamage()));
+    complain(task.file + ": " + damage_text(*utility.LastDamage()));
   }
   return status;
 }

@@ -42,6 +42,7 @@ class Machine {
     return {files, message_box_, save_dialog_, message_loop_, locale_, spreadsheet_};
   }
   Locale& locale() { return locale_; }
+  platform::SpreadsheetProgram& spreadsheet() { return spreadsheet_; }
   // Messages name this file (a path of the machine) from now on.
   void speak_of(const std::string& file) { message_box_.set_subject(u"vtrout: " + text::from_utf8(file)); }
 

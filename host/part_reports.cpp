@@ -7,7 +7,7 @@
 
 namespace trvtrout::host {
 
-PartReports::PartReports(const std::vector<std::string>& names, const std::string& workbook)
+PartReports::PartReports(Machine& machine, const std::vector<std::string>& names, const std::string& workbook)
     : workbook_path_(workbook) {
   for (const Part& part : document_parts()) {
     if (names.empty() || std::ranges::find(names, part.name) != names.end()) parts_.push_back(&part);
@@ -15,7 +15,7 @@ PartReports::PartReports(const std::vector<std::string>& names, const std::strin
   if (workbook.empty()) return;
   std::vector<std::u16string> sheets;
   for (const Part* part : parts_) sheets.emplace_back(part->sheet.name);
-  workbook_.emplace(workbook, sheets);
+  workbook_.emplace(machine, workbook, sheets);
   std::ranges::reverse(parts_);  // each sheet comes in front of the one before
 }
 

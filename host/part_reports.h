@@ -27,7 +27,7 @@ class PartReports {
  public:
   // `names`: of the parts, all when empty. `workbook`: a path of the machine, empty for none; raises ServiceError when
   // it can't take the sheets.
-  PartReports(const std::vector<std::string>& names, const std::string& workbook);
+  PartReports(Machine& machine, const std::vector<std::string>& names, const std::string& workbook);
 
   // Calls done(part, path, whole) after each; the sheets of a workbook are made from the last part to the first. Paths
   // of what was written go to stdout if `tells_paths`; `output` says what becomes of the reports. The user is told of

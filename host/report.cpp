@@ -27,7 +27,7 @@ ExitStatus report(const Settings& settings, const ReportTask& task) {
           [&](const Part& part, const std::u16string& workbook, const std::u16string& report_path) {
             return utility.XL_Output_Statistics(workbook, report_path, std::u16string(part.sheet.name));
           }};
-  PartReports reports(task.parts, task.workbook);
+  PartReports reports(machine, task.parts, task.workbook);
   return reports.run(utility, reporting, output, true) == kTrouble ? kTrouble : status;
 }
 

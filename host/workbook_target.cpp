@@ -13,18 +13,20 @@ WorkbookFormat format_by_name(const std::string& path) {
   std::ranges::transform(extension, extension.begin(), [](unsigned char letter) { return std::tolower(letter); });
   if (extension == ".xls") return WorkbookFormat::kBiff8;
   if (extension == ".xlsx") return WorkbookFormat::kOoxml;
-  throw ServiceError(ErrorNumber::kBadFileName, "can't make \"" + path + "\": name a new workbook .xlsx or .xls");
+  platform::refuse_file(ErrorNumber::kBadFileName, "make", path, "name a new workbook .xlsx or .xls");
 }
 
 }  // namespace
 
 void require_workbook_path(const std::string& path) {
   if (path.find('\\') == std::string::npos) return;
-  throw ServiceError(ErrorNumber::kBadFileName,
-                     "can't change \"" + path + "\": a workbook's path may have no backslash; rename it");
+  platform::refuse_file(ErrorNumber::kBadFileName, "change", path,
+                        "a workbook's path may have no backslash; rename it");
 }
 
-WorkbookTarget::WorkbookTarget(const std::string& path, const std::vector<std::u16string>& sheet_names) : path_(path) {
+WorkbookTarget::WorkbookTarget(Machine& machine, const std::string& path,
+                               const std::vector<std::u16string>& sheet_names)
+    : path_(path) {
   require_workbook_path(path);
   std::string bytes;
   if (platform::name_is_taken(path)) {
@@ -37,13 +39,7 @@ WorkbookTarget::WorkbookTarget(const std::string& path, const std::vector<std::u
   content_.emplace(path);
   content_->write(bytes);
   content_->finish();
-}
-
-void WorkbookTarget::complain_of_sheet(const char* part, std::string why) const {
-  // The user knows the name that the workbook has, or will have.
-  const std::string& temporary = content_->temporary_path();
-  if (const std::size_t at = why.find(temporary); at != why.npos) why.replace(at, temporary.size(), path_);
-  complain_of_part("sheet for", part, platform::class_path(path_), why);
+  machine.spreadsheet().tell_as(content_->temporary_path(), path);
 }
 
 void WorkbookTarget::finish() {

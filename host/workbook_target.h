@@ -19,14 +19,15 @@ class WorkbookTarget {
   // Looks for whatever stands in the way of sheets with these names before anything is changed: raises ServiceError
   // when the workbook can't be added to, when it has a sheet of such a name, and for a new one whose name doesn't end
   // in .xls or .xlsx. `path`: of the machine. The workbook is held for other programs until the target is destroyed.
-  WorkbookTarget(const std::string& path, const std::vector<std::u16string>& sheet_names);
+  // The machine's spreadsheet names it by `path` from now on, wherever its content stands.
+  WorkbookTarget(Machine& machine, const std::string& path, const std::vector<std::u16string>& sheet_names);
 
   // Moves the report that stands at `report` into a sheet, with the operation move(path of the workbook), and removes
   // the report. Tells the user on failure.
   template <class Move>
   bool take(TarvelVtrOut_InOut& utility, const char* part, const std::u16string& report, Move&& move) {
     const Boolean moved = move(platform::class_path(content_->temporary_path()));
-    if (!moved) complain_of_sheet(part, utility.LastFailure());
+    if (!moved) complain_of_part("sheet for", part, platform::class_path(path_), utility.LastFailure());
     utility.Delete_ASCII(report);
     return bool(moved);
   }
@@ -34,8 +35,6 @@ class WorkbookTarget {
   void finish();
 
  private:
-  void complain_of_sheet(const char* part, std::string why) const;
-
   std::string path_;
   std::optional<platform::WorkbookOnDisk> standing_;
   std::optional<platform::Replacement> content_;

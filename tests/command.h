@@ -2,8 +2,8 @@
 
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <gtest/gtest.h>
+#include <map>
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
@@ -24,16 +24,42 @@ struct Outcome {
 
 class Command : public testing::Test {
  protected:
-  void put(const std::string& name, const std::string& bytes) {
-    std::ofstream(folder_ / name, std::ios::binary) << bytes;
+  void put(const std::string& name, const std::string& bytes) const { folder_.put(name, bytes); }
+  std::string get(const std::string& name) const { return file_bytes(folder_.at(name)); }
+  fs::path at(const std::string& name) const { return folder_.at(name); }
+
+  // What stands in the folder, links as such.
+  std::map<std::string, std::string> files() const {
+    std::map<std::string, std::string> all;
+    for (const auto& entry : fs::directory_iterator(at(""))) {
+      std::string& content = all[entry.path().filename()];
+      if (entry.is_symlink()) {
+        content = "-> " + fs::read_symlink(entry.path()).string();
+      } else if (entry.is_regular_file()) {
+        content = file_bytes(entry.path());
+      }
+    }
+    return all;
   }
 
-  // Runs `vtrout ARGUMENTS` in the folder, by a shell.
-  Outcome vtrout(const std::string& arguments) {
-    const std::string command = "cd '" + folder_.string() + "' && '" VTROUT "' " + arguments + " >../" +
-                                out_.filename().string() + " 2>../" + err_.filename().string() + " </dev/null";
+  // Runs the commands in the folder, where `vtrout` is the one under test.
+  Outcome shell(const std::string& commands) const {
+    const std::string command = "cd '" + folder_.at("") + "' && PATH=\"$(dirname '" VTROUT "'):$PATH\" && (" +
+                                commands + ") >'" + output_.at("out") + "' 2>'" + output_.at("err") + "' </dev/null";
     const int status = std::system(command.c_str());
-    return {WEXITSTATUS(status), file_bytes(out_.string()), file_bytes(err_.string())};
+    return {WEXITSTATUS(status), file_bytes(output_.at("out")), file_bytes(output_.at("err"))};
+  }
+  Outcome vtrout(const std::string& arguments) const { return shell("vtrout " + arguments); }
+
+  // Runs the commands and expects that they're refused, with the reason, and that all files stay as they are.
+  Outcome expect_refused(const std::string& commands, const std::string& reason) const {
+    const auto before = files();
+    const Outcome run = shell(commands);
+    EXPECT_EQ(run.status, 2) << commands;
+    EXPECT_EQ(run.out, "") << commands;
+    EXPECT_NE(run.err.find(reason), std::string::npos) << commands << run.err;
+    EXPECT_TRUE(files() == before) << commands;
+    return run;
   }
 
   static std::vector<std::string> lines(const std::string& text) {
@@ -43,11 +69,8 @@ class Command : public testing::Test {
     return all;
   }
 
-  fakes::TemporaryFolder temporary_;
-  fs::path folder_ = fs::path(temporary_.at("work"));
-  fs::path out_ = temporary_.at("out");
-  fs::path err_ = temporary_.at("err");
-  bool made_ = fs::create_directory(folder_);
+ private:
+  fakes::TemporaryFolder folder_, output_;
 };
 
 }  // namespace trvtrout::tests

@@ -22,7 +22,7 @@ TEST_F(Command, ReportsEverySampleAsApproved) {
       const std::u16string_view desc_name = operations.detail_report->desc_name;
       const std::string part = operations.name, file(desc_name.begin(), desc_name.end());
       std::string wanted = file_bytes((expected / ("report-" + part + ".csv")).string());
-      std::string written = file_bytes((folder_ / ("~tmps_" + file + ".CSV")).string());
+      std::string written = get("~tmps_" + file + ".CSV");
       wanted = std::regex_replace(wanted, std::regex("@FNAME@"), "s.vtr");
       written = std::regex_replace(written, std::regex("created:,[0-9/]+( [0-9:]+ [AP]M)?\r"), "created:,@DATE@\r");
       EXPECT_EQ(written, wanted) << name << " " << part;
@@ -33,7 +33,7 @@ TEST_F(Command, ReportsEverySampleAsApproved) {
     }
     const bool damaged = file_bytes((expected / "read.txt").string()).starts_with("result: False");
     EXPECT_EQ(run.status, fails ? 2 : damaged ? 1 : 0) << name << run.err;
-    EXPECT_EQ(file_bytes((folder_ / "s.vtr").string()), bytes);
+    EXPECT_EQ(get("s.vtr"), bytes);
   }
 }
 
@@ -47,7 +47,7 @@ TEST_F(Command, NamesTheReportsItWrites) {
   EXPECT_TRUE(std::regex_match(
       paths[0], std::regex("Pl\xC3\xA4nt one_Product_[0-9]{1,2}-[A-Z][a-z]{2}-[0-9]{2} [0-9]{2}-[0-9]{2} [AP]M.CSV")))
       << paths[0];
-  for (const auto& path : paths) EXPECT_TRUE(fs::exists(folder_ / path));
+  for (const auto& path : paths) EXPECT_TRUE(fs::exists(at(path)));
 }
 
 TEST_F(Command, OverwritesOnlyWhenTold) {
@@ -58,31 +58,30 @@ TEST_F(Command, OverwritesOnlyWhenTold) {
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(run.out, "");
     EXPECT_NE(run.err.find("~tmpp_Tree.CSV"), std::string::npos);
-    EXPECT_EQ(file_bytes((folder_ / "~tmpp_Tree.CSV").string()), "mine");
+    EXPECT_EQ(get("~tmpp_Tree.CSV"), "mine");
   }
   EXPECT_EQ(vtrout("report p.vtr --temporary --part tree --yes").status, 0);
-  EXPECT_NE(file_bytes((folder_ / "~tmpp_Tree.CSV").string()), "mine");
+  EXPECT_NE(get("~tmpp_Tree.CSV"), "mine");
 }
 
 TEST_F(Command, NeverWritesOverADocument) {
   const std::string document = sample("plant.vtr");
   put("p.vtr", document);
-  fs::create_symlink("p.vtr", folder_ / "~tmpp_Tree.CSV");
-  fs::create_hard_link(folder_ / "p.vtr", folder_ / "~tmpp_Table.CSV");
+  fs::create_symlink("p.vtr", at("~tmpp_Tree.CSV"));
+  fs::create_hard_link(at("p.vtr"), at("~tmpp_Table.CSV"));
   const Outcome run = vtrout("report --part tree --part table p.vtr --temporary --yes");
   EXPECT_EQ(run.status, 2);
   EXPECT_NE(run.err.find("the document itself"), std::string::npos) << run.err;
-  EXPECT_EQ(file_bytes((folder_ / "p.vtr").string()), document);
+  EXPECT_EQ(get("p.vtr"), document);
 }
 
 TEST_F(Command, AFileHeldByAnotherProgramStaysAsItIs) {
   put("p.vtr", sample("plant.vtr"));
   put("~tmpp_Product.CSV", "mine");
-  const Outcome run =
-      vtrout("--version; flock '~tmpp_Product.CSV' '" VTROUT "' report --part product p.vtr --temporary --yes");
+  const Outcome run = shell("flock '~tmpp_Product.CSV' vtrout report --part product p.vtr --temporary --yes");
   EXPECT_EQ(run.status, 2);
   EXPECT_NE(run.err.find("File is in use. Please close file and try again."), std::string::npos) << run.err;
-  EXPECT_EQ(file_bytes((folder_ / "~tmpp_Product.CSV").string()), "mine");
+  EXPECT_EQ(get("~tmpp_Product.CSV"), "mine");
 }
 
 TEST_F(Command, ComparesPartByPart) {
@@ -91,17 +90,17 @@ TEST_F(Command, ComparesPartByPart) {
   const Outcome run = vtrout("compare a.vtr b.vtr");
   EXPECT_EQ(run.status, 1) << run.err;
   EXPECT_EQ(lines(run.out).size(), 8U);
-  for (const auto& path : lines(run.out)) EXPECT_TRUE(fs::exists(folder_ / path)) << path;
+  for (const auto& path : lines(run.out)) EXPECT_TRUE(fs::exists(at(path))) << path;
   EXPECT_EQ(lines(run.err).size(), 9U);
   EXPECT_NE(run.err.find("field              38          1          9          9"), std::string::npos) << run.err;
 
-  const auto files_before = std::distance(fs::directory_iterator(folder_), fs::directory_iterator());
+  const auto files_before = files().size();
   EXPECT_EQ(vtrout("compare a.vtr b.vtr --summary").out, run.err);
   const auto account = nlohmann::json::parse(vtrout("compare a.vtr b.vtr --json --summary --part lang").out);
   EXPECT_EQ(account["parts"]["lang"]["changed"], 1);
   EXPECT_EQ(account["different"], true);
   EXPECT_EQ(vtrout("compare a.vtr a.vtr --summary").status, 0);
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()), files_before);
+  EXPECT_EQ(files().size(), files_before);
 
   std::string with_gap = sample("odd/reversed-sections.vtr");
   with_gap[with_gap.find(std::string("\x0A\0ControlTag", 12)) + 2] = 'c';
@@ -115,7 +114,7 @@ TEST_F(Command, ComparesPartByPart) {
     }
   }
   // Nothing is overwritten unasked, and the other parts are still written.
-  fs::remove(folder_ / "~tmpa_Tree_Compared.CSV");
+  fs::remove(at("~tmpa_Tree_Compared.CSV"));
   const Outcome again = vtrout("compare a.vtr b.vtr");
   EXPECT_EQ(again.status, 2);
   EXPECT_EQ(lines(again.out), std::vector<std::string>{"~tmpa_Tree_Compared.CSV"});
@@ -161,7 +160,7 @@ TEST_F(Command, TroubleIsOneLineAndExitStatusTwo) {
   put("new.vtr", sample("odd/version-01.02.01.vtr"));
   put("empty.vtr", "");
   put("noextension", sample("plant.vtr"));
-  fs::create_directory(folder_ / "folder.vtr");
+  fs::create_directory(at("folder.vtr"));
   for (const char* command :
        {"info new.vtr", "info missing.vtr", "info nowhere/missing.vtr", "info folder.vtr", "info empty.vtr",
         "info new.vtr --json", "report missing.vtr", "report noextension", "report new.vtr",
@@ -172,8 +171,8 @@ TEST_F(Command, TroubleIsOneLineAndExitStatusTwo) {
     EXPECT_EQ(lines(run.err).size(), 1U) << run.err;
     EXPECT_TRUE(run.err.starts_with("vtrout: ")) << run.err;
   }
-  EXPECT_FALSE(fs::exists(folder_ / "missing.vtr")) << "no file is created";
-  EXPECT_EQ(std::distance(fs::directory_iterator(folder_), fs::directory_iterator()), 4);
+  EXPECT_FALSE(fs::exists(at("missing.vtr"))) << "no file is created";
+  EXPECT_EQ(files().size(), 4U);
 }
 
 TEST_F(Command, HelpOpensWithExamples) {
@@ -187,7 +186,7 @@ TEST_F(Command, HelpOpensWithExamples) {
 TEST_F(Command, AFullDiskIsToldAndTheOtherReportsAreStillWritten) {
   put("p.vtr", sample("plant.vtr"));
   // A limit on the size of files that only the largest report exceeds; a shell counts it in blocks of 512 bytes.
-  const Outcome run = vtrout("--version; ulimit -f 4; '" VTROUT "' report p.vtr --temporary");
+  const Outcome run = shell("ulimit -f 4; vtrout report p.vtr --temporary");
   EXPECT_EQ(run.status, 2);
   EXPECT_NE(run.err.find("no whole report on field"), std::string::npos) << run.err;
   EXPECT_NE(run.out.find("~tmpp_DSend.CSV"), std::string::npos);

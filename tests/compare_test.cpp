@@ -366,7 +366,8 @@ TEST_F(Comparing, ScriptsOfTheSecondaryCountOnlyBesideScriptsOfThePrimary) {
   EXPECT_EQ(header_rows(scripts, scripts), std::vector<std::string>{",,,1,0,0,,0,a,,,"});
   EXPECT_TRUE(header_rows(scripts, Var()).empty());
   EXPECT_FALSE(result);
-  EXPECT_EQ(utility.LastFailure(), "definition 1 of the secondary document has no scripts (VBSInfo), but its partner has");
+  EXPECT_EQ(utility.LastFailure(),
+            "definition 1 of the secondary document has no scripts (VBSInfo), but its partner has");
   EXPECT_TRUE(machine.message_box.calls.empty());
 }
 

@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include "tests/command.h"
-#include "tests/support.h"
 
 namespace trvtrout::tests {
 namespace {
@@ -15,29 +14,8 @@ using namespace std::string_literals;
 
 class RecoverCommand : public Command {
  protected:
-  std::string bytes_of_file(const std::string& name) const { return file_bytes((folder_ / name).string()); }
-  // What stands in the folder, links as such.
-  std::map<std::string, std::string> files() const {
-    std::map<std::string, std::string> all;
-    for (const auto& entry : fs::directory_iterator(folder_)) {
-      std::string& content = all[entry.path().filename()];
-      if (entry.is_symlink()) {
-        content = "-> " + fs::read_symlink(entry.path()).string();
-      } else if (entry.is_regular_file()) {
-        content = file_bytes(entry.path());
-      }
-    }
-    return all;
-  }
-  // Runs the command and expects that it refuses, says so on one line, and leaves all files as they are.
-  void expect_refused(const std::string& arguments, const std::string& says) {
-    const auto before = files();
-    const Outcome run = vtrout(arguments);
-    EXPECT_EQ(run.status, 2) << arguments;
-    EXPECT_EQ(run.out, "") << arguments;
-    EXPECT_NE(run.err.find(says), std::string::npos) << arguments << run.err;
-    EXPECT_NE(run.err.find("nothing was written"), std::string::npos) << arguments << run.err;
-    EXPECT_TRUE(files() == before) << arguments;
+  void expect_nothing_written(const std::string& commands, const std::string& reason) const {
+    EXPECT_NE(expect_refused(commands, reason).err.find("nothing was written"), std::string::npos) << commands;
   }
 };
 
@@ -52,7 +30,7 @@ TEST_F(RecoverCommand, RewritesEverySampleAndTellsWhatWasLost) {
     const Outcome run = vtrout("recover s.vtr --output new.vtr --log log.txt --yes");
     const auto expected = statuses.find(name);
     ASSERT_EQ(run.status, expected == statuses.end() ? 0 : expected->second) << name << run.err;
-    EXPECT_TRUE(bytes_of_file("s.vtr") == bytes) << name;
+    EXPECT_TRUE(get("s.vtr") == bytes) << name;
     EXPECT_EQ(run.err.find("(100.0%)") != std::string::npos, run.status == 0 || name == "damaged/no-eof.vtr")
         << name << run.err;
     if (run.status == 2) continue;
@@ -62,7 +40,7 @@ TEST_F(RecoverCommand, RewritesEverySampleAndTellsWhatWasLost) {
     const std::string read = file_bytes(SAMPLES "/expected/" + name + "/read.txt");
     const std::size_t list = read.find("StructureList:\r\n");
     const std::string given = list == std::string::npos ? "" : read.substr(list + 16, read.size() - list - 18);
-    EXPECT_EQ(bytes_of_file("log.txt"), log.replace(log.find("@GIVEN@"), 7, given)) << name;
+    EXPECT_EQ(get("log.txt"), log.replace(log.find("@GIVEN@"), 7, given)) << name;
   }
 }
 
@@ -129,41 +107,43 @@ TEST_F(RecoverCommand, TellsOfASectionThatHidesBehindABadTag) {
 
 TEST_F(RecoverCommand, NeverWritesOverTheDamagedFile) {
   put("p.vtr", sample("damaged/no-eof.vtr"));
-  fs::create_symlink("p.vtr", folder_ / "symbolic.vtr");
-  fs::create_hard_link(folder_ / "p.vtr", folder_ / "hard.vtr");
+  fs::create_symlink("p.vtr", at("symbolic.vtr"));
+  fs::create_hard_link(at("p.vtr"), at("hard.vtr"));
   for (const char* arguments : {"--output p.vtr", "--output ./p.vtr", "--output symbolic.vtr", "--output hard.vtr",
                                 "--output new.vtr --log p.vtr", "--output new.vtr --log hard.vtr"}) {
-    expect_refused("recover p.vtr --yes " + std::string(arguments), "never written over");
+    expect_nothing_written("vtrout recover p.vtr --yes " + std::string(arguments), "never written over");
   }
-  expect_refused("recover symbolic.vtr --yes --output p.vtr", "never written over");
-  expect_refused("recover p.vtr --output new.vtr --log ./new.vtr", "the log can't be the recovered file");
-  EXPECT_TRUE(bytes_of_file("p.vtr") == sample("damaged/no-eof.vtr"));
+  expect_nothing_written("vtrout recover symbolic.vtr --yes --output p.vtr", "never written over");
+  expect_nothing_written("vtrout recover p.vtr --output new.vtr --log ./new.vtr",
+                         "the log can't be the recovered file");
+  EXPECT_TRUE(get("p.vtr") == sample("damaged/no-eof.vtr"));
 }
 
 TEST_F(RecoverCommand, AnOlderFileIsLostOnlyToACompleteOneAndAfterAYes) {
   put("p.vtr", sample("plant.vtr"));
   put("old.vtr", "mine");
   put("log.txt", "mine");
-  const std::string whole = "recover p.vtr --output old.vtr --log log.txt";
-  expect_refused(whole, "left as it was");
-  expect_refused(whole + " --no-clobber", "--no-clobber");
+  const std::string whole = "vtrout recover p.vtr --output old.vtr --log log.txt";
+  expect_nothing_written(whole, "left as it was");
+  expect_nothing_written(whole + " --no-clobber", "--no-clobber");
   // A full disk, while the new file is written: a shell counts the limit in blocks of 512 bytes.
-  expect_refused("--version >/dev/null; ulimit -f 8; '" VTROUT "' " + whole + " --yes", "larger than is allowed");
+  expect_nothing_written("ulimit -f 8; " + whole + " --yes", "larger than is allowed");
   // The same while the log is written, which comes last.
-  expect_refused("--version >/dev/null; flock log.txt '" VTROUT "' " + whole + " --yes", "held by another program");
-  expect_refused("--version >/dev/null; flock old.vtr '" VTROUT "' " + whole + " --yes", "held by another program");
-  expect_refused("recover p.vtr --output nowhere/new.vtr", "its folder doesn't exist");
-  expect_refused("recover p.vtr --output old.vtr --log nowhere/log.txt --yes", "its folder doesn't exist");
-  fs::create_directory(folder_ / "folder.vtr");
-  expect_refused("recover p.vtr --output folder.vtr --yes", "a folder");
-  expect_refused("recover p.vtr --output /dev/null --yes", "a device");
-  EXPECT_EQ(bytes_of_file("old.vtr"), "mine");
-  EXPECT_EQ(bytes_of_file("log.txt"), "mine");
+  expect_nothing_written("flock log.txt " + whole + " --yes", "held by another program");
+  expect_nothing_written("flock old.vtr " + whole + " --yes", "held by another program");
+  expect_nothing_written("vtrout recover p.vtr --output nowhere/new.vtr", "its folder doesn't exist");
+  expect_nothing_written("vtrout recover p.vtr --output old.vtr --log nowhere/log.txt --yes",
+                         "its folder doesn't exist");
+  fs::create_directory(at("folder.vtr"));
+  expect_nothing_written("vtrout recover p.vtr --output folder.vtr --yes", "a folder");
+  expect_nothing_written("vtrout recover p.vtr --output /dev/null --yes", "a device");
+  EXPECT_EQ(get("old.vtr"), "mine");
+  EXPECT_EQ(get("log.txt"), "mine");
 
-  fs::permissions(folder_ / "old.vtr", fs::perms::owner_read | fs::perms::owner_write);
-  EXPECT_EQ(vtrout(whole + " --yes").status, 0);
+  fs::permissions(at("old.vtr"), fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_EQ(shell(whole + " --yes").status, 0);
   EXPECT_EQ(vtrout("info old.vtr").status, 0);
-  EXPECT_EQ(fs::status(folder_ / "old.vtr").permissions(), fs::perms::owner_read | fs::perms::owner_write);
+  EXPECT_EQ(fs::status(at("old.vtr")).permissions(), fs::perms::owner_read | fs::perms::owner_write);
 }
 
 TEST_F(RecoverCommand, RefusesWhatItCannotRead) {
@@ -174,14 +154,14 @@ TEST_F(RecoverCommand, RefusesWhatItCannotRead) {
   broken[broken.size() - 14] = '\x63';
   put("broken.vtr", broken);
   for (const char* file : {"cut.vtr", "broken.vtr"}) {
-    expect_refused("recover " + std::string(file) + " --output new.vtr", "without a header");
+    expect_nothing_written("vtrout recover " + std::string(file) + " --output new.vtr", "without a header");
   }
   EXPECT_EQ(vtrout("recover missing.vtr --output new.vtr").status, 2);
   EXPECT_EQ(files().size(), 2U);
   put("future.vtr", FileBuilder("01.02.01").with_end());
-  expect_refused("recover future.vtr --output new.vtr", "may be damaged");
+  expect_nothing_written("vtrout recover future.vtr --output new.vtr", "may be damaged");
   put("noextension", sample("plant.vtr"));
-  expect_refused("recover noextension", "give one with --output");
+  expect_nothing_written("vtrout recover noextension", "give one with --output");
   EXPECT_EQ(vtrout("recover noextension --output n.vtr").status, 0);
 }
 
@@ -189,14 +169,14 @@ TEST_F(RecoverCommand, TakesNamesAsTheyCome) {
   const std::string longest = std::string(200, 'x') + ".vtr";
   for (const std::string& name : {"Pl\xC3\xA4nt \"one\" '.vtr"s, "$(touch x);.vtr"s, longest}) {
     put("in.vtr", sample("damaged/no-eof.vtr"));
-    fs::rename(folder_ / "in.vtr", folder_ / name);
+    fs::rename(at("in.vtr"), at(name));
     const std::string quoted = "'" + std::regex_replace(name, std::regex("'"), "'\\''") + "'";
     const Outcome run = vtrout("recover " + quoted);
     EXPECT_EQ(run.status, 1) << run.err;
     ASSERT_EQ(lines(run.out).size(), 1U) << name;
     const std::string path = lines(run.out)[0];
     EXPECT_TRUE(path.starts_with(name.substr(0, name.find('.')) + "_Recovered_") && path.ends_with(".VTR")) << path;
-    EXPECT_TRUE(fs::exists(folder_ / path)) << path;
+    EXPECT_TRUE(fs::exists(at(path))) << path;
   }
 }
 
@@ -204,11 +184,11 @@ TEST_F(RecoverCommand, AFolderOrFileWithoutRightsIsLeftAlone) {
   if (geteuid() == 0) GTEST_SKIP() << "nothing is forbidden to root";
   put("p.vtr", sample("plant.vtr"));
   put("old.vtr", "mine");
-  fs::permissions(folder_ / "old.vtr", fs::perms::owner_read);
-  expect_refused("recover p.vtr --output old.vtr --yes", "old.vtr");
-  fs::create_directory(folder_ / "closed");
-  fs::permissions(folder_ / "closed", fs::perms::owner_read | fs::perms::owner_exec);
-  expect_refused("recover p.vtr --output closed/new.vtr", "closed/new.vtr");
+  fs::permissions(at("old.vtr"), fs::perms::owner_read);
+  expect_nothing_written("vtrout recover p.vtr --output old.vtr --yes", "old.vtr");
+  fs::create_directory(at("closed"));
+  fs::permissions(at("closed"), fs::perms::owner_read | fs::perms::owner_exec);
+  expect_nothing_written("vtrout recover p.vtr --output closed/new.vtr", "closed/new.vtr");
 }
 
 }  // namespace

@@ -1,80 +1,62 @@
-#include <cstdlib>
-#include <filesystem>
-#include <gtest/gtest.h>
-#include <sys/wait.h>
-
-#include "tests/fakes/temporary_folder.h"
-#include "tests/support.h"
+#include "tests/command.h"
 
 // Reports in the sheets of workbooks, as a person makes them and as other programs read them.
 namespace trvtrout::tests {
 namespace {
 
-namespace fs = std::filesystem;
-
-class WorkbookCommand : public testing::Test {
+class WorkbookCommand : public Command {
  protected:
   void SetUp() override {
-    for (const char* name : {"dense.vtr", "dense-next.vtr", "plant.vtr", "plant-next.vtr"})
-      folder_.put(name, sample(name));
+    for (const char* name : {"dense.vtr", "dense-next.vtr", "plant.vtr", "plant-next.vtr"}) put(name, sample(name));
   }
-  int run(const std::string& command) {
-    const int status = std::system(("cd '" + folder_.at("") + "' && (" + command + ") >out 2>err </dev/null").c_str());
-    out_ = fakes::get_file(folder_.at("out"));
-    err_ = fakes::get_file(folder_.at("err"));
-    return WEXITSTATUS(status);
+  // Expects the status and hands the outcome on.
+  Outcome expect(int status, const std::string& commands) const {
+    const Outcome run = shell(commands);
+    EXPECT_EQ(run.status, status) << commands << "\n" << run.err;
+    return run;
   }
-  int vtrout(const std::string& arguments) { return run("'" VTROUT "' " + arguments); }
+  void make_simple_workbooks() const { expect(0, kPython + kScripts + "make_simple_workbooks.py'"); }
   // Holds a workbook to the texts that the same command writes without it, as `reader` shows them.
   void expect_sheets(const std::string& reader, const std::string& workbook, const std::string& kind,
-                     const std::string& others) {
-    EXPECT_EQ(run("VTROUT='" VTROUT "' /usr/bin/python3 '" SAMPLES "/../tests/spreadsheet/check_export.py' " + reader +
-                  " " + workbook + " " + kind + " '" + others + "'"),
-              0)
-        << reader << " on " << workbook << "\n"
-        << err_;
-  }
-  std::size_t files() const {
-    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder_.at("")), {}));
+                     const std::string& others) const {
+    expect(0, kPython + kScripts + "check_export.py' " + reader + " " + workbook + " " + kind + " '" + others + "'");
   }
 
-  fakes::TemporaryFolder folder_;
-  std::string out_, err_;
+  static inline const std::string kPython = "/usr/bin/python3 ", kScripts = "'" SAMPLES "/../tests/spreadsheet/";
 };
 
 // All eight parts of both kinds, into new workbooks and into ones that somebody made.
 TEST_F(WorkbookCommand, AllPartsStandInTheirSheets) {
-  ASSERT_EQ(run("/usr/bin/python3 '" SAMPLES "/../tests/spreadsheet/make_simple_workbooks.py'"), 0) << err_;
+  make_simple_workbooks();
   for (const std::string extension : {".xls", ".xlsx"}) {
     for (const auto& [name, others] : {std::pair("new", ""), {"made", "First,Active,Last"}}) {
       for (const std::string kind : {"report", "compare"}) {
         const std::string workbook = name + ("-" + kind) + extension;
-        if (*others != '\0') fs::copy_file(folder_.at(name + extension), folder_.at(workbook));
-        ASSERT_EQ(vtrout(kind == "report" ? "report plant.vtr --workbook " + workbook
-                                          : "compare plant.vtr plant-next.vtr --workbook " + workbook),
-                  kind == "report" ? 0 : 1)
-            << err_;
-        EXPECT_EQ(out_, workbook + "\n");
+        if (*others != '\0') fs::copy_file(at(name + extension), at(workbook));
+        const Outcome run = kind == "report"
+                                ? expect(0, "vtrout report plant.vtr --workbook " + workbook)
+                                : expect(1, "vtrout compare plant.vtr plant-next.vtr --workbook " + workbook);
+        EXPECT_EQ(run.out, workbook + "\n");
         expect_sheets("python", workbook, kind, others);
       }
     }
   }
   // No text stands beside them, and nothing unfinished.
-  for (const auto& entry : fs::directory_iterator(folder_.at(""))) {
-    EXPECT_NE(entry.path().extension(), ".CSV") << entry.path();
-    EXPECT_NE(entry.path().extension(), ".tmp") << entry.path();
+  for (const auto& [name, bytes] : files()) {
+    EXPECT_NE(fs::path(name).extension(), ".CSV") << name;
+    EXPECT_NE(fs::path(name).extension(), ".tmp") << name;
   }
 }
 
 TEST_F(WorkbookCommand, OtherProgramsReadTheSameSheets) {
-  ASSERT_EQ(run("/usr/bin/python3 '" SAMPLES "/../tests/spreadsheet/make_simple_workbooks.py'"), 0) << err_;
+  make_simple_workbooks();
   bool any = false;
   for (const std::string reader : {"soffice", "ssconvert"}) {
-    if (std::system(("command -v " + reader + " >/dev/null").c_str()) != 0) continue;
+    if (shell("command -v " + reader).status != 0) continue;
     any = true;
     for (const std::string workbook : {"made.xls", "made.xlsx"}) {
-      fs::copy_file(folder_.at(workbook), folder_.at("c-" + workbook), fs::copy_options::overwrite_existing);
-      ASSERT_EQ(vtrout("compare dense.vtr dense-next.vtr --workbook c-" + workbook), 1) << err_;
+      fs::copy_file(at(workbook), at("c-" + workbook), fs::copy_options::overwrite_existing);
+      expect(1, "vtrout compare dense.vtr dense-next.vtr --workbook c-" + workbook);
       expect_sheets(reader, "c-" + workbook, "compare", "First,Active,Last");
     }
   }
@@ -83,27 +65,22 @@ TEST_F(WorkbookCommand, OtherProgramsReadTheSameSheets) {
 
 // All sheets or none: what one part can't have, the others don't leave behind.
 TEST_F(WorkbookCommand, AFailingPartLeavesTheWorkbookAsItWas) {
-  folder_.put("sick.vtr", sample("damaged/sick-lists.vtr"));
-  ASSERT_EQ(vtrout("report plant.vtr --part lang --workbook w.xlsx"), 0) << err_;
-  fs::rename(folder_.at("w.xlsx"), folder_.at("theirs.xlsx"));
-  ASSERT_EQ(vtrout("statistics theirs.xlsx none.csv S"), 2);
-  const std::string before = fakes::get_file(folder_.at("theirs.xlsx"));
-  const std::size_t count = files();
+  put("sick.vtr", sample("damaged/sick-lists.vtr"));
+  expect(0, "vtrout report plant.vtr --part lang --workbook w.xlsx && mv w.xlsx theirs.xlsx");
+  expect_refused("vtrout statistics theirs.xlsx none.csv S", "none.csv");
+  const auto before = files();
   for (const std::string workbook : {"theirs.xlsx", "new.xls"}) {
-    EXPECT_EQ(
-        vtrout("compare sick.vtr plant.vtr --part product --part tree --part lookup --json --workbook " + workbook), 2);
-    EXPECT_NE(err_.find("nothing was changed"), std::string::npos) << err_;
-    EXPECT_NE(out_.find("\"workbook\": null"), std::string::npos) << out_;
+    const Outcome run = expect(
+        2, "vtrout compare sick.vtr plant.vtr --part product --part tree --part lookup --json --workbook " + workbook);
+    EXPECT_NE(run.err.find("nothing was changed"), std::string::npos) << run.err;
+    EXPECT_NE(run.out.find("\"workbook\": null"), std::string::npos) << run.out;
   }
-  EXPECT_TRUE(fakes::get_file(folder_.at("theirs.xlsx")) == before);
-  EXPECT_EQ(files(), count);
+  EXPECT_TRUE(files() == before);
 }
 
 // The command says what stands in the way before it changes anything.
 TEST_F(WorkbookCommand, RefusalsChangeNothing) {
-  ASSERT_EQ(vtrout("report plant.vtr --part lang --workbook w.xlsx"), 0) << err_;
-  const std::string before = fakes::get_file(folder_.at("w.xlsx"));
-  const std::size_t count = files();
+  expect(0, "vtrout report plant.vtr --part lang --workbook w.xlsx");
   const std::pair<const char*, const char*> cases[] = {
       {"report plant.vtr --workbook w.xlsx", "\"Languages\""},
       {"compare plant.vtr plant-next.vtr --part lang --workbook w.xlsx", "\"Languages\""},
@@ -119,46 +96,67 @@ TEST_F(WorkbookCommand, RefusalsChangeNothing) {
       {"report plant.vtr --temporary --workbook w.xlsx", "--temporary"},
       {"compare plant.vtr plant-next.vtr --no-color", "--workbook"},
   };
-  for (const auto& [arguments, reason] : cases) {
-    EXPECT_EQ(vtrout(arguments), 2) << arguments;
-    EXPECT_NE(err_.find(reason), std::string::npos) << arguments << ": " << err_;
-    EXPECT_EQ(out_, "");
-    EXPECT_TRUE(fakes::get_file(folder_.at("w.xlsx")) == before) << arguments;
-    EXPECT_EQ(files(), count) << arguments;
+  for (const auto& [arguments, reason] : cases) expect_refused(std::string("vtrout ") + arguments, reason);
+}
+
+// What fails while the sheets are made is told by the name that the user gave, not by that of the unfinished content.
+TEST_F(WorkbookCommand, FailuresNameTheWorkbookAsItWasGiven) {
+  expect(0, "vtrout report plant.vtr --part lang --workbook w.xls");
+  for (const std::string workbook : {"w.xls", "new.xls"}) {
+    const Outcome run = expect_refused(
+        "ulimit -f $((($(stat -c %s w.xls) + 511) / 512)); vtrout report plant.vtr --part field --workbook " + workbook,
+        "no whole sheet for field in " + workbook + ": can't write \"" +
+            (workbook == "w.xls" ? fs::path(workbook) : fs::canonical(at("")) / workbook).string() + "\": ");
+    EXPECT_EQ(run.err.find(".vtrout-"), std::string::npos) << run.err;
   }
 }
 
 TEST_F(WorkbookCommand, StatisticsMovesOneReport) {
-  ASSERT_EQ(vtrout("report plant.vtr --part table --temporary"), 0) << err_;
-  const std::string report = out_.substr(0, out_.size() - 1), text = fakes::get_file(folder_.at(report));
-  ASSERT_EQ(vtrout("report plant.vtr --part lang --workbook w.xls"), 0) << err_;
-  ASSERT_EQ(vtrout("statistics w.xls " + report +
-                   " '\xC3\x9C"
-                   "bersicht'"),
-            0)
-      << err_;
-  EXPECT_EQ(out_, "w.xls\n");
-  EXPECT_EQ(fakes::get_file(folder_.at(report)), text);
-  ASSERT_EQ(run("/usr/bin/python3 -c \"import xlrd; print(xlrd.open_workbook('w.xls').sheet_names())\""), 0) << err_;
-  EXPECT_EQ(out_,
-            "['\xC3\x9C"
-            "bersicht', 'Languages']\n");
+  const std::string report = lines(expect(0, "vtrout report plant.vtr --part table --temporary").out).at(0);
+  const std::string text = get(report);
+  expect(0, "vtrout report plant.vtr --part lang --workbook w.xls");
+  EXPECT_EQ(expect(0, "vtrout statistics w.xls " + report + " '\u00DCbersicht'").out, "w.xls\n");
+  EXPECT_EQ(get(report), text);
+  EXPECT_EQ(expect(0, kPython + "-c \"import xlrd; print(xlrd.open_workbook('w.xls').sheet_names())\"").out,
+            "['\u00DCbersicht', 'Languages']\n");
+}
+
+// As each reader knows the formats to which the file formats give a number.
+TEST_F(WorkbookCommand, ValuesLookAsTheyWereWritten) {
+  put("values.csv",
+      ",,,,,,\"1,234\",\"1,234.5\",$5,$5.50,12%,0.5%,1e3,6/1/2004,1-Jun-04,1-Jun,6:00 PM,6:00:00 PM,6:00,"
+      "6:00:00,6/1/2004 6:00\r\n");
+  for (const std::string workbook : {"w.xls", "w.xlsx"}) {
+    expect(0, "vtrout report plant.vtr --part lang --workbook " + workbook);
+    expect(0, "vtrout statistics " + workbook + " values.csv New");
+  }
+  const Outcome shown =
+      expect(0, kPython +
+                    "-c '\nimport openpyxl, xlrd\nbook = xlrd.open_workbook(\"w.xls\", formatting_info=True)\n"
+                    "cells = book.sheet_by_name(\"New\").row(0), openpyxl.load_workbook(\"w.xlsx\")[\"New\"][1]\n"
+                    "for one, other in list(zip(*cells))[6:]:\n"
+                    "  both = book.format_map[book.xf_list[one.xf_index].format_key].format_str, other.number_format\n"
+                    "  print(*dict.fromkeys(text.replace(chr(34), \"\") for text in both))'");
+  EXPECT_EQ(lines(shown.out),
+            (std::vector<std::string>{"#,##0", "#,##0.00", "$#,##0_);[Red]($#,##0)", "$#,##0.00_);[Red]($#,##0.00)",
+                                      "0%", "0.00%", "0.00E+00", "m/d/yy mm-dd-yy", "d-mmm-yy", "d-mmm", "h:mm AM/PM",
+                                      "h:mm:ss AM/PM", "h:mm", "h:mm:ss", "m/d/yy h:mm"}));
 }
 
 // Bytes of the code page come out as characters, and control characters as what they are.
 TEST_F(WorkbookCommand, TextsFollowTheCodePage) {
-  folder_.put("cyrillic.csv", "\xC4\xE0,\x01_x0041_\r\n");
+  put("cyrillic.csv", "\xC4\xE0,\x01_x0041_\r\n");
   for (const std::string workbook : {"w.xls", "w.xlsx"}) {
-    ASSERT_EQ(vtrout("report plant.vtr --part lang --workbook " + workbook), 0) << err_;
-    ASSERT_EQ(vtrout("statistics " + workbook + " cyrillic.csv New --code-page 1251"), 0) << err_;
+    expect(0, "vtrout report plant.vtr --part lang --workbook " + workbook);
+    expect(0, "vtrout statistics " + workbook + " cyrillic.csv New --code-page 1251");
   }
-  ASSERT_EQ(run("/usr/bin/python3 -c \"import openpyxl, xlrd\nfrom openpyxl.utils.escape import unescape\n"
-                "one = xlrd.open_workbook('w.xls').sheet_by_name('New').row_values(0)\n"
-                "other = [unescape(cell.value) for cell in openpyxl.load_workbook('w.xlsx')['New'][1]]\n"
-                "print(ascii(one), ascii(other))\""),
-            0)
-      << err_;
-  EXPECT_EQ(out_, "['\\u0414\\u0430', '\\x01_x0041_'] ['\\u0414\\u0430', '\\x01_x0041_']\n");
+  const Outcome shown =
+      expect(0, kPython +
+                    "-c \"import openpyxl, xlrd\nfrom openpyxl.utils.escape import unescape\n"
+                    "one = xlrd.open_workbook('w.xls').sheet_by_name('New').row_values(0)\n"
+                    "other = [unescape(cell.value) for cell in openpyxl.load_workbook('w.xlsx')['New'][1]]\n"
+                    "print(ascii(one), ascii(other))\"");
+  EXPECT_EQ(shown.out, "['\\u0414\\u0430', '\\x01_x0041_'] ['\\u0414\\u0430', '\\x01_x0041_']\n");
 }
 
 }  // namespace

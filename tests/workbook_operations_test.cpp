@@ -2,7 +2,8 @@
 #include <gtest/gtest.h>
 #include <iterator>
 
-#include "component/TarvelVtrOut_InOut.h"
+#include "component/parts.h"
+#include "spreadsheet/text/comma_text.h"
 #include "tests/fakes/fake_services.h"
 #include "tests/support.h"
 
@@ -23,6 +24,47 @@ class WorkbookOperations : public testing::Test {
     machine.memory.files[path] = bytes;
     ASSERT_EQ(document.ReadVTR(path, list, no), True);
   }
+  // Rows of a sheet, counted from 1.
+  struct Rows {
+    std::size_t first = 0, last = 0;
+    void add(std::size_t row) {
+      if (first == 0) first = row;
+      last = row;
+    }
+  };
+  // Those of the comparison of two files that have a label.
+  static Rows rows_labelled(const Part& part, const std::string& first, const std::string& second) {
+    fakes::Machine other;
+    TarvelVtrOut_InOut compared(other.services());
+    std::u16string one = u"a.vtr", two = u"b.vtr", report, list;
+    other.memory.files = {{one, first}, {two, second}};
+    Boolean is_secondary = False;
+    compared.ReadVTR(one, list, is_secondary);
+    compared.ReadVTR(two, list, is_secondary = True);
+    EXPECT_EQ((compared.*part.compare)(one, two, report), True) << part.name;
+    const auto sheet = spreadsheet::read_comma_text(other.memory.files[report], 2004);
+    Rows rows;
+    for (std::uint32_t row = 0; row < sheet.rows(); ++row) {
+      const auto cells = sheet.row(row);
+      if (!cells.empty() && cells[0].kind() == spreadsheet::CellKind::kText && !cells[0].text().empty())
+        rows.add(row + 1);
+    }
+    return rows;
+  }
+  // Those that are asked for their labels when a sheet on the comparison is coloured.
+  Rows rows_looked_at(const std::u16string& sheet, const std::string& first, const std::string& second) {
+    TarvelVtrOut_InOut one(machine.services()), two(machine.services());
+    read(one, first);
+    read(two, second);
+    program = {};
+    EXPECT_EQ(utility.XL_Output_Compared(u"b.xls", u"r.CSV", sheet, &one, &two, True), True);
+    Rows rows;
+    const std::string begin = "Sheet2.Range(A", end = ").Cells.Value";
+    for (const auto& call : program.calls) {
+      if (call.ends_with(end)) rows.add(std::stoul(call.substr(begin.size())));
+    }
+    return rows;
+  }
   // The calls up to the sheet's name and from the saving on are the same in each run.
   static Calls whole(const std::string& sheet, const Calls& middle) {
     Calls calls = {"CreateObject Excel.Application", "DisplayAlerts := False",     "Workbooks.Open r.CSV",
@@ -38,53 +80,22 @@ class WorkbookOperations : public testing::Test {
   }
 
   fakes::Machine machine;
-  fakes::RecordingSpreadsheet& spreadsheet = machine.spreadsheet;
+  fakes::RecordingSpreadsheet& program = machine.spreadsheet;
   TarvelVtrOut_InOut utility{machine.services()}, primary{machine.services()}, secondary{machine.services()};
 };
 
-constexpr const char* kMoment = ".NumberFormat := m/d/yy h:mm AM/PM";
-
-TEST_F(WorkbookOperations, StatisticsFormatsBySheetName) {
-  struct Case {
-    std::u16string sheet;
-    Calls columns, cells;
-  };
-  const Case cases[] = {{u"Fields", {"Columns.(N).NumberFormat := 0"}, {}},
-                        {u"Product", {}, {std::string("Range(C6)") + kMoment}},
-                        {u"fields", {}, {}}};
-  for (const auto& [sheet, columns, cells] : cases) {
-    spreadsheet = {};
-    EXPECT_EQ(statistics(sheet), True);
-    Calls middle = {"Columns.(B:F).NumberFormat := 0"};
-    middle.insert(middle.end(), columns.begin(), columns.end());
-    middle.emplace_back("Columns.HorizontalAlignment := -4131");
-    middle.push_back(std::string("Range(B2)") + kMoment);
-    middle.insert(middle.end(), cells.begin(), cells.end());
-    middle.emplace_back("Range(A1).Select");
-    EXPECT_EQ(spreadsheet.calls, whole(text::to_utf8(sheet), middle));
-  }
-}
-
-TEST_F(WorkbookOperations, ComparedWithoutColorFormatsBySheetName) {
-  struct Case {
-    std::u16string sheet;
-    Calls own;
-  };
-  const Case cases[] = {{u"Product", {std::string("Range(D7)") + kMoment, std::string("Range(I7)") + kMoment}},
-                        {u"Tree", {"Columns.(G).NumberFormat := 0"}},
-                        {u"Fields", {"Columns.(O).NumberFormat := 0"}},
-                        {u"Tables", {}},
-                        {u"product", {}}};
-  for (const auto& [sheet, own] : cases) {
-    Calls middle = {"Columns.(C:D).NumberFormat := 0", "Columns.HorizontalAlignment := -4131",
-                    std::string("Range(C3)") + kMoment};
-    middle.insert(middle.end(), own.begin(), own.end());
-    middle.insert(middle.end(), {"Range(A1).Select", "Range(A:A).AutoFilter"});
-    for (const Boolean color : {False, Boolean{1}}) {
-      spreadsheet = {};
-      EXPECT_EQ(utility.XL_Output_Compared(u"b.xls", u"r.CSV", sheet, nullptr, nullptr, color), True);
-      EXPECT_EQ(spreadsheet.calls, whole(text::to_utf8(sheet), middle));
-    }
+// On a sheet whose name stands for no part, whatever its letters are but for their case.
+TEST_F(WorkbookOperations, CallsComeInTheirOrder) {
+  const Calls first = {"Columns.(B:F).NumberFormat := 0", "Columns.HorizontalAlignment := -4131",
+                       "Range(B2).NumberFormat := m/d/yy h:mm AM/PM", "Range(A1).Select"};
+  EXPECT_EQ(statistics(u"fields"), True);
+  EXPECT_EQ(program.calls, whole("fields", first));
+  const Calls second = {"Columns.(C:D).NumberFormat := 0", "Columns.HorizontalAlignment := -4131",
+                        "Range(C3).NumberFormat := m/d/yy h:mm AM/PM", "Range(A1).Select", "Range(A:A).AutoFilter"};
+  for (const Boolean color : {False, Boolean{1}}) {
+    program = {};
+    EXPECT_EQ(utility.XL_Output_Compared(u"b.xls", u"r.CSV", u"product", nullptr, nullptr, color), True);
+    EXPECT_EQ(program.calls, whole("product", second));
   }
 }
 
@@ -92,14 +103,14 @@ TEST_F(WorkbookOperations, ComparedWithoutColorFormatsBySheetName) {
 TEST_F(WorkbookOperations, LabelsAreColouredInListsOf21) {
   read(primary, tests::sample("plant.vtr"));
   read(secondary, tests::sample("plant.vtr"));
-  for (int row = 12; row < 12 + 22; ++row) spreadsheet.values["A" + std::to_string(row)] = u"Deleted from Primary";
-  spreadsheet.values["A34"] = u"Added in Secondary";
-  spreadsheet.values["A35"] = u"Original in Primary";
-  spreadsheet.values["A36"] = u"Changed in Secondary";
-  spreadsheet.values["A37"] = u"Original in Primary ";
+  for (int row = 12; row < 12 + 22; ++row) program.values["A" + std::to_string(row)] = u"Deleted from Primary";
+  program.values["A34"] = u"Added in Secondary";
+  program.values["A35"] = u"Original in Primary";
+  program.values["A36"] = u"Changed in Secondary";
+  program.values["A37"] = u"Original in Primary ";
   ASSERT_EQ(compared(u"Fields", True), True);
   Calls applied;
-  std::ranges::copy_if(spreadsheet.calls, std::back_inserter(applied),
+  std::ranges::copy_if(program.calls, std::back_inserter(applied),
                        [](const auto& call) { return call.find("Font.") != call.npos; });
   std::string first_list = "A12";
   for (int row = 13; row <= 32; ++row) first_list += ",A" + std::to_string(row);
@@ -113,73 +124,36 @@ TEST_F(WorkbookOperations, LabelsAreColouredInListsOf21) {
   EXPECT_EQ(applied, expected);
 }
 
-// The rows that are looked at, by the sizes that the accessors give.
-TEST_F(WorkbookOperations, TheRowEstimateFollowsTheAccessors) {
-  read(primary, tests::sample("plant.vtr"));
-  read(secondary, tests::sample("plant-next.vtr"));
-  std::int32_t count = 0, current = 0, max = 0;
-  std::u16string text;
-  const auto sum = [&](auto size_of) { return size_of(primary) + size_of(secondary); };
-  struct Case {
-    std::u16string sheet;
-    int first;
-    int rows;
-  };
-  std::int32_t size = 0;
-  const auto tree = [&](auto& document) { return document.GetTreInfo(count, current, max, size), size; };
-  const auto tables = [&](auto& document) { return document.GetTableInfo(count, current, max, size), size; };
-  const auto lookups = [&](auto& document) { return document.GetLookupInfo(count, current, max, size), size; };
-  const auto tags = [&](auto& document) { return document.GetTagInfo(count, size), size; };
-  const auto languages = [&](auto& document) { return document.GetLanInfo(count, size), size; };
-  const auto include = [&](auto& document) { return document.GetInclInfo(count, current, max, size), size; };
-  const auto module = [&](auto& document) { return document.GetMdlInfo(count, size), size; };
-  const auto fields = [&](auto& document) { return document.GetFieldsInfo(size), size; };
-  const auto nodes = [&](auto& document) { return document.GetDsmInfo(count, text, text, size), count + size; };
-  const Case cases[] = {{u"Product", 28, 6 + sum(include) + sum(module)},
-                        {u"Tree", 12, sum(tree)},
-                        {u"Fields", 8, sum(fields)},
-                        {u"Tables", 12, sum(tables)},
-                        {u"Lookups", 12, sum(lookups)},
-                        {u"Control Tags", 10, sum(tags)},
-                        {u"Languages", 10, sum(languages)},
-                        {u"Data Send", 12, 4 + sum(nodes)}};
-  for (const auto& [sheet, first, rows] : cases) {
-    spreadsheet = {};
-    ASSERT_EQ(compared(sheet, True), True);
-    std::string first_value, last_value;
-    for (const auto& call : spreadsheet.calls) {
-      if (!call.ends_with("Value")) continue;
-      if (first_value.empty()) first_value = call;
-      last_value = call;
+// Of documents that have nothing in common each item has a row with a label: from the first of them on labels are
+// looked for, down to one row below the last.
+TEST_F(WorkbookOperations, LabelsAreLookedForInTheRowsOfTheItems) {
+  const std::string full = tests::sample("plant.vtr"), empty = tests::FileBuilder().with_end();
+  for (const auto& [first, second] : {std::pair(full, empty), {empty, full}}) {
+    for (const Part& part : document_parts()) {
+      const Rows labelled = rows_labelled(part, first, second);
+      EXPECT_GT(labelled.last, labelled.first) << part.name;
+      const Rows looked_at = rows_looked_at(std::u16string(part.sheet.name), first, second);
+      EXPECT_EQ(looked_at.first, labelled.first) << part.name;
+      EXPECT_EQ(looked_at.last, labelled.last + 1) << part.name;
     }
-    EXPECT_EQ(first_value, "Sheet2.Range(A" + std::to_string(first) + ").Cells.Value");
-    EXPECT_EQ(last_value, "Sheet2.Range(A" + std::to_string(first + rows) + ").Cells.Value");
-    EXPECT_GT(rows, 6);
   }
-
   // A list that doesn't hold together counts for nothing.
-  TarvelVtrOut_InOut sick{machine.services()};
-  read(sick, tests::sample("damaged/sick-lists.vtr"));
-  ASSERT_NE(sick.GetLanInfo(count, size), u"OK");
-  spreadsheet = {};
-  ASSERT_EQ(utility.XL_Output_Compared(u"b.xls", u"r.CSV", u"Languages", &sick, &secondary, True), True);
-  const auto last = std::ranges::find_if(spreadsheet.calls.rbegin(), spreadsheet.calls.rend(),
-                                         [](const auto& call) { return call.ends_with("Value"); });
-  EXPECT_EQ(*last, "Sheet2.Range(A" + std::to_string(10 + languages(secondary)) + ").Cells.Value");
+  EXPECT_EQ(rows_looked_at(u"Languages", tests::sample("damaged/sick-lists.vtr"), full).last,
+            rows_looked_at(u"Languages", empty, full).last);
 }
 
 // Whatever fails, both sheets are released, the application quits and is released, and the result is False.
 TEST_F(WorkbookOperations, EachFailureEndsTheApplication) {
   read(primary, tests::sample("plant.vtr"));
   read(secondary, tests::sample("plant-next.vtr"));
-  spreadsheet.values = {{"A12", u"Deleted from Primary"}};
+  program.values = {{"A12", u"Deleted from Primary"}};
   const auto run = [&](bool color) { return color ? compared(u"Tables", True) : statistics(u"Fields"); };
   for (const bool color : {false, true}) {
     for (std::size_t call = 1;; ++call) {
-      spreadsheet.calls.clear();
-      spreadsheet.failing_call = call;
+      program.calls.clear();
+      program.failing_call = call;
       const Boolean result = run(color);
-      const Calls& calls = spreadsheet.calls;
+      const Calls& calls = program.calls;
       if (calls.size() < call || calls[call - 1].starts_with("release")) {
         if (result == True) break;
         continue;
@@ -198,9 +172,9 @@ TEST_F(WorkbookOperations, EachFailureEndsTheApplication) {
     }
     EXPECT_TRUE(machine.message_box.calls.empty());
   }
-  spreadsheet = {};
+  program = {};
   EXPECT_EQ(utility.XL_Output_Compared(u"b.xls", u"r.CSV", u"Tables", &primary, nullptr, True), False);
-  EXPECT_EQ(spreadsheet.calls.back(), "release application");
+  EXPECT_EQ(program.calls.back(), "release application");
 }
 
 }  // namespace

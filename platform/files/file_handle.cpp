@@ -103,14 +103,17 @@ int lock(int descriptor, Access access) {
 
 }  // namespace
 
+void refuse_file(ErrorNumber number, const char* verb, const std::string& path, const std::string& reason) {
+  throw ServiceError(number, std::string("can't ") + verb + " \"" + path + "\": " + reason);
+}
+
 void raise_file_error(int error, const std::string& path, const char* verb) {
   if (error == ENOENT && !parent_exists(path)) error = ENOTDIR;
   const auto* row = std::find_if(std::begin(kErrors), std::end(kErrors),
                                  [error](const ErrorRow& candidate) { return candidate.error == error; });
   const bool found = row != std::end(kErrors);
   const std::string reason = found && row->reason ? row->reason : std::generic_category().message(error);
-  throw ServiceError(found ? row->number : ErrorNumber::kDeviceError,
-                     std::string("can't ") + verb + " \"" + path + "\": " + reason);
+  refuse_file(found ? row->number : ErrorNumber::kDeviceError, verb, path, reason);
 }
 
 FileHandle::FileHandle(const std::string& path, const char* verb, Access access, Creation creation,

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <sys/stat.h>
 
+#include "services/error_numbers.h"
+
 namespace trvtrout::platform {
 
 enum class Access { kRead, kWrite, kUpdate };  // kUpdate: both
@@ -23,6 +25,8 @@ class FileHandle {
   FileHandle(const FileHandle&) = delete;
   FileHandle& operator=(const FileHandle&) = delete;
 
+  // What messages name it.
+  const std::string& told_as() const { return path_; }
   // Length in bytes. Raises ServiceError.
   std::uint64_t size() const;
   // Returns fewer bytes than asked at the end of the file, or in front of what can't be read, for which the next call
@@ -54,7 +58,9 @@ class FileHandle {
   int descriptor_ = -1;
 };
 
-// Raises the ServiceError for an error number of the machine.
+// Raises the ServiceError that says: can't `verb` "`path`": `reason`.
+[[noreturn]] void refuse_file(ErrorNumber number, const char* verb, const std::string& path, const std::string& reason);
+// The same for an error number of the machine.
 [[noreturn]] void raise_file_error(int error, const std::string& path, const char* verb);
 
 }  // namespace trvtrout::platform

@@ -32,8 +32,7 @@ std::string behind_links(const std::string& path) {
   if (!none) return real.string();
   // A new name in its place would take the link away from whoever made it.
   if (std::filesystem::is_symlink(path, none)) {
-    throw ServiceError(ErrorNumber::kBadFileName,
-                       std::string("can't ") + kVerb + " \"" + path + "\": it's a link that leads nowhere");
+    refuse_file(ErrorNumber::kBadFileName, kVerb, path, "it's a link that leads nowhere");
   }
   return path;
 }
@@ -43,26 +42,27 @@ bool name_is_taken(const std::string& path) {
   return lstat(path.c_str(), &status) == 0;
 }
 
-Replacement::Replacement(const std::string& path, std::string model)
+Replacement::Replacement(const std::string& path, std::string model, const std::string& told_as)
     : path_(behind_links(path)),
+      told_as_(told_as.empty() ? path_ : told_as),
       model_(std::move(model)),
       temporary_path_(temporary_path_beside(path_)),
       unfinished_(temporary_path_),
-      file_(temporary_path_, kVerb, Access::kWrite, Creation::kOnlyNew, path_) {}
+      file_(temporary_path_, kVerb, Access::kWrite, Creation::kOnlyNew, told_as_) {}
 
 Replacement::~Replacement() {
   if (!temporary_path_.empty()) unlink(temporary_path_.c_str());
 }
 
 void Replacement::write(std::string_view bytes) {
-  if (const int error = file_.write(bytes); error != 0) raise_file_error(error, path_, kVerb);
+  if (const int error = file_.write(bytes); error != 0) raise_file_error(error, told_as_, kVerb);
 }
 
 void Replacement::finish() {
   if (finished_) return;
   file_.take_rights_of(name_is_taken(path_) ? path_ : model_);
   file_.sync();
-  if (const int error = file_.close(); error != 0) raise_file_error(error, path_, kVerb);
+  if (const int error = file_.close(); error != 0) raise_file_error(error, told_as_, kVerb);
   finished_ = true;
 }
 
@@ -74,13 +74,13 @@ void Replacement::settle() {
 
 void Replacement::commit() {
   finish();
-  if (std::rename(temporary_path_.c_str(), path_.c_str()) != 0) raise_file_error(errno, path_, kVerb);
+  if (std::rename(temporary_path_.c_str(), path_.c_str()) != 0) raise_file_error(errno, told_as_, kVerb);
   settle();
 }
 
 void Replacement::commit_new() {
   finish();
-  if (const int error = rename_to_new(temporary_path_, path_); error != 0) raise_file_error(error, path_, kVerb);
+  if (const int error = rename_to_new(temporary_path_, path_); error != 0) raise_file_error(error, told_as_, kVerb);
   settle();
 }
 

@@ -14,8 +14,9 @@ namespace trvtrout::platform {
 class Replacement {
  public:
   // `path`: of a file that exists or not. A link is followed; one that leads nowhere is refused. A file that doesn't
-  // exist will have the rights of the one at `model`. Raises ServiceError.
-  explicit Replacement(const std::string& path, std::string model = {});
+  // exist will have the rights of the one at `model`. Messages name it `told_as`, if that isn't empty. Raises
+  // ServiceError.
+  explicit Replacement(const std::string& path, std::string model = {}, const std::string& told_as = {});
   ~Replacement();
   Replacement(const Replacement&) = delete;
   Replacement& operator=(const Replacement&) = delete;
@@ -36,6 +37,7 @@ class Replacement {
   void settle();
 
   std::string path_;
+  std::string told_as_;
   std::string model_;
   std::string temporary_path_;
   std::optional<Unfinished> unfinished_;

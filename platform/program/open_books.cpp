@@ -59,12 +59,13 @@ bool is_comma_text(std::u16string_view path) {
                             [](char16_t one, char16_t other) { return (one < 128 ? one | 32 : one) == other; });
 }
 
-OpenBook::OpenBook(const std::u16string& path, Files& files, Locale& locale) : path_(path) {
+OpenBook::OpenBook(const std::u16string& path, Files& files, Locale& locale, const std::string& told_as)
+    : path_(path), told_as_(told_as.empty() ? machine_path(path) : told_as) {
   if (is_comma_text(path)) {
     std::string text = text::to_utf8(locale.Decode(read_all(files, path)));
     sheet_ = std::make_unique<EditedSheet>(read_comma_text(std::move(text), year_of(locale.Now())), kTextLimits);
   } else {
-    workbook_ = std::make_unique<WorkbookOnDisk>(platform::machine_path(path));
+    workbook_ = std::make_unique<WorkbookOnDisk>(machine_path(path), told_as);
   }
 }
 
@@ -72,8 +73,6 @@ EditedSheet& OpenBook::sheet() {
   if (!sheet_) refuse("a sheet that was in the workbook before can't be read or changed");
   return *sheet_;
 }
-
-std::string OpenBook::machine_name() const { return platform::machine_path(path_); }
 
 void OpenBook::require_added() const {
   if (!workbook_ || !sheet_) refuse("only a sheet that was added to a workbook can be changed");
@@ -90,13 +89,13 @@ void OpenBook::paste(Sheet cells, Locale& locale) {
   require_added();
   const WorkbookFile& file = workbook_->file();
   if (file.counts_from_1904()) count_dates_from_1904(cells, locale);
-  naming_file(machine_name(), [&] { require_fitting(cells, file.limits()); });
+  naming_file(told_as_, [&] { require_fitting(cells, file.limits()); });
   sheet_ = std::make_unique<EditedSheet>(std::move(cells), file.limits());
 }
 
 void OpenBook::restyle(const std::vector<Area>& areas, const std::function<void(CellStyle&)>& change) {
   require_added();
-  naming_file(machine_name(), [&] { sheet_->restyle(areas, change); });
+  naming_file(told_as_, [&] { sheet_->restyle(areas, change); });
 }
 
 void OpenBook::rename(const std::u16string& name) {

@@ -18,8 +18,8 @@ bool is_comma_text(std::u16string_view path);
 // A text or a workbook that an application has open.
 class OpenBook {
  public:
-  // Raises ServiceError.
-  OpenBook(const std::u16string& path, Files& files, Locale& locale);
+  // Messages name a workbook `told_as`, if that isn't empty. Raises ServiceError.
+  OpenBook(const std::u16string& path, Files& files, Locale& locale, const std::string& told_as);
 
   // The sheet that was made of a text or added to a workbook. Raises ServiceError when there is none.
   EditedSheet& sheet();
@@ -35,9 +35,9 @@ class OpenBook {
 
  private:
   void require_added() const;
-  std::string machine_name() const;
 
   std::u16string path_;
+  std::string told_as_;
   std::unique_ptr<WorkbookOnDisk> workbook_;  // null for a text
   std::unique_ptr<EditedSheet> sheet_;
   std::string sheet_name_;

@@ -3,6 +3,7 @@
 #include <utility>
 #include <vector>
 
+#include "platform/files/path.h"
 #include "platform/program/open_books.h"
 #include "platform/program/spreadsheet_error.h"
 #include "text/utf8.h"
@@ -19,10 +20,15 @@ constexpr int kMaxColorIndex = 56;
 struct State {
   Files& files;
   Locale& locale;
+  ToldName told;
   std::vector<std::shared_ptr<OpenBook>> books = {};
   std::shared_ptr<OpenBook> active = nullptr;
   std::shared_ptr<OpenBook> copied = nullptr;  // whose cells the clipboard has
 
+  void open(const std::u16string& path) {
+    const std::string told_as = machine_path(path) == told.path ? told.told_as : "";
+    active = books.emplace_back(std::make_shared<OpenBook>(path, files, locale, told_as));
+  }
   OpenBook& active_book() const {
     if (!active) refuse("no workbook is open");
     return *active;
@@ -160,9 +166,7 @@ class ProgramWorkbook : public automation::Workbook {
 class ProgramWorkbooks : public automation::Workbooks {
  public:
   explicit ProgramWorkbooks(std::shared_ptr<State> state) : state_(std::move(state)) {}
-  void Open(const std::u16string& filename) override {
-    state_->active = state_->books.emplace_back(std::make_shared<OpenBook>(filename, state_->files, state_->locale));
-  }
+  void Open(const std::u16string& filename) override { state_->open(filename); }
   void Close() override { state_->close_all(); }
 
  private:
@@ -171,7 +175,7 @@ class ProgramWorkbooks : public automation::Workbooks {
 
 class ProgramApplication : public automation::Application {
  public:
-  ProgramApplication(Files& files, Locale& locale) : state_(std::make_shared<State>(State{files, locale})) {}
+  explicit ProgramApplication(State state) : state_(std::make_shared<State>(std::move(state))) {}
   void SetDisplayAlerts(bool) override {}  // it has no window to ask in
   std::unique_ptr<automation::Workbooks> GetWorkbooks() override { return std::make_unique<ProgramWorkbooks>(state_); }
   std::unique_ptr<automation::Workbook> ActiveWorkbook() override { return std::make_unique<ProgramWorkbook>(state_); }
@@ -185,7 +189,7 @@ class ProgramApplication : public automation::Application {
 
 std::unique_ptr<automation::Application> SpreadsheetProgram::CreateObject(const std::u16string& name) {
   if (name != u"Excel.Application") refuse("there is no application \"" + text::to_utf8(name) + "\" here");
-  return std::make_unique<ProgramApplication>(files_, locale_);
+  return std::make_unique<ProgramApplication>(State{files_, locale_, told_});
 }
 
 }  // namespace trvtrout::platform

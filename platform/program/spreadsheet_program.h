@@ -8,6 +8,11 @@
 
 namespace trvtrout::platform {
 
+// A workbook that messages name in another way than by its path.
+struct ToldName {
+  std::string path, told_as;
+};
+
 // A spreadsheet program without a window, for the calls that the workbook operations make. It opens comma-separated
 // texts (by the extension .csv) and workbooks (by their content), and adds one sheet to a workbook at a time; sheets
 // that are there can't be read or changed. What it can't do raises ServiceError.
@@ -17,11 +22,15 @@ class SpreadsheetProgram : public automation::Spreadsheet {
   // year. Both must outlive it and its applications.
   SpreadsheetProgram(Files& files, Locale& locale) : files_(files), locale_(locale) {}
 
+  // Messages name the workbook at `path` (of the machine) `told_as`, in applications that are created from now on.
+  void tell_as(const std::string& path, const std::string& told_as) { told_ = {path, told_as}; }
+
   std::unique_ptr<automation::Application> CreateObject(const std::u16string& name) override;
 
  private:
   Files& files_;
   Locale& locale_;
+  ToldName told_;
 };
 
 }  // namespace trvtrout::platform

@@ -1,5 +1,7 @@
 #include "platform/program/workbook_on_disk.h"
 
+#include <filesystem>
+
 #include "platform/files/replacement.h"
 #include "platform/program/sheet_names.h"
 #include "platform/program/spreadsheet_error.h"
@@ -10,19 +12,18 @@ using namespace spreadsheet;
 
 namespace {
 
-constexpr const char* kVerb = "change";
-[[noreturn]] void refuse_held(const std::string& path, const std::string& reason) {
-  throw ServiceError(ErrorNumber::kFileHeld, std::string("can't ") + kVerb + " \"" + path + "\": " + reason);
+[[noreturn]] void refuse_held(const std::string& file, const std::string& reason) {
+  refuse_file(ErrorNumber::kFileHeld, kChange, file, reason);
 }
 
 // Spreadsheet programs don't lock a file that they hold: they put another one beside it.
-void require_unowned(const std::string& path) {
+void require_unowned(const std::string& path, const std::string& told_as) {
   const std::size_t slash = path.rfind('/') + 1;
   const std::string folder = path.substr(0, slash), name = path.substr(slash);
   for (const std::string& owner : {"~$" + name, ".~lock." + name + "#"}) {
     struct stat status {};
     if (lstat((folder + owner).c_str(), &status) != 0) continue;
-    refuse_held(path,
+    refuse_held(told_as,
                 "a spreadsheet program has it open; close it there, or delete \"" + folder + owner + "\" if none has");
   }
 }
@@ -32,14 +33,22 @@ bool unchanged(const struct stat& one, const struct stat& other) {
          one.st_mtim.tv_sec == other.st_mtim.tv_sec && one.st_mtim.tv_nsec == other.st_mtim.tv_nsec;
 }
 
+// A name that isn't a whole path is completed, as the file's own is.
+std::string name_once_open(const std::string& path, const std::string& real, const std::string& told_as) {
+  if (told_as.empty()) return real;
+  if (path == real) return told_as;
+  return std::filesystem::path(real).replace_filename(std::filesystem::path(told_as).filename()).string();
+}
+
 }  // namespace
 
-WorkbookOnDisk::WorkbookOnDisk(const std::string& path)
+WorkbookOnDisk::WorkbookOnDisk(const std::string& path, const std::string& told_as)
     : path_(platform::behind_links(path)),
-      handle_(path_, kVerb, platform::Access::kUpdate, platform::Creation::kNever, path),
+      told_as_(name_once_open(path, path_, told_as)),
+      handle_(path_, kChange, platform::Access::kUpdate, platform::Creation::kNever, told_as.empty() ? path : told_as),
       opened_(handle_.status()) {
-  require_unowned(path_);
-  file_ = naming_file(path, [&] { return open_workbook(handle_.read_rest()); });
+  require_unowned(path_, told_as_);
+  file_ = naming_file(handle_.told_as(), [&] { return open_workbook(handle_.read_rest()); });
 }
 
 std::string WorkbookOnDisk::bytes() const {
@@ -48,20 +57,20 @@ std::string WorkbookOnDisk::bytes() const {
 }
 
 void WorkbookOnDisk::require_free(const std::u16string& sheet_name) const {
-  naming_file(path_, [&] { require_sheet_name(sheet_name, file_->sheet_names()); });
+  naming_file(told_as_, [&] { require_sheet_name(sheet_name, file_->sheet_names()); });
 }
 
 void WorkbookOnDisk::require_unchanged() const {
   struct stat now {};
   if (stat(path_.c_str(), &now) != 0 || !unchanged(opened_, now)) {
-    refuse_held(path_, "another program has changed it in the meantime; try again");
+    refuse_held(told_as_, "another program has changed it in the meantime; try again");
   }
-  require_unowned(path_);
+  require_unowned(path_, told_as_);
 }
 
 void WorkbookOnDisk::save_with(const Sheet& sheet) {
-  const std::string bytes = naming_file(path_, [&] { return file_->with_sheet(sheet); });
-  platform::Replacement replacement(path_);
+  const std::string bytes = naming_file(told_as_, [&] { return file_->with_sheet(sheet); });
+  platform::Replacement replacement(path_, {}, told_as_);
   replacement.write(bytes);
   replacement.finish();
   require_unchanged();

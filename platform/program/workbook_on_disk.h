@@ -13,9 +13,9 @@ namespace trvtrout::platform {
 // naming the file and the reason.
 class WorkbookOnDisk {
  public:
-  // `path`: of the machine; a link is followed. Refuses what can't be read or changed, what another program holds, and
-  // what is no workbook that a sheet can be added to.
-  explicit WorkbookOnDisk(const std::string& path);
+  // `path`: of the machine; a link is followed. Messages name it `told_as`, if that isn't empty. Refuses what can't be
+  // read or changed, what another program holds, and what is no workbook that a sheet can be added to.
+  explicit WorkbookOnDisk(const std::string& path, const std::string& told_as = {});
 
   const spreadsheet::WorkbookFile& file() const { return *file_; }
   // The file as it was opened, for a copy of it.
@@ -29,6 +29,7 @@ class WorkbookOnDisk {
 
  private:
   std::string path_;
+  std::string told_as_;
   platform::FileHandle handle_;
   struct stat opened_;
   std::unique_ptr<spreadsheet::WorkbookFile> file_;

@@ -20,8 +20,8 @@ SHEETS = ["Product", "Tables", "Fields", "Tree", "Lookups", "Control Tags", "Lan
 PARTS = ["product", "table", "field", "tree", "lookup", "ctrltag", "lang", "dsend"]
 COLORS = {"Original in Primary": 10, "Changed in Secondary": 5, "Deleted from Primary": 3, "Added in Secondary": 53}
 MOMENT = "m/d/yy h:mm AM/PM"
-DIGITS = {"report": ("B:F", {"Fields": "N"}), "compare": ("C:D", {"Tree": "G", "Fields": "O"})}
-MOMENTS = {"report": ("B2", {"Product": ["C6"]}), "compare": ("C3", {"Product": ["D7", "I7"]})}
+COUNTS = ("Count:", "Current:", "Max:", "Counted in VTR:")
+NUMBERS = ("Tid", "LookupsID")
 EPOCH = datetime.datetime(1899, 12, 30)
 
 
@@ -42,7 +42,7 @@ def texts(workbook, kind):
     for name in names:
         shutil.copy(name, folder)
     for part, sheet in zip(PARTS, SHEETS):
-        command = [os.environ["VTROUT"], kind, *names[:1 if kind == "report" else 2], "--part", part]
+        command = ["vtrout", kind, *names[:1 if kind == "report" else 2], "--part", part]
         done = subprocess.run(command, cwd=folder, capture_output=True, text=True)
         yield sheet, rows_of(os.path.join(folder, done.stdout.strip()))
 
@@ -113,27 +113,35 @@ class Xlsx:
         return self.book[name].auto_filter.ref
 
 
-def place(address):
-    return int(address[1:]) - 1, ord(address[0]) - 65
+def counts_and_numbers(rows):
+    """The places of the first document's counts, and of the numbers by which tables and lookups are known."""
+    columns = []
+    for row, cells in enumerate(rows):
+        counts = [column for column, text in enumerate(cells) if text in COUNTS]
+        yield from ((row, column + 1) for column in counts[:1])
+        yield from ((row, column) for column in columns if column < len(cells))
+        columns = [column for column, text in enumerate(cells) if text in NUMBERS] or columns
+
+
+def is_fraction(text, row, column, rows):
+    """Of a version, which is nothing to calculate with, no more than the whole number need be seen."""
+    above = [cells[column] for cells in rows[:row] if column < len(cells)]
+    return re.fullmatch(r"\d+\.\d+", text) is not None and "Version:" not in rows[row] and "Version" not in above
 
 
 def check_styles(book, kind, sheet, rows):
-    span, more = DIGITS[kind]
-    digits = set(range(ord(span[0]) - 65, ord(span[-1]) - 64)) | {ord(column) - 65 for column in more.get(sheet, "")}
-    first, others = MOMENTS[kind]
-    moments = {place(address) for address in [first, *others.get(sheet, [])]}
+    whole = set(counts_and_numbers(rows))
+    assert whole, sheet
     for row, cells in enumerate(rows):
         for column, text in enumerate(cells):
             format_text, left, bold, color = book.style(sheet, row, column)
-            assert left
+            where = (sheet, row, column, text, format_text)
+            assert left, where
             label = COLORS.get(text, 0) if kind == "compare" and column == 0 else 0
-            assert (bold, color) == (label != 0, label), (sheet, row, text, bold, color)
-            if (row, column) in moments:
-                assert format_text == MOMENT, (sheet, row, column, format_text)
-            elif column in digits:
-                assert format_text == "0", (sheet, row, column, format_text)
-            elif not is_moment(text):
-                assert format_text == "General", (sheet, row, column, text, format_text)
+            assert (bold, color) == (label != 0, label), (where, bold, color)
+            assert (format_text == MOMENT) == is_moment(text), where
+            assert format_text == "0" or (row, column) not in whole, where
+            assert format_text == "General" or not is_fraction(text, row, column, rows), where
 
 
 def check_with_python(path, kind, others):
