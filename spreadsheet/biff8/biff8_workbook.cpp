@@ -61,7 +61,7 @@ constexpr std::uint16_t kCalculation[] = {kCalcCount, kCalcMode, kRefMode, kDelt
 void note(Substream& sheet, const RecordView& record) {
   if (record.type == kWindow2) sheet.windows.push_back(record);
   if (record.type == kIndex) sheet.indices.push_back(record);
-  if (record.type == kLabelSst)
+  if (record.type == kLabelSst && record.body.size() >= kTextNumber + sizeof(std::uint32_t))
     sheet.texts = std::max(sheet.texts, std::size_t{get<std::uint32_t>(record.body, kTextNumber)} + 1);
   if (std::ranges::find(kCalculation, record.type) != std::end(kCalculation))
     append_record(sheet.settings, {record.type, std::string(record.body)});

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <functional>
 #include <optional>
-#include <ranges>
 #include <utility>
 
 namespace trvtrout::spreadsheet::biff8 {
@@ -44,21 +43,16 @@ struct References {
   void store() { globals.set_whole_body(index, body); }
 };
 
-void shift_references(Globals& globals, std::size_t position) {
-  const std::vector<bool> own = own_books(globals);
-  // From the last one, as a table may get another number of records.
-  for (const std::size_t table : globals.all(kExternSheet) | std::views::reverse) {
-    References references{globals, table};
-    for (std::size_t each = 0; each < references.count; ++each) {
-      const std::size_t book = references.at(each, 0);
-      if (book >= own.size() || !own[book]) continue;
-      for (const std::size_t field : {kFirstSheet, kLastSheet}) {
-        const std::uint16_t sheet = references.at(each, field);
-        if (sheet < kNoSheet && sheet >= position) references.set(each, field, sheet + 1u);
-      }
+void shift_references(References references, const std::vector<bool>& own, std::size_t position) {
+  for (std::size_t each = 0; each < references.count; ++each) {
+    const std::size_t book = references.at(each, 0);
+    if (book >= own.size() || !own[book]) continue;
+    for (const std::size_t field : {kFirstSheet, kLastSheet}) {
+      const std::uint16_t sheet = references.at(each, field);
+      if (sheet < kNoSheet && sheet >= position) references.set(each, field, sheet + 1u);
     }
-    references.store();
   }
+  references.store();
 }
 
 void add_tab_id(Record& record, std::size_t position) {
@@ -109,7 +103,11 @@ std::uint16_t reference_to(Globals& globals, std::size_t position, std::size_t s
 }  // namespace
 
 void shift_sheet_numbers(Globals& globals, std::size_t position, std::size_t sheets) {
-  shift_references(globals, position);
+  const std::vector<bool> own = own_books(globals);
+  // From the last one, as a table may get another number of records.
+  const std::vector<std::size_t> tables = globals.all(kExternSheet);
+  for (auto table = tables.rbegin(); table != tables.rend(); ++table)
+    shift_references(References{globals, *table}, own, position);
   for (Record& record : globals.records) {
     if (record.type == kSupBook && is_own_book(record)) record.set16(0, sheets);
     // A name of one sheet counts the sheets from 1, a name of the workbook has 0.

@@ -35,9 +35,8 @@ pugi::xml_node child_element(const XmlPart& part, std::initializer_list<std::str
 }
 
 [[noreturn]] void raise_alternatives(const XmlPart& part) {
-  throw WorkbookError(
-      "its part '" + part.name() + "' has alternatives of different lengths (mc:AlternateContent), so " +
-      "that its styles can't be numbered for sure; open the workbook in a spreadsheet program and " + "save it again");
+  throw WorkbookError("its part '" + part.name() + "' has styles in alternatives (mc:AlternateContent) that can't be " +
+                      "numbered for sure; open the workbook in a spreadsheet program and save it again");
 }
 
 // The items below `parent`. Of alternatives a program takes the first that it knows, or the fallback, which comes last;
@@ -87,8 +86,9 @@ std::string changed_font(const std::string& font, const std::string& prefix, con
 
 StyleList::StyleList(XmlPart& part, std::string_view list, std::string_view item)
     : part_(part), name_(list), list_(part.child(part.root(), list)) {
-  for (const StyleItem& found : items_of(part, part.root(), list))
-    if (found.is_alternative) raise_alternatives(part);
+  const auto is_list = [list](pugi::xml_node node) { return local_name(node.name()) == list; };
+  for (const auto node : part.root().children())
+    if (part.is_alternatives(node) && node.find_node(is_list)) raise_alternatives(part);
   items_ = items_of(part, list_, item);
   written_ = items_.size();
 }

@@ -184,13 +184,19 @@ std::string ZipView::ends(std::uint64_t directory, std::uint64_t length, std::ui
 std::string spliced(std::string_view old, std::string_view added,
                     const std::vector<std::optional<std::size_t>>& replaced) {
   const ZipView before(old), additions(added);
+  const auto is_missing = [&before](std::optional<std::size_t> number) {
+    return number && *number >= before.entries().size();
+  };
+  // The library may have found another directory.
+  if (additions.entries().size() != replaced.size() || std::ranges::any_of(replaced, is_missing))
+    raise_damaged("its zip file lists its parts in two ways");
   if (old.size() + added.size() >= kWide) throw WorkbookError("it would get larger than 4 GB");
   std::vector<ZipEntry> entries = before.entries();
   std::vector<std::size_t> order = before.order();
   for (std::size_t number = 0; number < replaced.size(); ++number) {
-    const ZipEntry& entry = additions.entries().at(number);
+    const ZipEntry& entry = additions.entries()[number];
     if (replaced[number]) {
-      entries.at(*replaced[number]) = entry;
+      entries[*replaced[number]] = entry;
     } else {
       order.push_back(entries.size());
       entries.push_back(entry);

@@ -19,8 +19,9 @@ def raw(path):
         for entry in package.infolist():
             end = ends[ends.index(entry.header_offset) + 1]
             size = 46 + sum(struct.unpack_from("<HHH", data, at + 28))
+            place_end = at + size - 8 if data[at + 42:at + 46] == bytes(4 * [255]) else at + size
             entries[entry.filename] = (data[entry.header_offset:end], package.read(entry),
-                                       data[at:at + 42] + data[at + 46:at + size], entry.date_time)
+                                       data[at:at + 42] + data[at + 46:place_end], entry.date_time)
             at += size
         return entries, package.comment
 

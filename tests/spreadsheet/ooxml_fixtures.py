@@ -96,6 +96,7 @@ def variants():
         return re.sub('encoding="UTF-8"|encoding=.UTF-8.', 'encoding="UTF-16"', text, flags=re.I).encode("utf-16")
     variant("utf16.xlsx", dict.fromkeys((BOOK, RELS, STYLES, TYPES, "_rels/.rels", "xl/worksheets/sheet1.xml"), utf16))
     streamed()
+    wide()
     noise = bytes((index * 2654435761 >> 7) & 255 for index in range(1 << 16)) * 128
     variant("large.xlsx", {}, tail=[("xl/media/noise.png", noise, zipfile.ZIP_STORED)])
 
@@ -120,6 +121,24 @@ def streamed():
             with new.open(told, "w", force_zip64=number % 2 == 0) as part:
                 part.write(old.read(entry))
         new.comment = b"streamed"
+
+
+def wide():
+    """A copy whose directory has numbers of 64 bits, as for a huge file."""
+    data = (folder / "rich.xlsx").read_bytes()
+    with zipfile.ZipFile(folder / "rich.xlsx") as package:
+        start, count = package.start_dir, len(package.infolist())
+    records, at = b"", start
+    for _ in range(count):
+        size = 46 + struct.unpack_from("<H", data, at + 28)[0]
+        place, = struct.unpack_from("<I", data, at + 42)
+        records += data[at:at + 30] + struct.pack("<H", 12) + data[at + 32:at + 42] + bytes(4 * [255])
+        records += data[at + 46:at + size] + struct.pack("<HHQ", 1, 8, place)
+        at += size
+    end = struct.pack("<4sQHHIIQQQQ", b"PK\6\6", 44, 45, 45, 0, 0, count, count, len(records), start)
+    locator = struct.pack("<4sIQI", b"PK\6\7", 0, start + len(records), 1)
+    (folder / "wide.xlsx").write_bytes(data[:start] + records + end + locator + struct.pack(
+        "<4sHHHHIIH", b"PK\5\6", 0, 0, 0xFFFF, 0xFFFF, 0xFFFFFFFF, 0xFFFFFFFF, 0))
 
 
 def refused():
@@ -163,6 +182,12 @@ def refused():
         at = package.getinfo(BOOK).header_offset + 30 + len(BOOK)
     data[at + 60:at + 64] = b"\xff" * 4
     (folder / "refused_damaged").write_bytes(data)
+    data = bytearray(whole)
+    with zipfile.ZipFile(folder / "rich.xlsx") as package:
+        first, at = package.infolist()[0], package.start_dir
+    at += 46 + sum(struct.unpack_from("<HHH", data, at + 28))
+    struct.pack_into("<I", data, at + 42, first.header_offset)
+    (folder / "refused_overlapping").write_bytes(data)
 
 
 rich()

@@ -87,9 +87,10 @@ TEST(OoxmlWorkbook, NothingButTheNewSheetChangesInWorkbooksOfOtherPrograms) {
   const TemporaryFolder folder;
   ASSERT_TRUE(python("ooxml_fixtures.py", folder.at("")));
   write_macro_workbook(folder);
-  for (const std::string name : {"rich.xlsx", "epoch1904.xlsx", "prefixed.xlsx", "strict.xlsx", "relative.xlsx",
-                                 "no_styles.xlsx", "hollow_styles.xlsx", "quotes.xlsx", "bare.xlsx", "palette.xlsx",
-                                 "large.xlsx", "macros.xlsm", "redefined.xlsx", "utf16.xlsx", "streamed.xlsx"}) {
+  for (const std::string name :
+       {"rich.xlsx", "epoch1904.xlsx", "prefixed.xlsx", "strict.xlsx", "relative.xlsx", "no_styles.xlsx",
+        "hollow_styles.xlsx", "quotes.xlsx", "bare.xlsx", "palette.xlsx", "large.xlsx", "macros.xlsm", "redefined.xlsx",
+        "utf16.xlsx", "streamed.xlsx", "wide.xlsx"}) {
     SCOPED_TRACE(name);
     const std::string before = get_file(folder.at(name));
     const auto workbook = open_ooxml(before);
@@ -132,6 +133,7 @@ TEST(OoxmlWorkbook, WhatMustNotOrCannotBeChangedIsRefusedWithTheReason) {
       {"twice", "two parts 'XL/WORKBOOK.XML'"},
       {"cut", "zip file is damaged"},
       {"damaged", "'xl/workbook.xml' is damaged"},
+      {"overlapping", "zip file is inconsistent"},
       {"no_workbook", "'xl/workbook.xml' is damaged (it's missing)"},
       {"no_sheets", "doesn't list the sheets"},
       {"broken_xml", "'xl/workbook.xml' can't be used: Start-end tags mismatch"},
