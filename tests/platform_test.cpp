@@ -51,7 +51,7 @@ TEST_F(LocalFilesTest, WritesLinesThroughTheBuffer) {
   std::string expected;
   auto stream = system->CreateTextFile(name, true, false);
   // Shorter than, as long as and longer than the buffer, so that each way through it is taken.
-  for (const std::size_t length : {0, 5, 65535, 1, 65536, 65537, 200000, 3}) {
+  for (const std::size_t length : {0U, 5U, 65535U, 1U, 65536U, 65537U, 200000U, 3U}) {
     const std::string line(length, static_cast<char>('a' + length % 26));
     stream->WriteLine(line);
     stream->Write(line);

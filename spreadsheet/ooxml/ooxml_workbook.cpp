@@ -124,7 +124,7 @@ std::string OoxmlWorkbook::find_workbook() const {
   const std::string type = workbook == nullptr ? std::string() : ContentTypes(package_).of(workbook->target);
   if (type == kBinaryType)
     throw WorkbookError("it's a binary workbook (.xlsb), which can't be added to; save it as .xlsx or .xlsm first");
-  if (std::ranges::count(kWorkbookTypes, type) == 0)
+  if (workbook == nullptr || std::ranges::count(kWorkbookTypes, type) == 0)
     throw WorkbookError("it's a zip file, but no workbook (.xlsx, .xlsm) by its content");
   return workbook->target;
 }

@@ -165,7 +165,7 @@ TEST_F(Biff8, TheChecksumOfCellFormatsFollowsUnlessItWasWrong) {
 
 // A table of 109 sectors is listed in the header, and one of 127 more in each further sector.
 TEST_F(Biff8, AnOle2FileKeepsItsStreamWhereTheTableGrows) {
-  for (const std::size_t table_sectors : {1, 109, 236}) {
+  for (const std::size_t table_sectors : {1U, 109U, 236U}) {
     for (std::size_t missing = 0; missing < 8; ++missing) {
       std::string content((128 * table_sectors - missing) * 512 + missing, 'a');
       const std::string file = compound_file_of(u"Workbook", content);
