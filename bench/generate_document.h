@@ -20,7 +20,7 @@ struct DocumentSize {
   int nodes_per_definition = 0;
   int others = 0;  // in each list that has no number above
   unsigned seed = 1;
-  // Not 0: each so many-th description gets other words. All else is the same as with 0, so that a comparison of the
+  // Not 0: every nth description gets other words. All else is the same as with 0, so that a comparison of the
   // two documents finds these differences and no more; but a tree node that got other words also stays behind as added.
   int every_nth_changed = 0;
   Order order = Order::kAsMade;

@@ -23,7 +23,7 @@ int main(int argc, char** argv) {
   trvtrout::bench::DocumentSize size = trvtrout::bench::fifty_megabytes();
   if (!take(argc, argv, size)) {
     std::cerr << "usage: trvtrout_generate OUT [--changed N]\n"
-                 "Writes a document of about 50 MB; with N, each N-th description is another one.\n";
+                 "Writes a document of about 50 MB; with N, every Nth description is different.\n";
     return 2;
   }
   std::ofstream out(argv[1], std::ios::binary);

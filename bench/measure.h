@@ -144,7 +144,7 @@ void read_into(TarvelVtrOut_InOut& document, const std::filesystem::path& file, 
 // In a child too: what making the document takes would stay with this process, and be copied to each of the others.
 void write_document(const std::filesystem::path& file, const DocumentSize& size);
 
-// The document of about 50 MB, and the same with each so many-th description changed; written when first asked for, so
+// The document of about 50 MB, and the same with every nth description changed; written when first asked for, so
 // that a filter spares what it leaves out.
 std::filesystem::path large_document(const std::filesystem::path& folder, int every_nth_changed = 0);
 

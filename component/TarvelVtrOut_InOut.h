@@ -72,7 +72,7 @@ class TarvelVtrOut_InOut {
                              const std::u16string& StrSheetName, TarvelVtrOut_InOut* objPrim,
                              TarvelVtrOut_InOut* objSec, Boolean Color);
 
-  // Removes a report file. False when it can't be removed; a missing file is told to the user.
+  // Removes a report file. False when it can't be removed; the user is told of a missing file.
   Boolean Delete_ASCII(const std::u16string& ASCIIFname);
 
   // What the document last read holds. Each list: its stored numbers, and in `size` the index of its last used slot,

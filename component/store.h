@@ -49,7 +49,7 @@ struct TarvelVtrOut_InOut::Store {
 template <class Write>
 Boolean TarvelVtrOut_InOut::Store::write_file(std::u16string& report_path, bool tells_user, Write&& write) {
   ReportFile file{report_path};
-  return guarded([&] { return write(file) ? True : fail({.what = "the file that stands there was left as it is"}); },
+  return guarded([&] { return write(file) ? True : fail({.what = "the existing file was left as it is"}); },
                  [&](const Failure& failure) {
                    if (tells_user && failure.number == ErrorNumber::kFileHeld) warn_of_file_in_use(report_path);
                    close_failed(file.stream);

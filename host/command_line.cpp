@@ -12,12 +12,12 @@ namespace {
 constexpr const char* kDescription =
     "Examples:\n"
     "  vtrout report plant.vtr          write the eight detail reports beside the file\n"
-    "  vtrout compare old.vtr new.vtr   tell, part by part, what changed between two files\n"
+    "  vtrout compare old.vtr new.vtr   show, part by part, what changed between two files\n"
     "  vtrout recover damaged.vtr       write what can be saved of a file to a new one\n"
     "\n"
     "Reads binary VTR files, reports on them and compares them as comma-separated text, and rewrites damaged ones.\n"
-    "Exit status: 0 fine; 1 the files differ, or the file is damaged and what could be read was used; 2 trouble, told\n"
-    "on stderr.";
+    "Exit status: 0 fine; 1 the files differ, or the file is damaged and what could be read was used; 2 trouble,\n"
+    "explained on stderr.";
 
 // What the arguments ask for, and what came of the subcommand that they name.
 struct Request {
@@ -37,7 +37,7 @@ void add_code_page(CLI::App& command, Settings& settings) {
 void add_overwrite(CLI::App& command, Settings& settings) {
   using platform::Overwrite;
   auto* const yes = command.add_flag_callback(
-      "--yes", [&settings] { settings.overwrite = Overwrite::kYes; }, "Overwrite files that exist");
+      "--yes", [&settings] { settings.overwrite = Overwrite::kYes; }, "Overwrite existing files");
   command
       .add_flag_callback(
           "--no-clobber", [&settings] { settings.overwrite = Overwrite::kNever; }, "Never overwrite a file")
@@ -62,19 +62,19 @@ void add_operand(CLI::App& command, const char* name, std::string& value, const 
 // An option that names a file. A variable of the shell that isn't set mustn't stand for "no file".
 CLI::Option* add_file(CLI::App& command, const char* name, std::string& file, const char* description) {
   return command.add_option(name, file, description)->check([](const std::string& given) {
-    return std::string(given.empty() ? "the name of a file is missing" : "");
+    return std::string(given.empty() ? "a file name is missing" : "");
   });
 }
 
 CLI::Option* add_workbook(CLI::App& command, std::string& workbook) {
   return add_file(
       command, "--workbook", workbook,
-      "Move each part into a sheet of this .xls or .xlsx file, which is made if missing; asks no questions");
+      "Put each part into a sheet of this .xls or .xlsx file, which is created if needed; asks no questions");
 }
 
 void add_info(CLI::App& app, Request& request) {
   InfoTask& task = request.info;
-  auto& command = *app.add_subcommand("info", "Tell what a file holds, and whether its lists hold together");
+  auto& command = *app.add_subcommand("info", "Show what a file holds, and whether its lists hold together");
   add_operand(command, "FILE", task.file, "A VTR file");
   add_json(command, task.json);
   add_code_page(command, request.settings);
@@ -83,11 +83,11 @@ void add_info(CLI::App& app, Request& request) {
 
 void add_report(CLI::App& app, Request& request) {
   ReportTask& task = request.report;
-  auto& command = *app.add_subcommand("report", "Write detail reports beside a file; prints their paths");
+  auto& command = *app.add_subcommand("report", "Write detail reports beside a file, and print their paths");
   add_operand(command, "FILE", task.file, "A VTR file");
   add_parts(command, task.parts);
   auto* const temporary =
-      command.add_flag("--temporary", task.temporary, "Ask for the temporary name, which has no date in it");
+      command.add_flag("--temporary", task.temporary, "Use the temporary name, which has no date in it");
   add_overwrite(command, request.settings);
   add_code_page(command, request.settings);
   add_workbook(command, task.workbook)->excludes(temporary);
@@ -97,13 +97,13 @@ void add_report(CLI::App& app, Request& request) {
 void add_compare(CLI::App& app, Request& request) {
   ComparisonTask& task = request.comparison;
   auto& command =
-      *app.add_subcommand("compare", "Compare two files part by part; prints the reports' paths, counts the rows");
+      *app.add_subcommand("compare", "Compare two files part by part; print the reports' paths, and count the rows");
   add_operand(command, "PRIMARY", task.primary, "The VTR file that came first");
   add_operand(command, "SECONDARY", task.secondary, "The VTR file that came after it");
   add_parts(command, task.parts);
-  auto* const summary = command.add_flag("--summary", task.summary, "Write no files, print the counts alone");
+  auto* const summary = command.add_flag("--summary", task.summary, "Write no files, only print the counts");
   auto* const workbook = add_workbook(command, task.workbook)->excludes(summary);
-  command.add_flag("!--no-color", task.color, "Leave the labels in the workbook without colours")->needs(workbook);
+  command.add_flag("!--no-color", task.color, "Don't colour the labels in the workbook")->needs(workbook);
   add_json(command, task.json, "The counts for programs");
   add_overwrite(command, request.settings);
   add_code_page(command, request.settings);
@@ -113,9 +113,9 @@ void add_compare(CLI::App& app, Request& request) {
 void add_recover(CLI::App& app, Request& request) {
   RecoveryTask& task = request.recovery;
   auto& command = *app.add_subcommand(
-      "recover", "Write what can be read of a file to a new one; prints its path, tells what became of each section");
+      "recover", "Write what can be read of a file to a new one; print its path, and what became of each section");
   add_operand(command, "FILE", task.file, "A VTR file, damaged or of the old format; it's never changed");
-  add_file(command, "--output", task.output, "The new file; a name beside FILE unless said otherwise");
+  add_file(command, "--output", task.output, "The new file; by default a name beside FILE");
   add_file(command, "--log", task.log, "A text file for the lists of what was read and recovered");
   add_json(command, task.json);
   add_overwrite(command, request.settings);
@@ -126,9 +126,9 @@ void add_recover(CLI::App& app, Request& request) {
 void add_statistics(CLI::App& app, Request& request) {
   StatisticsTask& task = request.statistics;
   auto& command =
-      *app.add_subcommand("statistics", "Move a detail report that exists into a sheet of a workbook that exists");
+      *app.add_subcommand("statistics", "Add an existing detail report to an existing workbook, as a sheet");
   add_operand(command, "WORKBOOK", task.workbook, "An .xls or .xlsx file");
-  add_operand(command, "REPORT", task.report, "A comma-separated text, named .csv");
+  add_operand(command, "REPORT", task.report, "A comma-separated text whose name ends in .csv");
   add_operand(command, "SHEET", task.sheet_name, "Name of the new sheet");
   add_code_page(command, request.settings);
   command.callback([&request] { request.status = statistics(request.settings, request.statistics); });

@@ -44,7 +44,7 @@ void print_table(std::ostream& out, const std::vector<PartResult>& results) {
     for (const std::size_t number : {counts.unchanged, counts.changed, counts.deleted, counts.added}) {
       out << std::setw(kNumberWidth) << number;
     }
-    out << (result.written ? "" : "  (not whole)") << '\n';
+    out << (result.written ? "" : "  (incomplete)") << '\n';
   }
 }
 

@@ -55,14 +55,14 @@ ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string
   }
   if (damage) return kRemarkable;
   if (whole) return utility.LastRead().gaps.empty() ? kFine : kRemarkable;
-  // Of an unsupported version the class has told the user itself.
+  // The class itself has told the user of an unsupported version.
   if (!structure_list.empty()) complain(file + ": " + utility.LastFailure());
   return kTrouble;
 }
 
 void complain_of_part(const char* what, const char* part, const std::u16string& path, const std::string& why) {
   const std::string where = platform::machine_path(path);
-  complain(std::string("no whole ") + what + ' ' + part + (where.empty() ? "" : " in " + where) + ": " + why);
+  complain(std::string("no complete ") + what + ' ' + part + (where.empty() ? "" : " in " + where) + ": " + why);
 }
 
 std::string damage_text(const vtrfile::ReadError& damage) {
@@ -75,8 +75,8 @@ std::string damage_text(const vtrfile::ReadError& damage) {
 }
 
 std::string gap_text(const vtrfile::Gap& gap) {
-  return "damaged: of the " + std::to_string(gap.end - gap.begin) + " bytes from byte " + std::to_string(gap.begin) +
-         " on nothing can be told: " + gap.found + "; the damage may begin earlier, and a section may be missing";
+  return "damaged: " + std::to_string(gap.end - gap.begin) + " bytes from byte " + std::to_string(gap.begin) +
+         " on were skipped: " + gap.found + "; the damage may begin earlier, and a section may be missing";
 }
 
 }  // namespace trvtrout::host

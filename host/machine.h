@@ -28,8 +28,8 @@ struct Settings {
   platform::Overwrite overwrite = platform::Overwrite::kAsk;
 };
 
-// What becomes of the texts that operations write: files, nothing (for who wants the results alone), or texts in memory
-// (for who moves them into a workbook).
+// What becomes of the texts that operations write: files, nothing (only the results count), or texts in memory
+// (on their way into a workbook).
 enum class Output { kFiles, kNone, kHeld };
 
 // The stand-ins for the desktop on this machine. Questions go to the terminal, on stderr; data have stdout alone.
@@ -81,12 +81,12 @@ class Progress {
 ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file, std::u16string& structure_list,
                 Boolean is_secondary = False);
 
-// One line on stderr: no whole `what` `part`, where its file is if there is one, and why.
+// One line on stderr: no complete `what` `part`, where its file is if there is one, and why.
 void complain_of_part(const char* what, const char* part, const std::u16string& path, const std::string& why);
 
 // Where the reading of a damaged file broke off, for people.
 std::string damage_text(const vtrfile::ReadError& damage);
-// Of which bytes nothing could be told, for people.
+// Which bytes nothing is known about, for people.
 std::string gap_text(const vtrfile::Gap& gap);
 
 }  // namespace trvtrout::host

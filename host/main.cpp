@@ -7,7 +7,7 @@ namespace {
 
 using namespace trvtrout::host;
 
-// A person who stops the command finds nothing half done beside the files.
+// Whoever stops the command finds nothing half done beside the files.
 void stop(int signal) {
   trvtrout::platform::remove_unfinished();
   std::signal(signal, SIG_DFL);
@@ -18,10 +18,10 @@ void stop(int signal) {
 
 int main(int argc, char** argv) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
-    // What whoever started the command has it ignore (nohup) stays ignored.
+    // A signal that the command was started to ignore (nohup) stays ignored.
     if (std::signal(signal, stop) == SIG_IGN) std::signal(signal, SIG_IGN);
   }
-  // A limit on the size of files and a reader that went away come back as errors, which are told.
+  // A limit on the size of files and a reader that went away come back as errors, which are reported.
   std::signal(SIGXFSZ, SIG_IGN);
   std::signal(SIGPIPE, SIG_IGN);
   try {

@@ -47,7 +47,8 @@ ExitStatus PartReports::run(TarvelVtrOut_InOut& utility, const PartOperation& op
 
 bool PartReports::finish_workbook(bool whole) {
   if (!whole) {
-    complain(workbook_path_ + ": nothing was changed, because not every sheet could be made; --part leaves parts out");
+    complain(workbook_path_ +
+             ": nothing was changed, because not every sheet could be made; use --part to leave parts out");
     return false;
   }
   return guarded([&] { return workbook_->finish(), true; },

@@ -31,7 +31,7 @@ std::optional<Target> target_for(const HostServices& services, const std::string
   const std::u16string document = platform::class_path(file);
   const auto is_document = [&](const std::u16string& path) {
     if (!services.files.SameFile(path, document)) return false;
-    complain(platform::machine_path(path) + ": that is the damaged file itself, which is never written over; name " +
+    complain(platform::machine_path(path) + ": that's the damaged file itself, which is never overwritten; name " +
              "another one" + kNothingWritten);
     return true;
   };
@@ -41,12 +41,12 @@ std::optional<Target> target_for(const HostServices& services, const std::string
                               : ConfirmOutputFileName(services, document, desc_name, platform::class_path(given));
   if (name.path.empty()) {
     complain(file + ": " +
-             (name.failure.empty() ? "its name has no full stop, so none can be made of it" : name.failure) +
+             (name.failure.empty() ? "its name has no full stop, so no name can be made from it" : name.failure) +
              (given.empty() ? "; give one with --output" : "") + kNothingWritten);
     return {};
   }
   if (name.abandoned) {
-    complain(platform::machine_path(name.path) + ": the file that stands there was left as it was" + kNothingWritten);
+    complain(platform::machine_path(name.path) + ": the existing file was left as it was" + kNothingWritten);
     return {};
   }
   if (is_document(name.path)) return {};
@@ -76,12 +76,12 @@ void print(const KeptList& list, int indent, int width, bool whole) {
   const std::string margin(static_cast<std::size_t>(indent), ' ');
   std::cerr << margin << std::left << std::setw(width) << list.title << list.kept << " of " << number_of(list.announced)
             << " records";
-  if (list.empty > 0) std::cerr << "; " << list.empty << " more slots are announced, and empty in the new file";
+  if (list.empty > 0) std::cerr << "; " << list.empty << " more slots are announced and are empty in the new file";
   if (list.test == ListTest::kKept) std::cerr << "; fails its test, and is in the new file as it was read";
   std::cerr << '\n';
   if (list.surplus == 0) return;
-  std::cerr << margin << std::setw(width) << "" << list.surplus << " more read behind the announced ones"
-            << (whole ? "" : "; they may be what stood behind the list") << '\n';
+  std::cerr << margin << std::setw(width) << "" << list.surplus << " more were read beyond those announced"
+            << (whole ? "" : "; they may be what followed the list") << '\n';
 }
 
 // What the table has no place for.
@@ -91,13 +91,13 @@ void print_remarks(const RecoveryAccount& account) {
     if (!part.tag_texts_kept) (other_texts += other_texts.empty() ? "" : ", ") += part.name;
   }
   if (!other_texts.empty()) {
-    std::cerr << "texts of these tags are lost, since all tags of the new file have those of the last one: "
+    std::cerr << "the texts of these tags are lost, because all tags of the new file get those of the last one: "
               << other_texts << '\n';
   }
   std::cerr << "kept " << (account.kept_at_most ? "at most " : "") << account.kept << " of " << account.bytes
             << " bytes (" << share(account.kept, account.bytes) << ")\n";
   if (account.behind_end > 0) {
-    std::cerr << account.behind_end << " bytes behind the end tag are no part of the document\n";
+    std::cerr << account.behind_end << " bytes after the end tag are not part of the document\n";
   }
 }
 
@@ -184,7 +184,7 @@ std::optional<Targets> targets_of(const HostServices& services, const RecoveryTa
   const auto log = target_for(services, task.file, task.log, u"Log");
   if (!log) return {};
   if (!same_place(services.files, log->path, output->path)) return Targets{*output, log};
-  complain(task.log + ": the log can't be the recovered file itself; name another one" + kNothingWritten);
+  complain(task.log + ": the log can't be the recovered file itself; name another file" + kNothingWritten);
   return {};
 }
 

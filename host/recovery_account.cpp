@@ -158,7 +158,7 @@ FateText text_of(Fate fate) {
     case Fate::kReplaced:
       return {"more than one, the last kept", "replaced"};
     case Fate::kLeftBehind:
-      return {"not all has a place", "leftBehind"};
+      return {"not all could be carried over", "leftBehind"};
     case Fate::kNotCarried:
       return {"read, but not carried over", "notCarriedOver"};
     case Fate::kFewer:

@@ -14,7 +14,7 @@ namespace trvtrout::host {
 enum class Fate {
   kWhole,
   kAbsent,      // the file was read to its end and doesn't have it
-  kNotFound,    // the same, but there were bytes of which nothing could be told
+  kNotFound,    // the same, but there were bytes that nothing is known about
   kPartlyRead,  // the end of the file or damage broke it off
   kEmptied,     // a list of it doesn't hold together
   kUnsound,     // a list of it doesn't hold together, but stays as it was read
@@ -49,7 +49,7 @@ struct KeptPart {
   std::string_view name;  // "Header", or the tag of a section
   Fate fate = Fate::kAbsent;
   std::uint64_t read = 0;      // bytes that were read of it
-  std::uint64_t kept = 0;      // of these, the bytes of what is in the new file; of a broken part at most so many
+  std::uint64_t kept = 0;      // of these, the bytes of what is in the new file; of a broken part at most that many
   bool tag_texts_kept = true;  // false: all tags of the new file have those of the last one
   std::vector<KeptList> lists;
 };

@@ -13,7 +13,8 @@ ExitStatus report(const Settings& settings, const ReportTask& task) {
   const ExitStatus status = read(machine, utility, task.file, structure_list);
   if (status == kTrouble) return status;
   if (utility.LastDamage()) {
-    complain(task.file + ": " + damage_text(*utility.LastDamage()) + "; the reports hold what could be read before it");
+    complain(task.file + ": " + damage_text(*utility.LastDamage()) +
+             "; the reports hold what could be read up to there");
   }
 
   std::u16string path = platform::class_path(task.file);

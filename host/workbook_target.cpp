@@ -13,7 +13,7 @@ WorkbookFormat format_by_name(const std::string& path) {
   std::ranges::transform(extension, extension.begin(), [](unsigned char letter) { return std::tolower(letter); });
   if (extension == ".xls") return WorkbookFormat::kBiff8;
   if (extension == ".xlsx") return WorkbookFormat::kOoxml;
-  platform::refuse_file(ErrorNumber::kBadFileName, "make", path, "name a new workbook .xlsx or .xls");
+  platform::refuse_file(ErrorNumber::kBadFileName, "make", path, "must end in .xlsx or .xls");
 }
 
 }  // namespace
@@ -21,7 +21,7 @@ WorkbookFormat format_by_name(const std::string& path) {
 void require_workbook_path(const std::string& path) {
   if (path.find('\\') == std::string::npos) return;
   platform::refuse_file(ErrorNumber::kBadFileName, "change", path,
-                        "a workbook's path may have no backslash; rename it");
+                        "a workbook's path can't contain a backslash; rename it");
 }
 
 WorkbookTarget::WorkbookTarget(Machine& machine, const std::string& path,

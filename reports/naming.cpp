@@ -70,7 +70,7 @@ void ReportFile::create(const HostServices& services, const OutputName& name,
   if (name.path.empty()) throw std::invalid_argument(name.failure);
   for (const std::u16string* source : sources) {
     if (name.path == *source || services.files.SameFile(name.path, *source)) {
-      throw std::invalid_argument("that is the document itself, which is never written over");
+      throw std::invalid_argument("that's the document itself, which is never overwritten");
     }
   }
   stream = services.files.CreateFileSystemObject()->CreateTextFile(name.path, true, false);

@@ -51,7 +51,7 @@ class FileSystemObject {
  public:
   virtual ~FileSystemObject() = default;
   // A stream on a new or (`overwrite`) emptied file. `unicode` False: bytes of the code page. A file that can't be
-  // had is left as it was. Raises ServiceError.
+  // created is left as it was. Raises ServiceError.
   virtual std::unique_ptr<TextStream> CreateTextFile(const std::u16string& path, bool overwrite, bool unicode) = 0;
   // True for a file; False for a directory and for a path that names nothing.
   virtual bool FileExists(const std::u16string& path) = 0;
@@ -86,7 +86,7 @@ class BinaryOutput {
 class Files {
  public:
   virtual ~Files() = default;
-  // Raises ServiceError when there is none to be had.
+  // Raises ServiceError when none can be created.
   virtual std::unique_ptr<FileSystemObject> CreateFileSystemObject() = 0;
   // Opens for reading; a file that doesn't exist is created empty. A directory, a missing directory, a file that
   // another program holds raise ServiceError.

@@ -14,7 +14,7 @@ namespace trvtrout::spreadsheet {
 static_assert(std::endian::native == std::endian::little, "numbers are copied as they stand in the file");
 
 [[noreturn]] inline void raise_damaged(const std::string& what) {
-  throw WorkbookError("it's damaged: " + what + "; open it with a spreadsheet program, save it anew and try again");
+  throw WorkbookError("it's damaged: " + what + "; open it in a spreadsheet program, save it and try again");
 }
 
 // The plain number at `at`. Raises WorkbookError where it doesn't lie in `bytes` whole.
@@ -33,7 +33,7 @@ void put(std::string& bytes, std::size_t at, Number number) {
   std::memcpy(bytes.data() + at, &number, sizeof number);
 }
 
-// Puts plain numbers one behind the other.
+// Puts plain numbers one after the other.
 class ByteWriter {
  public:
   ByteWriter() = default;

@@ -31,7 +31,8 @@ std::unique_ptr<WorkbookFile> open_workbook(std::string bytes) {
   if (bytes.starts_with(biff8::compound::kSignature)) return open_biff8(std::move(bytes));
   if (bytes.starts_with(kZipSignature)) return open_ooxml(std::move(bytes));
   if (is_older_stream(bytes)) biff8::raise_older_format();
-  throw WorkbookError("it's not a workbook that can be added to: neither an .xls nor an .xlsx file by its content");
+  throw WorkbookError(
+      "it's not a workbook that a sheet can be added to: neither an .xls nor an .xlsx file by its content");
 }
 
 std::string empty_workbook(WorkbookFormat format) {

@@ -28,7 +28,7 @@ TEST_F(Command, ReportsEverySampleAsApproved) {
       EXPECT_EQ(written, wanted) << name << " " << part;
       const bool part_fails = fs::exists(expected / ("report-" + part + ".result"));
       EXPECT_EQ(run.out.find("~tmps_" + file + ".CSV\n") == std::string::npos, part_fails) << name << " " << part;
-      EXPECT_EQ(run.err.find("no whole report on " + part) != std::string::npos, part_fails) << name << " " << part;
+      EXPECT_EQ(run.err.find("no complete report on " + part) != std::string::npos, part_fails) << name << " " << part;
       fails = fails || part_fails;
     }
     const bool damaged = file_bytes((expected / "read.txt").string()).starts_with("result: False");
@@ -188,7 +188,7 @@ TEST_F(Command, AFullDiskIsToldAndTheOtherReportsAreStillWritten) {
   // A limit on the size of files that only the largest report exceeds; a shell counts it in blocks of 512 bytes.
   const Outcome run = shell("ulimit -f 4; vtrout report p.vtr --temporary");
   EXPECT_EQ(run.status, 2);
-  EXPECT_NE(run.err.find("no whole report on field"), std::string::npos) << run.err;
+  EXPECT_NE(run.err.find("no complete report on field"), std::string::npos) << run.err;
   EXPECT_NE(run.out.find("~tmpp_DSend.CSV"), std::string::npos);
 }
 

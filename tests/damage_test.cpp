@@ -93,7 +93,7 @@ TEST(Damage, AFileThatCanBeReadInPartDeliversWhatCame) {
         expect_sections_before(reading, whole, places, bad, what);
       }
       // No section in front of the bad place is called unread, none behind it read.
-      const std::string read(list.begin(), list.begin() + static_cast<std::ptrdiff_t>(list.find(u"\r\n\r\n")));
+      const std::string read(list.begin(), list.begin() + static_cast<std::ptrdiff_t>(list.find(u"\r\n\r\n") + 2));
       for (const SectionPlace& place : places) {
         const bool listed = read.find(structure_of(place.tag)) != std::string::npos;
         EXPECT_EQ(listed, place.end <= bad) << what << ' ' << place.tag;

@@ -66,7 +66,7 @@ TEST(Reader, TellsWhereTheWalkLostItsWay) {
   ASSERT_TRUE(reading.damage);
   EXPECT_EQ(reading.damage->offset(), before.size());
   EXPECT_EQ(reading.damage->path(), "SectionTag[2]");
-  EXPECT_EQ(reading.damage->found(), "\"module\" where the tag of a section was due");
+  EXPECT_EQ(reading.damage->found(), "\"module\" where a section tag was expected");
 
   reading.read(before);
   ASSERT_TRUE(reading.damage);

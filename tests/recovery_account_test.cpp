@@ -118,7 +118,7 @@ TEST_F(Account, ASectionThatHidesBehindABadTagIsNotFound) {
   ASSERT_TRUE(made);
   ASSERT_EQ(gaps.size(), 1U);
   EXPECT_EQ(gaps[0].begin, hidden->tag_begin);
-  EXPECT_EQ(gaps[0].found, "\"controlTag\" where the tag of a section was due");
+  EXPECT_EQ(gaps[0].found, "\"controlTag\" where a section tag was expected");
   EXPECT_EQ(part(*made, "ControlTag").fate, Fate::kNotFound);
   EXPECT_FALSE(made->nothing_lost);
 }

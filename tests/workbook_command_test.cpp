@@ -84,7 +84,7 @@ TEST_F(WorkbookCommand, RefusalsChangeNothing) {
   const std::pair<const char*, const char*> cases[] = {
       {"report plant.vtr --workbook w.xlsx", "\"Languages\""},
       {"compare plant.vtr plant-next.vtr --part lang --workbook w.xlsx", "\"Languages\""},
-      {"report plant.vtr --workbook w.ods", "name a new workbook .xlsx or .xls"},
+      {"report plant.vtr --workbook w.ods", "must end in .xlsx or .xls"},
       {"report plant.vtr --workbook none/w.xlsx", "folder"},
       {"report plant.vtr --workbook plant.vtr", "not a workbook"},
       {"compare plant.vtr plant-next.vtr --summary --workbook w.xlsx", "--summary"},

@@ -70,7 +70,7 @@ class Var {
   const unsigned char* at_ = nullptr;
 };
 
-// A run of `Slots` variants one behind the other, null when all of them are Empty: nearly every run is.
+// A run of `Slots` variants one after the other, null when all of them are Empty: nearly every run is.
 template <std::size_t Slots>
 class VarRun {
  public:
@@ -91,7 +91,7 @@ class SubscriptOutOfRange : public std::out_of_range {
  public:
   SubscriptOutOfRange()
       : std::out_of_range(
-            "a list is shorter than its count says, or too long to be walked; a recount of the lists tells which") {}
+            "a list is shorter than its count says, or too long to be walked; a recount of the lists shows which") {}
 };
 
 // A one-dimensional array with the lower bound that the file gave it; null when unallocated. Elements that a file

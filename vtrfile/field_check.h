@@ -18,7 +18,7 @@ struct AnyMember {
   constexpr operator Type() const;
 };
 
-// Whether a record can be made of so many initializers; of more than it has members and bases it can't.
+// Whether a record can be made from this many initializers; not from more than it has members and bases.
 template <class Record, std::size_t... Place>
 consteval bool takes(std::index_sequence<Place...>) {
   return requires { Record{(static_cast<void>(Place), AnyMember{})...}; };

@@ -29,7 +29,7 @@ struct PartRead {
   static constexpr std::string_view kHeader = "Header";
 
   std::string_view name;  // the tag; kHeader for the header
-  // Bytes from the begin of the file. The records begin at `content`; the last of them, which remains, at `record`.
+  // Bytes from the start of the file. The records begin at `content`; the last of them, which remains, at `record`.
   std::uint64_t begin = 0, content = 0, record = 0, end = 0;
   int records = 0;
   bool whole = true;  // false: the end of the file or damage broke it off
@@ -37,10 +37,10 @@ struct PartRead {
   TagTexts tag_texts;
 };
 
-// Bytes of which a read could tell nothing: tags that name no section, one behind the other, with whatever stands
+// Bytes that a read could make nothing of: tags that name no section, one after the other, with whatever stands
 // between them and the next one that does.
 struct Gap {
-  std::uint64_t begin = 0, end = 0;  // bytes from the begin of the file
+  std::uint64_t begin = 0, end = 0;  // bytes from the start of the file
   std::string found;                 // the first tag, for people
 };
 

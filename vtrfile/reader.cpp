@@ -215,9 +215,8 @@ PartRead DocumentReader::part_behind_tag(std::string_view name, std::uint64_t be
 }
 
 void DocumentReader::enter_unknown_tag(int number, std::uint64_t offset) {
-  const std::string found = tag_is_cut_
-                                ? "the file ends here, without its \"EOF\" tag"
-                                : shown(current_.SectionTag->Tag.bytes()) + " where the tag of a section was due";
+  const std::string found = tag_is_cut_ ? "the file ends here, without its \"EOF\" tag"
+                                        : shown(current_.SectionTag->Tag.bytes()) + " where a section tag was expected";
   if (!astray_) {
     astray_.emplace(offset, found, ReadError::Cause::kOutOfStep);
     enter_tag(*astray_, number);

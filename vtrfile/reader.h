@@ -19,7 +19,7 @@ namespace trvtrout::vtrfile {
 // Walks the sections of one file into the slots of a document, and keeps the account of what was read.
 class DocumentReader {
  public:
-  // A file holds at most so many section tags, the last one ("EOF") included.
+  // The most section tags that a file holds, the last one ("EOF") included.
   static constexpr int kMaxTags = 50;
 
   // All three must outlive the reader. `group` gets a copy of the records that it has a slot for; `schema_old` is the

@@ -12,7 +12,7 @@
 
 namespace trvtrout::vtrfile {
 
-// Reads records from an image, one behind the other. Every count and length in the image is hostile: whatever the
+// Reads records from an image, one after the other. Every count and length in the image is hostile: whatever the
 // bytes are, reading takes time and memory linear in the image's size.
 //
 // An image that was broken off ends in a ReadError. Elsewhere a value behind the end of the image is empty or 0, and no

@@ -10,7 +10,7 @@
 namespace trvtrout {
 namespace {
 
-// A range takes so many addresses and one more.
+// A range takes this many addresses and one more.
 constexpr int kMaxAddresses = 20;
 
 struct Label {

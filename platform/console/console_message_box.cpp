@@ -31,7 +31,7 @@ MessageAnswer ConsoleMessageBox::answer(const std::string& question) {
   if (overwrite_ == Overwrite::kNever || !interactive_) {
     const bool never = overwrite_ == Overwrite::kNever;
     out_ << line_start_ << question << ' '
-         << (never ? "Not overwritten (--no-clobber)." : "Not overwritten: say --yes to overwrite.") << '\n'
+         << (never ? "Not overwritten (--no-clobber)." : "Not overwritten: use --yes to overwrite.") << '\n'
          << std::flush;
     return MessageAnswer::kCancel;
   }

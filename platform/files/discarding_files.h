@@ -7,7 +7,7 @@
 
 namespace trvtrout::platform {
 
-// Files that are read as they are and written nowhere: for who wants an operation's result without its file. No file
+// Files that are read as they are and written nowhere: for wanting an operation's result without its file. No file
 // stands in the way of a new one.
 class DiscardingFiles : public Files {
  public:

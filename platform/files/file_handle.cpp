@@ -27,7 +27,7 @@ struct ErrorRow {
 constexpr ErrorRow kErrors[] = {
     {ENOENT, ErrorNumber::kNoSuchFile, "there is no such file"},
     {ENOTDIR, ErrorNumber::kNoSuchFolder, "its folder doesn't exist"},
-    {EAGAIN, ErrorNumber::kFileHeld, "it's held by another program"},
+    {EAGAIN, ErrorNumber::kFileHeld, "it's in use by another program"},
     {EACCES, ErrorNumber::kFileHeld, nullptr},
     {EPERM, ErrorNumber::kFileHeld, nullptr},
     {kFolderRefuses, ErrorNumber::kPathAccess, "the rights to its folder are missing"},
@@ -35,15 +35,15 @@ constexpr ErrorRow kErrors[] = {
     {ETXTBSY, ErrorNumber::kFileHeld, "it's a program that is running"},
     {EBUSY, ErrorNumber::kFileHeld, nullptr},
     {EISDIR, ErrorNumber::kFileExists, "a folder has that name"},
-    {EEXIST, ErrorNumber::kFileExists, "a file of that name exists"},
+    {EEXIST, ErrorNumber::kFileExists, "a file with that name exists"},
     {ENXIO, ErrorNumber::kPathAccess, "it's a folder, a pipe or a device"},
     {ENOSPC, ErrorNumber::kDiskFull, "the disk is full"},
     {EDQUOT, ErrorNumber::kDiskFull, "the disk quota is used up"},
-    {EFBIG, ErrorNumber::kDiskFull, "the file would be larger than is allowed"},
+    {EFBIG, ErrorNumber::kDiskFull, "the file would be larger than allowed"},
     {EMFILE, ErrorNumber::kTooManyFiles, nullptr},
     {ENFILE, ErrorNumber::kTooManyFiles, nullptr},
     {ENAMETOOLONG, ErrorNumber::kBadFileName, nullptr},
-    {EILSEQ, ErrorNumber::kBadFileName, "it can't be the name of a file"},
+    {EILSEQ, ErrorNumber::kBadFileName, "that can't be a file name"},
 };
 
 bool parent_exists(const std::string& path) {

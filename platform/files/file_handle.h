@@ -44,7 +44,7 @@ class FileHandle {
   int write(std::string_view bytes) const noexcept;
   // What was written is on the disk when this returns. Raises ServiceError.
   void sync() const;
-  // Gives the file the owner, as far as may be, and the rights of the file at `path`, if there is one.
+  // Gives the file the owner, where that's allowed, and the rights of the file at `path`, if there is one.
   void take_rights_of(const std::string& path) const;
   // The error number of the machine, 0 for none; closing again does nothing.
   int close() noexcept;

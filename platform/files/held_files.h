@@ -8,7 +8,7 @@
 
 namespace trvtrout::platform {
 
-// Texts that are held in memory in place of the disk, for who hands them on and keeps none; other files are read as
+// Texts that are held in memory instead of on disk, to be handed on and not kept; other files are read as
 // they are. No file on the disk stands in the way of a text.
 class HeldFiles : public Files {
  public:

@@ -91,7 +91,7 @@ class LocalFileSystem : public FileSystemObject {
   std::unique_ptr<TextStream> CreateTextFile(const std::u16string& path, bool overwrite, bool unicode) override {
     if (path.empty()) throw ServiceError(ErrorNumber::kInvalidCall, "can't write a file: no path was given");
     const std::string name = machine_path(path);
-    if (unicode) refuse_file(ErrorNumber::kInvalidCall, "write", name, "16-bit text files aren't offered");
+    if (unicode) refuse_file(ErrorNumber::kInvalidCall, "write", name, "16-bit text files aren't supported");
     FileHandle file(name, "write", Access::kWrite, overwrite ? Creation::kIfMissing : Creation::kOnlyNew);
     file.truncate();
     return std::make_unique<LocalTextStream>(std::move(file));

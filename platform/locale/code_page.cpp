@@ -107,7 +107,7 @@ CodePage::CodePage(int number) : bytes_(0x10000, kNoBytes) {
   const std::string name = "CP" + std::to_string(number);
   const Builder builder{*this, open_converter("UTF-16LE", name), open_converter(name, "UTF-16LE")};
   if (!builder.to_text || !builder.to_bytes) {
-    throw std::invalid_argument("code page " + std::to_string(number) + " is not known on this machine");
+    throw std::invalid_argument("code page " + std::to_string(number) + " isn't known on this machine");
   }
   builder.add_singles();
   for (char16_t ascii = 0; ascii < 0x80; ++ascii) {

@@ -12,7 +12,7 @@ namespace trvtrout::platform {
 // Clock of the machine, date forms of the United States, one code page.
 class UsLocale : public Locale {
  public:
-  // Raises std::invalid_argument for a code page that can't be had.
+  // Raises std::invalid_argument for a code page that the machine doesn't have.
   explicit UsLocale(int code_page = 1252) : code_page_(code_page) {}
 
   Date Now() override;

@@ -51,7 +51,7 @@ std::vector<Area> parse_addresses(std::u16string_view addresses) {
   for (std::u16string_view rest = addresses;;) {
     const std::size_t comma = rest.find(u',');
     const auto area = parse_area(rest.substr(0, comma));
-    if (!area) throw WorkbookError("\"" + text::to_utf8(addresses) + "\" is no list of cell addresses");
+    if (!area) throw WorkbookError("\"" + text::to_utf8(addresses) + "\" isn't a list of cell addresses");
     areas.push_back(*area);
     if (comma == rest.npos) return areas;
     rest.remove_prefix(comma + 1);

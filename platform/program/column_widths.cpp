@@ -14,7 +14,7 @@ namespace {
 constexpr std::size_t kDefaultWidth = 8;
 constexpr std::size_t kMaxWidth = 60;      // wider ones push the others off the screen
 constexpr std::size_t kMargin = 2;         // of the cell, and of a bold font
-constexpr std::size_t kGeneralWidth = 11;  // the general format rounds to so many characters
+constexpr std::size_t kGeneralWidth = 11;  // the number of characters that the general format rounds to
 
 // East Asian characters, from U+3000 on, are two digits wide.
 std::size_t width_of_text(std::string_view utf8) {

@@ -20,8 +20,8 @@ std::size_t units(std::string_view utf8) {
 }
 
 [[noreturn]] void refuse(const std::string& what, std::size_t is, std::size_t limit, const std::string& advice) {
-  throw WorkbookError("the report has " + what + " of " + std::to_string(is) +
-                      " or more, and a sheet of this workbook takes " + std::to_string(limit) + "; " + advice);
+  throw WorkbookError("the report has " + std::to_string(is) + " or more " + what +
+                      ", and a sheet of this workbook takes " + std::to_string(limit) + "; " + advice);
 }
 
 constexpr const char* kLarger = "use an .xlsx workbook, which takes 1048576 rows of 16384 cells, or the report itself";
@@ -29,15 +29,15 @@ constexpr const char* kLarger = "use an .xlsx workbook, which takes 1048576 rows
 }  // namespace
 
 void require_fitting(const Sheet& sheet, SheetLimits limits) {
-  if (sheet.rows() > limits.rows) refuse("a number of rows", sheet.rows(), limits.rows, kLarger);
+  if (sheet.rows() > limits.rows) refuse("rows", sheet.rows(), limits.rows, kLarger);
   for (std::size_t row = 0; row < sheet.rows(); ++row) {
     const auto cells = sheet.row(row);
     const std::string place = " in row " + std::to_string(row + 1);
-    if (cells.size() > limits.columns) refuse("a number of cells" + place, cells.size(), limits.columns, kLarger);
+    if (cells.size() > limits.columns) refuse("cells" + place, cells.size(), limits.columns, kLarger);
     for (const Cell& cell : cells) {
       if (cell.kind() != CellKind::kText) continue;
       if (const std::size_t length = units(cell.text()); length > kMaxCellLength) {
-        refuse("a text" + place, length, kMaxCellLength, "use the report itself");
+        refuse("characters in a cell" + place, length, kMaxCellLength, "use the report itself");
       }
     }
   }

@@ -79,7 +79,7 @@ void OpenBook::require_added() const {
 }
 
 void OpenBook::add_sheet() {
-  if (!workbook_) refuse("a comma-separated text holds no further sheets");
+  if (!workbook_) refuse("a comma-separated text has one sheet only");
   if (sheet_) refuse("one sheet is added at a time; save the workbook and open it again");
   sheet_ = std::make_unique<EditedSheet>(Sheet(), workbook_->file().limits());
   sheet_name_ = free_sheet_name(workbook_->file().sheet_names());

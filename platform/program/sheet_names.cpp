@@ -36,17 +36,17 @@ void require_sheet_name(const std::u16string& name, const std::vector<std::strin
   const auto refuse = [&](const std::string& reason) {
     throw WorkbookError("no sheet can be named \"" + shown + "\": " + reason);
   };
-  if (name.empty()) refuse("a name has at least one character");
+  if (name.empty()) refuse("a name needs at least one character");
   if (name.size() > kMaxLength) refuse("a name has at most " + std::to_string(kMaxLength) + " characters");
   if (name.find_first_of(kForbidden) != name.npos || std::ranges::any_of(name, is_control)) {
-    refuse("none of : \\ / ? * [ ] and no control character may be in it");
+    refuse("it can't contain any of : \\ / ? * [ ] or a control character");
   }
-  if (name.front() == u'\'' || name.back() == u'\'') refuse("an apostrophe may not begin or end it");
+  if (name.front() == u'\'' || name.back() == u'\'') refuse("it can't begin or end with an apostrophe");
   if (without_case(shown) == without_case(kReserved)) refuse("the name is reserved");
   const std::u16string folded = without_case(shown);
   const auto same =
       std::ranges::find_if(others, [&](const std::string& other) { return folded == without_case(other); });
-  if (same != others.end()) refuse("the workbook has a sheet \"" + *same + "\"; rename or remove it first");
+  if (same != others.end()) refuse("the workbook already has a sheet \"" + *same + "\"; rename or remove it first");
 }
 
 }  // namespace trvtrout::platform

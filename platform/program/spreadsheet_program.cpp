@@ -65,7 +65,7 @@ class ProgramRange : public automation::Range {
 
   std::unique_ptr<Range> Item(const std::u16string& columns) override {
     Areas areas = parse_addresses(columns);
-    if (!is_all() || !areas.front().is_columns()) refuse("only of all columns some can be had");
+    if (!is_all() || !areas.front().is_columns()) refuse("columns can only be picked from all columns");
     return std::make_unique<ProgramRange>(state_, book_, std::move(areas));
   }
   std::unique_ptr<Range> Cells() override { return std::make_unique<ProgramRange>(state_, book_, areas_); }
@@ -77,11 +77,11 @@ class ProgramRange : public automation::Range {
     book_->restyle(areas_, [&](CellStyle& style) { style.number_format = text::to_utf8(format); });
   }
   void SetHorizontalAlignment(std::int32_t alignment) override {
-    if (alignment != automation::kAlignLeft) refuse("cells can be aligned to the left alone");
+    if (alignment != automation::kAlignLeft) refuse("cells can only be aligned to the left");
     book_->restyle(areas_, [](CellStyle& style) { style.left = true; });
   }
   void Select() override {
-    if (first_cell() != std::pair(0U, 0U)) refuse("A1 alone can be selected");  // as it is in a new sheet
+    if (first_cell() != std::pair(0U, 0U)) refuse("only A1 can be selected");  // as it is in a new sheet
   }
   std::optional<std::u16string> Value() override {
     const auto [row, column] = first_cell();
@@ -91,7 +91,7 @@ class ProgramRange : public automation::Range {
   }
   std::unique_ptr<automation::Font> GetFont() override { return std::make_unique<ProgramFont>(book_, areas_); }
   void AutoFilter() override {
-    if (!areas_.front().is_columns() || areas_.front().last_column != 0) refuse("column A alone can have a filter");
+    if (!areas_.front().is_columns() || areas_.front().last_column != 0) refuse("only column A can have a filter");
     book_->sheet().add_filter();
   }
 

@@ -24,7 +24,7 @@ void require_unowned(const std::string& path, const std::string& told_as) {
     struct stat status {};
     if (lstat((folder + owner).c_str(), &status) != 0) continue;
     refuse_held(told_as,
-                "a spreadsheet program has it open; close it there, or delete \"" + folder + owner + "\" if none has");
+                "a spreadsheet program has it open; close it there, or delete \"" + folder + owner + "\" if none does");
   }
 }
 

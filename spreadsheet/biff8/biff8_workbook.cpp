@@ -28,22 +28,22 @@ struct Forbidden {
   const char* reason;
 };
 constexpr Forbidden kForbidden[] = {
-    {u"EncryptedPackage", "it's encrypted; take its password away first"},
+    {u"EncryptedPackage", "it's encrypted; remove its password first"},
     {u"\x0006"
      u"DataSpaces",
-     "it's encrypted or its rights are managed; take that away first"},
-    {u"Book", "it holds an older format too, which a further sheet would leave behind; save it as one format only"},
-    {u"_signatures", "it's signed, and a further sheet would break the signature; remove that first"},
-    {u"_xmlsignatures", "it's signed, and a further sheet would break the signature; remove that first"},
-    {u"Revision Log", "it's shared with a log of changes; end the sharing first"},
-    {u"User Names", "it's shared by several users; end the sharing first"},
+     "it's encrypted or under rights management; remove that first"},
+    {u"Book", "it holds an older format too, in which a further sheet would be missing; save it as one format only"},
+    {u"_signatures", "it's signed, and a further sheet would break the signature; remove the signature first"},
+    {u"_xmlsignatures", "it's signed, and a further sheet would break the signature; remove the signature first"},
+    {u"Revision Log", "it's shared with a log of changes; stop sharing it first"},
+    {u"User Names", "it's shared by several users; stop sharing it first"},
 };
 
 void check_container(const CompoundFile& file) {
   if (!file.has(kStream) && file.has(u"Book")) raise_older_format();
   for (const Forbidden& forbidden : kForbidden)
     if (file.has(forbidden.name)) throw WorkbookError(forbidden.reason);
-  if (!file.has(kStream)) throw WorkbookError("it's no workbook but another kind of document");
+  if (!file.has(kStream)) throw WorkbookError("it's not a workbook but another kind of document");
 }
 
 // A sheet's substream, with the records in it that change.
@@ -77,7 +77,7 @@ Substream read_substream(std::string_view stream, std::size_t begin, std::size_t
   do {
     if (at >= limit) raise_damaged("a sheet in it has no end");
     const RecordView record = record_at(stream, at);
-    if (at == begin && record.type != kBof) raise_damaged("a sheet in it has no begin");
+    if (at == begin && record.type != kBof) raise_damaged("a sheet in it has no start");
     if (record.end() > limit) raise_damaged("a sheet in it reaches into another one");
     if (record.type == kBof) ++depth;
     if (record.type == kEof) --depth;
@@ -142,7 +142,7 @@ void Biff8Workbook::read_sheets() {
   // No sheet reaches into another one, so each byte is looked at once.
   std::vector<std::size_t> sorted = begins;
   std::ranges::sort(sorted);
-  if (std::ranges::adjacent_find(sorted) != sorted.end()) raise_damaged("two sheets in it stand at one place");
+  if (std::ranges::adjacent_find(sorted) != sorted.end()) raise_damaged("two sheets in it share one place");
   if (!sorted.empty() && (sorted.front() < globals_end_ || sorted.back() >= stream_.size()))
     raise_damaged("a sheet in it has no place of its own");
   sorted.push_back(stream_.size());

@@ -122,7 +122,7 @@ std::string CompoundFile::with_stream(std::u16string_view name, std::string_view
   constexpr std::size_t kLargest = 0x7FFFFFFF;
   const Entry* entry = find(name);
   if (entry == nullptr || entry->type != EntryType::kStream) raise_damaged("a stream is missing in it");
-  if (bytes_.size() + content.size() > kLargest) throw WorkbookError("it would get larger than 2 GB");
+  if (bytes_.size() + content.size() > kLargest) throw WorkbookError("it would become larger than 2 GB");
   // A stream that lay in the mini stream leaves its place there as it is.
   CompoundPatch patch(*this);
   const bool was_mini = entry->size < kMiniCutoff;

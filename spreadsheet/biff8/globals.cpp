@@ -40,7 +40,7 @@ std::ptrdiff_t rank(std::uint16_t type) {
 }
 
 void check_version(const RecordView& first) {
-  if (first.type != kBof || first.body.size() < 4) raise_damaged("its stream Workbook doesn't begin as one");
+  if (first.type != kBof || first.body.size() < 4) raise_damaged("its stream Workbook doesn't start as one should");
   if (get<std::uint16_t>(first.body, 0) != kVersion || get<std::uint16_t>(first.body, 2) != kGlobalsSubstream)
     raise_older_format();
 }
@@ -48,11 +48,11 @@ void check_version(const RecordView& first) {
 // What forbids a change. A record is named before its body is looked at, because FILEPASS encrypts what follows.
 void check_allowed(const RecordView& record) {
   const auto number = [&record](std::size_t at) { return get<std::uint16_t>(record.body, at); };
-  if (record.type == kFilePass) throw WorkbookError("it's encrypted; take its password away first");
+  if (record.type == kFilePass) throw WorkbookError("it's encrypted; remove its password first");
   if (record.type == kProtect && number(0) != 0)
-    throw WorkbookError("its structure is protected; take the protection away first");
+    throw WorkbookError("its structure is protected; remove the protection first");
   if (record.type == kFileSharing && record.body.size() >= 4 && number(2) != 0)
-    throw WorkbookError("it asks for a password before it's changed; take the password away first");
+    throw WorkbookError("it asks for a password before it's changed; remove the password first");
   if (record.type == kRealTimeData)
     throw WorkbookError("it has real-time data, which a further sheet would upset; save it as .xlsx");
 }

@@ -35,7 +35,7 @@ struct Globals {
   std::size_t bytes() const;
 };
 
-// The globals at the begin of a stream, and where they end in it. Raises WorkbookError with the reason if the workbook
+// The globals at the start of a stream, and where they end in it. Raises WorkbookError with the reason if the workbook
 // isn't BIFF8 or can't be changed without harm.
 Globals read_globals(std::string_view stream, std::size_t& end);
 

@@ -15,7 +15,7 @@ constexpr std::uint8_t kWide = 0x01, kPhonetic = 0x04, kRich = 0x08;
 constexpr std::size_t kFormatRunSize = 4;
 constexpr std::size_t kLongestText = 32767;
 
-// Goes through the texts of the table. Only a text's units take a flags byte at the begin of another record.
+// Goes through the texts of the table. Only a text's units take a flags byte at the start of another record.
 class TextWalk {
  public:
   explicit TextWalk(const std::vector<std::string>& parts) : parts_(parts) {}
@@ -24,7 +24,7 @@ class TextWalk {
   std::uint32_t at() const { return static_cast<std::uint32_t>(at_); }
   bool at_end() const { return part_ + 1 == parts_.size() && at_ == parts_[part_].size(); }
 
-  // To the begin of the next text.
+  // To the start of the next text.
   void find_text() {
     if (at_ == parts_[part_].size()) next_part();
   }
@@ -59,7 +59,7 @@ class TextWalk {
       at_ += passed * width;
       left -= passed;
       if (left == 0) return;
-      if (at_ != parts_[part_].size()) raise_damaged("its table of texts has half a letter");
+      if (at_ != parts_[part_].size()) raise_damaged("its table of texts has half a character");
       next_part();
       wide = take<std::uint8_t>() & kWide;
     }

@@ -92,7 +92,7 @@ std::uint16_t reference_to(Globals& globals, std::size_t position, std::size_t s
       return static_cast<std::uint16_t>(each);
   const std::size_t end = kFirstReference + kReferenceSize * references.count;
   if (references.count == 0xFFFF || references.body.size() != end)
-    raise_damaged("its table of references to sheets has a wrong length");
+    raise_damaged("its table of references to sheets has the wrong length");
   const auto sheet = static_cast<std::uint16_t>(position);
   references.body += ByteWriter().u16(static_cast<std::uint16_t>(book)).u16(sheet).u16(sheet).bytes();
   put(references.body, 0, static_cast<std::uint16_t>(references.count + 1));

@@ -88,7 +88,7 @@ class Styles {
     const auto is_cell = [this](std::size_t index) { return (record_of(index).u16(kXfFlags) & kStyleBit) == 0; };
     const auto first = std::ranges::find_if(xfs_, is_cell);
     Record xf = record_of(first == xfs_.end() ? xfs_.front() : *first);
-    if (xf.body.size() != kXfSize) raise_damaged("it has a cell format of a wrong length");
+    if (xf.body.size() != kXfSize) raise_damaged("it has a cell format of the wrong length");
     xf.set16(kXfFlags, xf.u16(kXfFlags) & ~kStyleBit);
     return xf;
   }

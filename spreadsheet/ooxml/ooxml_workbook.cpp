@@ -116,16 +116,17 @@ std::string OoxmlWorkbook::find_workbook() const {
   const Relations relations(package_, {});
   const bool is_signed = std::ranges::count(relations.all(), kOrigin, &Relation::kind) != 0;
   if (is_signed || package_.has_folder("_xmlsignatures/"))
-    throw WorkbookError("it's digitally signed, and a change would break the signature; take the signature off first");
+    throw WorkbookError("it's digitally signed, and a change would break the signature; remove the signature first");
   const Relation* workbook = relations.first("officeDocument");
   if ((workbook == nullptr || !package_.has(workbook->target)) && package_.has_backslashes())
     throw WorkbookError("its zip file parts the folders in its names by backslashes, which the format doesn't allow; " +
                         std::string("open the workbook in a spreadsheet program and save it again"));
   const std::string type = workbook == nullptr ? std::string() : ContentTypes(package_).of(workbook->target);
   if (type == kBinaryType)
-    throw WorkbookError("it's a binary workbook (.xlsb), which can't be added to; save it as .xlsx or .xlsm first");
+    throw WorkbookError(
+        "it's a binary workbook (.xlsb), to which no sheet can be added; save it as .xlsx or .xlsm first");
   if (workbook == nullptr || std::ranges::count(kWorkbookTypes, type) == 0)
-    throw WorkbookError("it's a zip file, but no workbook (.xlsx, .xlsm) by its content");
+    throw WorkbookError("it's a zip file, but not a workbook (.xlsx, .xlsm)");
   return workbook->target;
 }
 

@@ -78,11 +78,11 @@ WorkbookPart::WorkbookPart(std::string name, std::string text) : part_(std::move
                         "its sheets can't be numbered for sure; open it in a spreadsheet program and save it again");
   for (const auto sharing : part_.children(root, "fileSharing")) {
     if (sharing.attribute("reservationPassword") || sharing.attribute("hashValue"))
-      throw WorkbookError("a password stands before changes to it; take the password off first");
+      throw WorkbookError("it asks for a password before it is changed; remove the password first");
   }
   for (const auto protection : part_.children(root, "workbookProtection")) {
     if (is_true(protection.attribute("lockStructure")))
-      throw WorkbookError("its structure is protected, so that no sheet can be added; take the protection off first");
+      throw WorkbookError("its structure is protected, so no sheet can be added; remove the protection first");
   }
 }
 

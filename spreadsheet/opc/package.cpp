@@ -31,7 +31,7 @@ using ZipFile = std::unique_ptr<zip_file_t, Release>;
 
 [[noreturn]] void raise_damaged(const std::string& what, const std::string& reason) {
   throw WorkbookError(what + " is damaged (" + reason +
-                      "); try to have a spreadsheet program repair it, or take another copy");
+                      "); try to repair it in a spreadsheet program, or use another copy");
 }
 
 [[noreturn]] void raise_part(const std::string& name, const std::string& reason) {
@@ -79,7 +79,7 @@ class EntryStream : public PartStream {
       raise_part(name_, zip_error_strerror(zip_get_error(zip)));
     size_ = left_ = stat.size;
     if (size_ > kLargestStream)
-      throw WorkbookError("its part '" + name_ + "' is larger than 2 GB; nothing this large can be added to");
+      throw WorkbookError("its part '" + name_ + "' is larger than 2 GB; no sheet can be added to such a workbook");
     file_.reset(zip_fopen_index(zip, index, 0));
     if (!file_) raise_part(name_, zip_error_strerror(zip_get_error(zip)));
   }
@@ -88,7 +88,7 @@ class EntryStream : public PartStream {
     const zip_int64_t count = zip_fread(file_.get(), piece_.data(), piece_.size());
     if (count < 0) raise_part(name_, zip_file_strerror(file_.get()));
     const auto length = static_cast<std::size_t>(count);
-    if (length > left_ || (length == 0 && left_ != 0)) raise_part(name_, "it hasn't the size it's said to have");
+    if (length > left_ || (length == 0 && left_ != 0)) raise_part(name_, "it isn't as large as it's said to be");
     left_ -= length;
     return std::string_view(piece_).substr(0, length);
   }
@@ -235,7 +235,7 @@ std::string Package::read(const std::string& name) const {
   std::string text;
   for (std::string_view piece; !(piece = content->next()).empty();) {
     if (text.size() + piece.size() > kLargestXml)
-      throw WorkbookError("its part '" + name + "' is larger than 32 MB; such a workbook can't be added to");
+      throw WorkbookError("its part '" + name + "' is larger than 32 MB; no sheet can be added to such a workbook");
     text += piece;
   }
   return text;

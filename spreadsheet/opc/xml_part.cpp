@@ -83,14 +83,14 @@ void XmlPart::decode(XmlExtent extent) {
 
 void XmlPart::check_document() const {
   for (const auto node : document_.children()) {
-    if (node.type() == pugi::node_doctype) raise("it has a document type");
+    if (node.type() == pugi::node_doctype) raise("it has a document type declaration");
     if (node.type() == pugi::node_declaration && !is_told_right(node.attribute("encoding").value(), encoding_))
       raise("it says that it's in another encoding than UTF-8 or UTF-16, or not in the one that it's in");
   }
   if (!root()) raise("it has no element");
   Sanity sanity;
   pugi::xml_node document = document_;
-  if (!document.traverse(sanity)) raise("its elements are too deep or too many-sided");
+  if (!document.traverse(sanity)) raise("its elements are nested too deeply or have too many attributes");
 }
 
 void XmlPart::raise(const std::string& reason) const {

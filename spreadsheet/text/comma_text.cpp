@@ -114,7 +114,7 @@ class CommaTextReader {
 
 Sheet read_comma_text(std::string text, int present_year, SheetLimits limits) {
   if (text.size() > std::numeric_limits<std::uint32_t>::max()) {
-    throw std::length_error("a comma-separated text of 4 GiB or more doesn't fit into a sheet; move it in parts");
+    throw std::length_error("a comma-separated text of 4 GiB or more doesn't fit into a sheet; split it");
   }
   Sheet sheet;
   std::string& kept = sheet.texts.emplace_back(std::move(text));

@@ -13,7 +13,7 @@ namespace trvtrout::fakes {
 class TemporaryFolder {
  public:
   TemporaryFolder() : path_((std::filesystem::temp_directory_path() / "trvtrout-test-XXXXXX").string()) {
-    if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("no temporary folder to be had: " + path_);
+    if (mkdtemp(path_.data()) == nullptr) throw std::runtime_error("can't make a temporary folder: " + path_);
   }
   ~TemporaryFolder() { std::filesystem::remove_all(path_); }
   TemporaryFolder(const TemporaryFolder&) = delete;

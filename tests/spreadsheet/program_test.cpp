@@ -82,7 +82,7 @@ TEST(EditedSheet, FormatsCellsThatAreThereAndThatAreNot) {
 TEST(EditedSheet, RefusesWhatDoesNotFitAndSaysWhere) {
   const SheetLimits limits{3, 3};
   EXPECT_EQ(complaint_of([&] { require_fitting(read_comma_text("a\nb\n,,c\n", 2004), limits); }), "");
-  EXPECT_NE(complaint_of([&] { require_fitting(read_comma_text("a\nb\nc\nd", 2004), limits); }).find("rows of 4"),
+  EXPECT_NE(complaint_of([&] { require_fitting(read_comma_text("a\nb\nc\nd", 2004), limits); }).find("4 or more rows"),
             std::string::npos);
   EXPECT_NE(complaint_of([&] { require_fitting(read_comma_text("a\n,,,", 2004), limits); }).find("row 2"),
             std::string::npos);
@@ -172,7 +172,7 @@ TEST_F(Program, WhatFailsLeavesTheWorkbookAsItWas) {
   }
   const int held = open(path.c_str(), O_RDWR | O_CLOEXEC);
   ASSERT_EQ(flock(held, LOCK_EX), 0);
-  expect("held by another program");
+  expect("in use by another program");
   close(held);
   report_ = folder_.put("long.csv", std::string(1048577, '\n'));
   expect("takes 1048576");
