@@ -123,10 +123,10 @@ TEST_F(Biff8, AListOfDrawingsGoesOnInOtherRecords) {
       try {
         const std::string after = open_biff8(before)->with_sheet(second_sheet());
         const std::string old_group = group(before), new_group = group(after);
-        const std::size_t end = kListEnd + 8 * clusters;
+        const std::size_t list = std::size_t{8} * clusters, end = kListEnd + list;
         EXPECT_EQ(get<std::uint32_t>(new_group, 20), clusters + 2);
         EXPECT_EQ(get<std::uint32_t>(new_group, 16), (clusters + 1) * 1024 + 2);
-        EXPECT_TRUE(new_group.substr(kListEnd, 8 * clusters) == old_group.substr(kListEnd, 8 * clusters));
+        EXPECT_TRUE(new_group.substr(kListEnd, list) == old_group.substr(kListEnd, list));
         EXPECT_GT(get<std::uint32_t>(new_group, end), (clusters - 2) / 2);
         EXPECT_TRUE(new_group.substr(end + 8) == old_group.substr(end));
         for (const Record& record : parts_of(workbook_stream(after)).globals.records)
