@@ -81,6 +81,15 @@ Json to_json(const DocumentList& list, const ListInfo& info) {
           {"result", text::to_utf8(result_of(list, info))}};
 }
 
+// The titles of the lists that don't hold together, joined by commas.
+std::string broken_lists(const DocumentSlots& document) {
+  std::string titles;
+  for (const DocumentList& list : vtrfile::document_lists()) {
+    if (!list.recount(document).ok) (titles += titles.empty() ? "" : ", ") += list.title;
+  }
+  return titles;
+}
+
 void print_json(const TarvelVtrOut_InOut& utility, Locale& locale, const std::string& file,
                 const std::u16string& structure_list) {
   const DocumentSlots& document = utility.CurrentSlots();
@@ -91,6 +100,7 @@ void print_json(const TarvelVtrOut_InOut& utility, Locale& locale, const std::st
                       {"result", !damage},
                       {"structureList", damage ? Json(text::to_utf8(structure_list)) : Json()},
                       {"damage", damage ? damage_json(*damage) : Json()},
+                      {"listsHoldTogether", broken_lists(document).empty()},
                       {"gaps", gaps_json(utility.LastRead().gaps)},
                       {"header", to_json(header_texts(*document.Header), locale)},
                       {"product", to_json(product_texts(document.Schema->Product), locale)},
@@ -113,11 +123,12 @@ ExitStatus info(const Settings& settings, const InfoTask& task) {
     print(utility.CurrentSlots(), machine.locale(), task.file);
     if (utility.LastDamage()) std::cout << '\n' << printable(structure_list) << '\n';
   }
-  if (utility.LastDamage()) {
-    std::cout.flush();
-    complain(task.file + ": " + damage_text(*utility.LastDamage()));
-  }
-  return status;
+  std::cout.flush();
+  if (utility.LastDamage()) complain(task.file + ": " + damage_text(*utility.LastDamage()));
+  const std::string broken = broken_lists(utility.CurrentSlots());
+  if (broken.empty()) return status;
+  complain(task.file + ": these lists don't hold together: " + broken + "; see `vtrout recover`");
+  return kRemarkable;
 }
 
 }  // namespace trvtrout::host

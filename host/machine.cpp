@@ -2,9 +2,12 @@
 
 #include <unistd.h>
 
+#include "host/document_kind.h"
 #include "platform/console/printable.h"
 #include "platform/files/path.h"
+#include "services/guard.h"
 #include "text/utf8.h"
+#include "vtrfile/sections.h"
 
 namespace trvtrout::host {
 namespace {
@@ -43,6 +46,14 @@ ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string
   machine.speak_of(file);
   std::u16string path = platform::class_path(file);
   structure_list.clear();
+  // Of a file that can't be opened the class tells why.
+  const bool is_document =
+      guarded([&] { return begins_as_document(machine.services().files, path); }, [](const Failure&) { return true; });
+  if (!is_document) {
+    complain(file +
+             ": not a VTR file, or one whose header is damaged: no format version stands where a VTR file has it");
+    return kTrouble;
+  }
   bool whole = false;
   {
     Progress progress;
@@ -57,7 +68,9 @@ ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string
   if (whole) return utility.LastRead().gaps.empty() ? kFine : kRemarkable;
   // The class itself has told the user of an unsupported version.
   if (!structure_list.empty()) complain(file + ": " + utility.LastFailure());
-  return kTrouble;
+  // All was read, and only then something failed.
+  const auto& parts = utility.LastRead().parts;
+  return !parts.empty() && parts.back().name == vtrfile::kEndTag ? kFine : kTrouble;
 }
 
 void complain_of_part(const char* what, const char* part, const std::u16string& path, const std::string& why) {

@@ -162,7 +162,8 @@ void print_json(const RecoveryTask& task, const Written& written, const Recovery
 bool read_damaged(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file, std::u16string& message) {
   if (read(machine, utility, file, message) == kTrouble) {
     // Of a file that can't be read at all the list has been made, and the user told why.
-    if (message.empty()) complain(file + ": its version can't be read; the file may be damaged" + kNothingWritten);
+    if (message.empty() && !utility.LastRead().parts.empty())
+      complain(file + ": its version can't be read; the file may be damaged" + kNothingWritten);
     return false;
   }
   if (utility.LastRead().parts.front().whole) return true;

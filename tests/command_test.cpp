@@ -1,5 +1,6 @@
 #include "tests/command.h"
 
+#include <algorithm>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <regex>
@@ -120,6 +121,48 @@ TEST_F(Command, ComparesPartByPart) {
   EXPECT_EQ(lines(again.out), std::vector<std::string>{"~tmpa_Tree_Compared.CSV"});
 }
 
+// In one line, and without a byte of its content on the terminal; only a later version of the format is called that.
+TEST_F(Command, WhatIsNoVtrFileIsCalledThat) {
+  const std::string cases[] = {std::string("\x7F"
+                                           "ELF\x02\x01\x01\0\0\0\0\0\0\0\0\0\x1B[31m",
+                                           21),
+                               "Dear all,\r\nplease find attached\x1B[31m",
+                               "",
+                               std::string(100'000, '\0'),
+                               std::string("\x89PNG\r\n\x1A\n") + std::string(70'000, '\xFF'),
+                               "PK\x03\x04",
+                               sample("plant.vtr").substr(0, 30),
+                               FileBuilder("1.2").with_end()};
+  for (const std::string& bytes : cases) {
+    put("x.vtr", bytes);
+    put("p.vtr", sample("plant.vtr"));
+    for (const char* command : {"info x.vtr", "info x.vtr --json", "report x.vtr", "recover x.vtr",
+                                "compare x.vtr p.vtr", "compare p.vtr x.vtr --summary"}) {
+      const Outcome run = expect_refused(std::string("vtrout ") + command, "x.vtr: not a VTR file");
+      EXPECT_EQ(lines(run.err).size(), 1U) << command << run.err;
+      EXPECT_TRUE(std::ranges::all_of(run.err, [](char c) { return c == '\n' || (c >= ' ' && c <= '~'); })) << run.err;
+    }
+  }
+  put("x.vtr", FileBuilder("01.03.00").with_end());
+  expect_refused("vtrout info x.vtr", "VTR Output does not support strcture version: 01.03.00");
+  put("x.vtr", FileBuilder("01.02.00").with_end());
+  EXPECT_EQ(vtrout("info x.vtr").status, 0);
+}
+
+TEST_F(Command, InfoTellsOfListsThatDoNotHoldTogether) {
+  put("s.vtr", sample("damaged/sick-lists.vtr"));
+  const Outcome people = vtrout("info s.vtr");
+  EXPECT_EQ(people.status, 1);
+  EXPECT_EQ(people.err,
+            "vtrout: s.vtr: these lists don't hold together: Lookups, Tree nodes, Language texts, Control tags; see "
+            "`vtrout recover`\n");
+  const Outcome programs = vtrout("info s.vtr --json");
+  EXPECT_EQ(programs.status, 1);
+  const auto account = nlohmann::json::parse(programs.out);
+  EXPECT_EQ(account["result"], true) << "the file was read to its end";
+  EXPECT_EQ(account["listsHoldTogether"], false);
+}
+
 TEST_F(Command, InfoTellsPeopleAndPrograms) {
   put("p.vtr", sample("plant.vtr"));
   const Outcome people = vtrout("info p.vtr");
@@ -131,6 +174,7 @@ TEST_F(Command, InfoTellsPeopleAndPrograms) {
 
   const auto whole = nlohmann::json::parse(vtrout("info --json p.vtr").out);
   EXPECT_EQ(whole["result"], true);
+  EXPECT_EQ(whole["listsHoldTogether"], true);
   EXPECT_TRUE(whole["structureList"].is_null());
   EXPECT_EQ(whole["product"]["code"], "PLANT");
   EXPECT_EQ(whole["lists"]["tables"],

@@ -105,6 +105,32 @@ TEST_F(RecoverCommand, TellsOfASectionThatHidesBehindABadTag) {
   }
 }
 
+// A list that fails its test and can't be emptied, or isn't reached, is named, here and by `info` on the new file.
+TEST_F(RecoverCommand, NamesTheListsThatStillFail) {
+  SCHEMA_STRUCT schema{};
+  schema.Lookups.Max = schema.Tables.Max = 1;
+  HIDETABLES_STRUCT hidden{};
+  hidden.Lookups.Count = hidden.Tables.Max = 1;
+  put("d.vtr", FileBuilder().section("Schema", schema).section("Hidden", hidden).with_end());
+  const Outcome first = vtrout("recover d.vtr --output one.vtr");
+  EXPECT_EQ(first.status, 1);
+  for (const char* list : {"Tables", "Hidden tables", "Hidden lookups"}) {
+    EXPECT_TRUE(std::regex_search(
+        first.err, std::regex(list + " +0 of [01] records; fails its test, and is in the new file as it was read"s)))
+        << list << first.err;
+  }
+  EXPECT_NE(vtrout("info one.vtr").err.find("hold together: Tables, Hidden tables, Hidden lookups;"),
+            std::string::npos);
+  // Now that the lookups pass, the tables are reached.
+  const auto second = nlohmann::json::parse(vtrout("recover one.vtr --output two.vtr --json").out);
+  EXPECT_EQ(second["parts"]["Schema"]["lists"]["tables"]["test"], "emptied");
+  EXPECT_EQ(second["parts"]["Hidden"]["lists"]["hiddenLookups"]["test"], "kept");
+  EXPECT_NE(
+      second["message"].get<std::string>().find("couldn't been recovered: \r\nTABLES_STRUCT\r\nHIDEFIELDS_STRUCT"),
+      std::string::npos);
+  EXPECT_NE(vtrout("info two.vtr").err.find("hold together: Hidden tables, Hidden lookups;"), std::string::npos);
+}
+
 TEST_F(RecoverCommand, NeverWritesOverTheDamagedFile) {
   put("p.vtr", sample("damaged/no-eof.vtr"));
   fs::create_symlink("p.vtr", at("symbolic.vtr"));

@@ -104,11 +104,8 @@ bool take_number(Scanner& scanner, Number& number) {
   return number.digits != 0;
 }
 
-// Two digits are a year of this century or the last one, four are the year itself.
-std::optional<int> year_of(const Number& number) {
-  if (number.digits == 4) return number.value;
-  return number.digits <= 2 ? std::optional(text::year_of_two_digits(number.value)) : std::nullopt;
-}
+// Two digits are a year of this century or the last one, more are the year itself.
+int year_of(const Number& number) { return number.digits > 2 ? number.value : text::year_of_two_digits(number.value); }
 
 bool take_month_name(Scanner& scanner, int& month) {
   for (std::size_t index = 0; index < kMonths.size(); ++index) {
@@ -133,9 +130,8 @@ bool take_separator(Scanner& scanner, std::string_view marks) {
 std::optional<int> day_of(const std::array<Number, 3>& parts, const Order& order) {
   const auto [year_at, month_at, day_at] = order;
   const auto at = [&](int place) -> const Number& { return parts[static_cast<std::size_t>(place)]; };
-  const auto year = year_of(at(year_at));
-  if (!year || at(month_at).digits > 2 || at(day_at).digits > 2) return std::nullopt;
-  return day_number(*year, at(month_at).value, at(day_at).value);
+  if (at(month_at).digits > 2 || at(day_at).digits > 2) return std::nullopt;
+  return day_number(year_of(at(year_at)), at(month_at).value, at(day_at).value);
 }
 
 // 6/2/2004, 6-2-2004; 13/6/2004, which has no thirteenth month; 2004/06/02.
@@ -156,8 +152,8 @@ std::optional<int> take_day_first(Scanner& scanner) {
   int month = 0;
   if (!take_number(scanner, day) || day.digits > 2 || !take_separator(scanner, "-/")) return std::nullopt;
   if (!take_month_name(scanner, month) || !take_separator(scanner, "-/,")) return std::nullopt;
-  if (!take_number(scanner, year) || !year_of(year)) return std::nullopt;
-  return day_number(*year_of(year), month, day.value);
+  if (!take_number(scanner, year)) return std::nullopt;
+  return day_number(year_of(year), month, day.value);
 }
 
 // June 2, 2004; Jun-2-2004.
@@ -166,8 +162,8 @@ std::optional<int> take_month_first(Scanner& scanner) {
   int month = 0;
   if (!take_month_name(scanner, month) || !take_separator(scanner, "-/")) return std::nullopt;
   if (!take_number(scanner, day) || day.digits > 2 || !take_separator(scanner, "-/,")) return std::nullopt;
-  if (!take_number(scanner, year) || !year_of(year)) return std::nullopt;
-  return day_number(*year_of(year), month, day.value);
+  if (!take_number(scanner, year)) return std::nullopt;
+  return day_number(year_of(year), month, day.value);
 }
 
 constexpr std::array kDateForms = {take_digits_date, take_day_first, take_month_first};

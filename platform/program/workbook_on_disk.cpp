@@ -1,7 +1,5 @@
 #include "platform/program/workbook_on_disk.h"
 
-#include <filesystem>
-
 #include "platform/files/replacement.h"
 #include "platform/program/sheet_names.h"
 #include "platform/program/spreadsheet_error.h"
@@ -33,18 +31,11 @@ bool unchanged(const struct stat& one, const struct stat& other) {
          one.st_mtim.tv_sec == other.st_mtim.tv_sec && one.st_mtim.tv_nsec == other.st_mtim.tv_nsec;
 }
 
-// A name that isn't a whole path is completed, as the file's own is.
-std::string name_once_open(const std::string& path, const std::string& real, const std::string& told_as) {
-  if (told_as.empty()) return real;
-  if (path == real) return told_as;
-  return std::filesystem::path(real).replace_filename(std::filesystem::path(told_as).filename()).string();
-}
-
 }  // namespace
 
 WorkbookOnDisk::WorkbookOnDisk(const std::string& path, const std::string& told_as)
     : path_(platform::behind_links(path)),
-      told_as_(name_once_open(path, path_, told_as)),
+      told_as_(told_as.empty() ? path_ : told_as),
       handle_(path_, kChange, platform::Access::kUpdate, platform::Creation::kNever, told_as.empty() ? path : told_as),
       opened_(handle_.status()) {
   require_unowned(path_, told_as_);
