@@ -85,7 +85,7 @@ void XmlPart::check_document() const {
   for (const auto node : document_.children()) {
     if (node.type() == pugi::node_doctype) raise("it has a document type declaration");
     if (node.type() == pugi::node_declaration && !is_told_right(node.attribute("encoding").value(), encoding_))
-      raise("it says that it's in another encoding than UTF-8 or UTF-16, or not in the one that it's in");
+      raise("its encoding isn't UTF-8 or UTF-16, or isn't the one that it declares");
   }
   if (!root()) raise("it has no element");
   Sanity sanity;

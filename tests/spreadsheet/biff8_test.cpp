@@ -96,7 +96,7 @@ TEST_F(Biff8, RefusesWhatItCannotChangeWithoutHarm) {
       {changed([&](Globals& globals) { globals.append(first_bound(globals)); }), "share one place"},
       {changed([](Globals& globals) { globals.records[globals.all(kExtSst)[0] - 1].body += 'x'; }), "table of texts"},
       {changed([](Globals& globals) { globals.records[globals.all(kExtSst)[0] - 1].body.pop_back(); }),
-       "half a letter"},
+       "half a character"},
       {changed([](Globals& globals) {
          std::erase_if(globals.records, [](const Record& record) { return record.type == kContinue; });
        }),
