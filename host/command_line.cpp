@@ -62,7 +62,7 @@ void add_operand(CLI::App& command, const char* name, std::string& value, const 
 // An option that names a file. A variable of the shell that isn't set mustn't stand for "no file".
 CLI::Option* add_file(CLI::App& command, const char* name, std::string& file, const char* description) {
   return command.add_option(name, file, description)->check([](const std::string& given) {
-    return std::string(given.empty() ? "a file name is missing" : "");
+    return std::string(given.empty() ? "a name is missing" : "");
   });
 }
 

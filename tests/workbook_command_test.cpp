@@ -105,7 +105,7 @@ TEST_F(WorkbookCommand, FailuresNameTheWorkbookAsItWasGiven) {
   for (const std::string workbook : {"w.xls", "new.xls"}) {
     const Outcome run = expect_refused(
         "ulimit -f $((($(stat -c %s w.xls) + 511) / 512)); vtrout report plant.vtr --part field --workbook " + workbook,
-        "no whole sheet for field in " + workbook + ": can't write \"" +
+        "no complete sheet for field in " + workbook + ": can't write \"" +
             (workbook == "w.xls" ? fs::path(workbook) : fs::canonical(at("")) / workbook).string() + "\": ");
     EXPECT_EQ(run.err.find(".vtrout-"), std::string::npos) << run.err;
   }

@@ -33,8 +33,10 @@ const char* ConsoleMessageBox::keeps_files() const {
 
 MessageAnswer ConsoleMessageBox::answer(const std::string& question) {
   if (overwrite_ == Overwrite::kYes) return MessageAnswer::kYes;
-  if (const char* const reason = keeps_files()) {
-    out_ << line_start_ << question << " Not overwritten, because " << reason << ": use --yes to overwrite.\n"
+  if (keeps_files()) {
+    const bool never = overwrite_ == Overwrite::kNever;
+    out_ << line_start_ << question << ' '
+         << (never ? "Not overwritten (--no-clobber)." : "Not overwritten: use --yes to overwrite.") << '\n'
          << std::flush;
     return MessageAnswer::kCancel;
   }
