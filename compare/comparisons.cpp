@@ -20,11 +20,13 @@ void write_head(ReportWriter& out, const ComparedDocuments& documents) {
 bool write_comparison(const HostServices& services, const Comparison& comparison, const ComparedDocuments& documents,
                       ReportFile& file, ComparisonCounts& counts) {
   counts = {};
-  const std::u16string desc_name(comparison.desc_name);
-  const OutputName secondary = GetReportFileName(services, documents.secondary_fname, desc_name, true);
+  const auto name_after = [&](const std::u16string& fname) {
+    return GetReportFileName(services, fname, comparison.desc_name, true, file.folder);
+  };
+  const OutputName secondary = name_after(documents.secondary_fname);
   // The report bears the primary file's name. Of the secondary one only the base name is used: its path is dropped, and
   // so is what was answered about a file that stands there.
-  const OutputName primary = GetReportFileName(services, documents.primary_fname, desc_name, true);
+  const OutputName primary = name_after(documents.primary_fname);
   file.path = primary.path;
   if (primary.abandoned) return false;
 

@@ -150,6 +150,7 @@ const vtrfile::DocumentSlots& TarvelVtrOut_InOut::CurrentSlots() const noexcept 
 const std::optional<vtrfile::ReadError>& TarvelVtrOut_InOut::LastDamage() const noexcept { return store_->damage; }
 const std::string& TarvelVtrOut_InOut::LastFailure() const noexcept { return store_->last_failure; }
 const vtrfile::FileRead& TarvelVtrOut_InOut::LastRead() const noexcept { return store_->last_read; }
+void TarvelVtrOut_InOut::SetReportFolder(std::u16string folder) { store_->report_folder = std::move(folder); }
 const ComparisonCounts& TarvelVtrOut_InOut::LastCounts() const noexcept { return store_->counts; }
 
 }  // namespace trvtrout

@@ -133,6 +133,9 @@ class TarvelVtrOut_InOut {
   // What the last ReadVTR met in its file: the parts, whole or not, and the bytes between them of which nothing can be
   // told. There may be such bytes even when the result was True.
   const vtrfile::FileRead& LastRead() const noexcept;
+  // Detail reports and comparisons go into this folder from now on, under the names that they would have beside the
+  // document; empty for beside it.
+  void SetReportFolder(std::u16string folder);
   // The rows of the last comparison, as far as it came.
   const ComparisonCounts& LastCounts() const noexcept;
   // The keys that occur more than once in the part that was last compared, of the primary or the `secondary` document.

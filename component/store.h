@@ -42,13 +42,14 @@ struct TarvelVtrOut_InOut::Store {
   std::optional<vtrfile::ReadError> damage;
   vtrfile::FileRead last_read;
   std::string last_failure;
+  std::u16string report_folder;
   const Comparison* last_comparison = nullptr;
   ComparisonCounts counts;
 };
 
 template <class Write>
 Boolean TarvelVtrOut_InOut::Store::write_file(std::u16string& report_path, bool tells_user, Write&& write) {
-  ReportFile file{report_path};
+  ReportFile file{report_path, report_folder};
   return guarded([&] { return write(file) ? True : fail({.what = "the existing file was left as it is"}); },
                  [&](const Failure& failure) {
                    if (tells_user && failure.number == ErrorNumber::kFileHeld) warn_of_file_in_use(report_path);

@@ -62,7 +62,7 @@ void add_operand(CLI::App& command, const char* name, std::string& value, const 
 // An option that names a file. A variable of the shell that isn't set mustn't stand for "no file".
 CLI::Option* add_file(CLI::App& command, const char* name, std::string& file, const char* description) {
   return command.add_option(name, file, description)->check([](const std::string& given) {
-    return std::string(given.empty() ? "a file name is missing" : "");
+    return std::string(given.empty() ? "a name is missing" : "");
   });
 }
 
@@ -70,6 +70,10 @@ CLI::Option* add_workbook(CLI::App& command, std::string& workbook) {
   return add_file(
       command, "--workbook", workbook,
       "Put each part into a sheet of this .xls or .xlsx file, which is created if needed; asks no questions");
+}
+
+CLI::Option* add_output_dir(CLI::App& command, std::string& folder) {
+  return add_file(command, "--output-dir", folder, "Write the reports into this folder, which must exist");
 }
 
 void add_info(CLI::App& app, Request& request) {
@@ -88,9 +92,10 @@ void add_report(CLI::App& app, Request& request) {
   add_parts(command, task.parts);
   auto* const temporary =
       command.add_flag("--temporary", task.temporary, "Use the temporary name, which has no date in it");
+  auto* const output_dir = add_output_dir(command, task.output_dir);
   add_overwrite(command, request.settings);
   add_code_page(command, request.settings);
-  add_workbook(command, task.workbook)->excludes(temporary);
+  add_workbook(command, task.workbook)->excludes(temporary)->excludes(output_dir);
   command.callback([&request] { request.status = report(request.settings, request.report); });
 }
 
@@ -102,7 +107,8 @@ void add_compare(CLI::App& app, Request& request) {
   add_operand(command, "SECONDARY", task.secondary, "The VTR file that came after it");
   add_parts(command, task.parts);
   auto* const summary = command.add_flag("--summary", task.summary, "Write no files, only print the counts");
-  auto* const workbook = add_workbook(command, task.workbook)->excludes(summary);
+  auto* const output_dir = add_output_dir(command, task.output_dir)->excludes(summary);
+  auto* const workbook = add_workbook(command, task.workbook)->excludes(summary)->excludes(output_dir);
   command.add_flag("!--no-color", task.color, "Don't colour the labels in the workbook")->needs(workbook);
   add_json(command, task.json, "The counts for programs");
   add_overwrite(command, request.settings);

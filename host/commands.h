@@ -19,23 +19,25 @@ struct ReportTask {
   std::string file;
   std::vector<std::string> parts;  // all when empty
   bool temporary = false;
-  std::string workbook;  // empty for reports beside the file
+  std::string output_dir;  // empty for reports beside the file
+  std::string workbook;    // empty for reports in files
 };
 
-// `vtrout report`: the detail reports, beside the file or in the sheets of a workbook.
+// `vtrout report`: the detail reports, beside the file, in a folder or in the sheets of a workbook.
 ExitStatus report(const Settings& settings, const ReportTask& task);
 
 struct ComparisonTask {
   std::string primary, secondary;
   std::vector<std::string> parts;  // all when empty
   bool json = false;
-  bool summary = false;  // the counts alone, no files
-  std::string workbook;  // empty for reports beside the primary file
-  bool color = true;     // of the labels in a workbook
+  bool summary = false;    // the counts alone, no files
+  std::string output_dir;  // empty for reports beside the primary file
+  std::string workbook;    // empty for reports in files
+  bool color = true;       // of the labels in a workbook
 };
 
-// `vtrout compare`: the comparisons of two documents, beside the primary one or in the sheets of a workbook, and how
-// many rows have which form. kRemarkable when a row is labelled.
+// `vtrout compare`: the comparisons of two documents, beside the primary one, in a folder or in the sheets of a
+// workbook, and how many rows have which form. kRemarkable when a row is labelled.
 ExitStatus compare(const Settings& settings, const ComparisonTask& task);
 
 struct StatisticsTask {

@@ -14,12 +14,26 @@ namespace {
 struct PartResult {
   const char* name;
   bool written;
-  std::string report;  // a path of the machine; empty when none was asked for
+  std::string report;  // a path of the machine; empty when none was asked for or none is there
   ComparisonCounts counts;
   std::vector<std::u16string> repeated_in_primary, repeated_in_secondary;
 
   bool different() const { return counts.changed + counts.deleted + counts.added > 0; }
 };
+
+PartResult result_of(const TarvelVtrOut_InOut& utility, const Part& part, const std::u16string& report, bool whole,
+                     bool with_keys) {
+  PartResult result{part.name, whole, platform::machine_path(report), utility.LastCounts(), {}, {}};
+  if (with_keys) {
+    result.repeated_in_primary = utility.RepeatedKeys(false);
+    result.repeated_in_secondary = utility.RepeatedKeys(true);
+  }
+  return result;
+}
+
+ReportNames names_for(const ComparisonTask& task, const std::string& document) {
+  return {document, task.output_dir, [](const Part& part) { return part.comparison->desc_name; }, true};
+}
 
 // Reads one of the two documents; one that is damaged, or was damaged where the read passed on, isn't compared.
 bool read_whole(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file, Boolean is_secondary) {
@@ -82,7 +96,11 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
   if (!can_name_reports(task.primary)) return kTrouble;
   const Output output = task.summary ? Output::kNone : task.workbook.empty() ? Output::kFiles : Output::kHeld;
   Machine machine(settings, output);
+  if (output == Output::kFiles && !can_place_reports(machine, names_for(task, task.primary), task.parts)) {
+    return kTrouble;
+  }
   TarvelVtrOut_InOut utility(machine.services()), primary_alone(machine.services());
+  utility.SetReportFolder(platform::class_path(task.output_dir));
   if (!read_whole(machine, utility, task.primary, False) || !read_whole(machine, utility, task.secondary, True)) {
     return kTrouble;
   }
@@ -96,8 +114,12 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
   const PartOperation comparing{
       .doing = "Comparing",
       .what = "comparison of",
-      .write = [&](const Part& part,
-                   std::u16string& report) { return (utility.*part.compare)(primary, secondary, report); },
+      .write =
+          [&](const Part& part, std::u16string& report) {
+            // The class asks about this name first, and writes nothing under it.
+            machine.reports().pass_over(names_for(task, task.secondary).path(machine, part));
+            return (utility.*part.compare)(primary, secondary, report);
+          },
       .move =
           [&](const Part& part, const std::u16string& workbook, const std::u16string& report) {
             return utility.XL_Output_Compared(workbook, report, std::u16string(part.sheet.name), &primary_alone,
@@ -106,11 +128,7 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
   std::vector<PartResult> results;
   ExitStatus status = reports.run(
       utility, comparing, output, !task.json, [&](const Part& part, const std::u16string& report, bool whole) {
-        PartResult& result = results.emplace_back(PartResult{part.name, whole, {}, utility.LastCounts(), {}, {}});
-        if (output == Output::kFiles) result.report = platform::machine_path(report);
-        if (!task.json) return;
-        result.repeated_in_primary = utility.RepeatedKeys(false);
-        result.repeated_in_secondary = utility.RepeatedKeys(true);
+        results.push_back(result_of(utility, part, output == Output::kFiles ? report : u"", whole, task.json));
       });
   if (!task.workbook.empty()) std::ranges::reverse(results);
   if (status == kFine && std::ranges::any_of(results, &PartResult::different)) status = kRemarkable;

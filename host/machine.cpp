@@ -22,11 +22,11 @@ const char* line_start() { return isatty(STDERR_FILENO) != 0 ? kEraseLine : ""; 
 }  // namespace
 
 Machine::Machine(const Settings& settings, Output output)
-    : output_(output == Output::kFiles  ? static_cast<Files&>(files_)
+    : output_(output == Output::kFiles  ? static_cast<Files&>(report_files_)
               : output == Output::kNone ? static_cast<Files&>(no_files_)
                                         : held_files_),
       message_box_(settings.overwrite, std::cin, std::cerr, person_is_there(), line_start()),
-      save_dialog_(files_, std::cin, std::cerr, person_is_there()),
+      save_dialog_(output_, std::cin, std::cerr, person_is_there()),
       locale_(settings.code_page) {}
 
 void complain(const std::string& line) {

@@ -9,6 +9,7 @@
 #include "platform/files/discarding_files.h"
 #include "platform/files/held_files.h"
 #include "platform/files/local_files.h"
+#include "platform/files/report_files.h"
 #include "platform/locale/us_locale.h"
 #include "platform/program/spreadsheet_program.h"
 #include "text/utf8.h"
@@ -41,6 +42,10 @@ class Machine {
   HostServices services(Files& files) {
     return {files, message_box_, save_dialog_, message_loop_, locale_, spreadsheet_};
   }
+  // Of Output::kFiles.
+  platform::ReportFiles& reports() { return report_files_; }
+  // Why no file can be overwritten, for people; null when somebody can be asked or has agreed.
+  const char* keeps_files() const { return message_box_.keeps_files(); }
   Locale& locale() { return locale_; }
   platform::SpreadsheetProgram& spreadsheet() { return spreadsheet_; }
   // Messages name this file (a path of the machine) from now on.
@@ -50,6 +55,7 @@ class Machine {
   platform::LocalFiles files_{platform::MissingFile::kRefuse};
   platform::DiscardingFiles no_files_{files_};
   platform::HeldFiles held_files_{files_};
+  platform::ReportFiles report_files_{files_};
   Files& output_;
   platform::ConsoleMessageBox message_box_;
   platform::ConsoleSaveDialog save_dialog_;

@@ -8,7 +8,11 @@ ExitStatus report(const Settings& settings, const ReportTask& task) {
   if (!can_name_reports(task.file)) return kTrouble;
   const Output output = task.workbook.empty() ? Output::kFiles : Output::kHeld;
   Machine machine(settings, output);
+  const ReportNames names{task.file, task.output_dir, [](const Part& part) { return part.detail_report->desc_name; },
+                          task.temporary};
+  if (output == Output::kFiles && !can_place_reports(machine, names, task.parts)) return kTrouble;
   TarvelVtrOut_InOut utility(machine.services());
+  utility.SetReportFolder(platform::class_path(task.output_dir));
   std::u16string structure_list;
   const ExitStatus status = read(machine, utility, task.file, structure_list);
   if (status == kTrouble) return status;

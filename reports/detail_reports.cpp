@@ -17,7 +17,7 @@ void write_head(ReportWriter& out, const std::u16string& fname) {
 
 bool write_detail_report(const HostServices& services, const DocumentSlots& document, const DetailReport& report,
                          const std::u16string& fname, bool is_temp, ReportFile& file) {
-  const OutputName name = GetReportFileName(services, fname, std::u16string(report.desc_name), is_temp);
+  const OutputName name = GetReportFileName(services, fname, report.desc_name, is_temp, file.folder);
   file.path = name.path;
   if (name.abandoned) return false;
 

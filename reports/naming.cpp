@@ -76,16 +76,24 @@ void ReportFile::create(const HostServices& services, const OutputName& name,
   stream = services.files.CreateFileSystemObject()->CreateTextFile(name.path, true, false);
 }
 
-OutputName GetReportFileName(const HostServices& services, const std::u16string& fname, const std::u16string& desc_name,
-                             bool is_temp) {
+std::u16string report_path(Locale& locale, const std::u16string& fname, std::u16string_view desc_name, bool is_temp,
+                           const std::u16string& folder) {
+  const SourcePath source = split(fname);
+  std::u16string path = folder.empty() ? source.directory : folder;
+  if (!folder.empty() && !folder.ends_with(u'\\')) path += u'\\';
+  if (is_temp) path += u"~tmp";
+  ((path += source.base_name) += u'_') += desc_name;
+  if (!is_temp) (path += u'_') += stamp(locale);
+  return path += kReportExtension;
+}
+
+OutputName GetReportFileName(const HostServices& services, const std::u16string& fname, std::u16string_view desc_name,
+                             bool is_temp, const std::u16string& folder) {
   return guarded(
       [&] {
-        const std::u16string moment = stamp(services.locale);
+        const std::u16string path = report_path(services.locale, fname, desc_name, is_temp, folder);
         const auto file_system = services.files.CreateFileSystemObject();
         const SourcePath source = split(fname);
-        const std::u16string name = is_temp ? u"~tmp" + source.base_name + u"_" + desc_name
-                                            : source.base_name + u"_" + desc_name + u"_" + moment;
-        const std::u16string path = source.directory + name + std::u16string(kReportExtension);
         return settle(services, *file_system, {path, source.base_name}, source.file_name, kReportExtension);
       },
       [](const Failure& failure) {

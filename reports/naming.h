@@ -4,6 +4,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "services/host_services.h"
 
@@ -23,6 +24,7 @@ struct OutputName {
 // The file of a report that an operation writes.
 struct ReportFile {
   std::u16string& path;
+  const std::u16string& folder;                  // where it goes; empty: beside the document
   std::unique_ptr<TextStream> stream = nullptr;  // still open when writing to it raised
 
   // Creates the file under a settled name. Raises ServiceError and what keeps a name from being used: it must not be
@@ -31,11 +33,16 @@ struct ReportFile {
               std::initializer_list<const std::u16string*> sources);
 };
 
-// The path of a report on the file `fname`: beside it, named after it, `desc_name` and (not `is_temp`) the moment. Asks
-// about an existing file; after No the path is what the save dialog gave, unchanged. Raises nothing: an `fname` without
-// a full stop in its file name gives an empty path.
-OutputName GetReportFileName(const HostServices& services, const std::u16string& fname, const std::u16string& desc_name,
-                             bool is_temp);
+// The path of a report on the file `fname`: in `folder`, or beside the file if that's empty, named after it,
+// `desc_name` and (not `is_temp`) the present moment. Raises invalid_argument for an `fname` without a full stop in its
+// file name.
+std::u16string report_path(Locale& locale, const std::u16string& fname, std::u16string_view desc_name, bool is_temp,
+                           const std::u16string& folder);
+
+// That path. Asks about an existing file; after No the path is what the save dialog gave, unchanged. Raises nothing: an
+// `fname` without a full stop gives an empty path.
+OutputName GetReportFileName(const HostServices& services, const std::u16string& fname, std::u16string_view desc_name,
+                             bool is_temp, const std::u16string& folder);
 
 // The same for a workbook ("Statistics", "Compared"), a rewritten document ("Recovered") or a log ("Log"). For any
 // other `desc_name` the path is empty and no question is put.

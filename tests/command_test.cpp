@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <regex>
+#include <unistd.h>
 
 #include "component/parts.h"
 #include "tests/support.h"
@@ -17,7 +18,10 @@ TEST_F(Command, ReportsEverySampleAsApproved) {
     if (!fs::exists(expected / "report-product.csv")) continue;
     const std::string bytes = sample(name);
     put("s.vtr", bytes);
-    const Outcome run = vtrout("report s.vtr --temporary --yes");
+    for (const auto& [file, content] : files()) {
+      if (file != "s.vtr") fs::remove(at(file));
+    }
+    const Outcome run = vtrout("report s.vtr --temporary");
     bool fails = false;
     for (const Part& operations : document_parts()) {
       const std::u16string_view desc_name = operations.detail_report->desc_name;
@@ -114,11 +118,87 @@ TEST_F(Command, ComparesPartByPart) {
       EXPECT_NE(refused.err.find("it can't be compared: see `vtrout info`, and `vtrout recover`"), std::string::npos);
     }
   }
-  // Nothing is overwritten unasked, and the other parts are still written.
-  fs::remove(at("~tmpa_Tree_Compared.CSV"));
-  const Outcome again = vtrout("compare a.vtr b.vtr");
-  EXPECT_EQ(again.status, 2);
-  EXPECT_EQ(lines(again.out), std::vector<std::string>{"~tmpa_Tree_Compared.CSV"});
+}
+
+// The temporary names of two files can be one, and a second comparison has those of the first.
+TEST_F(Command, NamesThatAreTakenAreToldBeforeTheWork) {
+  put("v1.2.vtr", sample("plant.vtr"));
+  put("v1.3.vtr", sample("plant-next.vtr"));
+  EXPECT_EQ(vtrout("compare v1.2.vtr v1.3.vtr").status, 1);
+  EXPECT_EQ(vtrout("report v1.2.vtr --temporary --part tree").status, 0);
+  const std::pair<const char*, const char*> cases[] = {
+      {"compare v1.3.vtr v1.2.vtr",
+       "~tmpv1_Product_Compared.CSV and 7 more of the reports exist already, and there is"},
+      {"compare v1.2.vtr v1.3.vtr --json --no-clobber", "--no-clobber was given"},
+      {"report v1.3.vtr --temporary", "~tmpv1_Tree.CSV exists already"},
+  };
+  for (const auto& [arguments, reason] : cases) {
+    const Outcome run = expect_refused(std::string("vtrout ") + arguments, reason);
+    EXPECT_EQ(lines(run.err).size(), 1U) << run.err;
+    EXPECT_NE(run.err.find("use --yes to overwrite, or --output-dir"), std::string::npos) << run.err;
+  }
+  fs::create_directory(at("other"));
+  for (const char* way_out : {" --yes", " --output-dir other"}) {
+    EXPECT_EQ(vtrout(std::string("compare v1.3.vtr v1.2.vtr") + way_out).status, 1) << way_out;
+    EXPECT_EQ(vtrout(std::string("report v1.3.vtr --temporary") + way_out).status, 0) << way_out;
+  }
+}
+
+TEST_F(Command, AsksOnceAndOnlyAboutTheFileThatIsWritten) {
+  put("a.vtr", sample("plant.vtr"));
+  put("b.vtr", sample("plant-next.vtr"));
+  put("~tmpb_Tree_Compared.CSV", "mine");
+  const Outcome unasked = vtrout("compare a.vtr b.vtr --part tree");
+  EXPECT_EQ(unasked.status, 1);
+  EXPECT_EQ(unasked.err.find("exists"), std::string::npos) << unasked.err;
+  EXPECT_EQ(get("~tmpb_Tree_Compared.CSV"), "mine");
+
+  put("a.2.vtr", sample("plant-next.vtr"));
+  put("~tmpa_Tree_Compared.CSV", "mine");
+  for (const std::string answer : {"c", "y"}) {
+    const Outcome asked =
+        shell("printf '" + answer + "\n' | script -qec 'vtrout compare a.vtr a.2.vtr --part tree' /dev/null");
+    const std::size_t question = asked.out.find("~tmpa_Tree_Compared.CSV already exists");
+    ASSERT_NE(question, std::string::npos) << asked.out;
+    EXPECT_EQ(asked.out.find("already exists", question + 30), std::string::npos) << asked.out;
+    EXPECT_EQ(get("~tmpa_Tree_Compared.CSV") == "mine", answer == "c");
+  }
+}
+
+TEST_F(Command, ReportsGoIntoAnotherFolder) {
+  fs::create_directory(at("in"));
+  fs::create_directory(at("out"));
+  put("in/a.vtr", sample("plant.vtr"));
+  put("in/b.vtr", sample("plant-next.vtr"));
+  for (const std::string folder : {"out", "./out/"}) {
+    const std::string name = folder + (folder.ends_with('/') ? "" : "/") + "~tmpa_Tree";
+    const std::string options = " --yes --part tree --output-dir " + folder;
+    EXPECT_EQ(vtrout("report --temporary in/a.vtr" + options).out, name + ".CSV\n");
+    EXPECT_TRUE(get("out/~tmpa_Tree.CSV").starts_with("Detailed Statistic for file: in\\a.vtr\r\n"));
+    const auto account = nlohmann::json::parse(vtrout("compare --json in/a.vtr in/b.vtr" + options).out);
+    EXPECT_EQ(account["parts"]["tree"]["report"], name + "_Compared.CSV");
+    EXPECT_TRUE(get("out/~tmpa_Tree_Compared.CSV").starts_with(",Compared Statistic for files: ,in\\a.vtr\r\n"));
+  }
+  EXPECT_EQ(std::distance(fs::directory_iterator(at("in")), {}), 2);
+  for (const std::string folder : {"none", "in/a.vtr", "''"}) {
+    for (const std::string command : {"report in/a.vtr", "compare in/a.vtr in/b.vtr", "report missing.vtr"}) {
+      const Outcome run = expect_refused("vtrout " + command + " --output-dir " + folder, "--output-dir");
+      EXPECT_EQ(lines(run.err).size(), 1U) << run.err;
+    }
+  }
+}
+
+TEST_F(Command, AFolderThatCannotBeWrittenIsToldOnce) {
+  put("p.vtr", sample("plant.vtr"));
+  fs::permissions(at(""), fs::perms(0555));
+  // Nothing is forbidden to root.
+  const std::string person = geteuid() == 0 ? "setpriv --reuid=65534 --regid=65534 --clear-groups vtrout " : "vtrout ";
+  if (shell(person + "--version").status != 0) GTEST_SKIP() << "nobody else may run the command here";
+  for (const char* command : {"report p.vtr", "compare p.vtr p.vtr", "report p.vtr --output-dir ."}) {
+    const Outcome run = expect_refused(person + command, "name another folder with --output-dir");
+    EXPECT_EQ(lines(run.err).size(), 1U) << run.err;
+  }
+  fs::permissions(at(""), fs::perms::owner_all);
 }
 
 // In one line, and without a byte of its content on the terminal; only a later version of the format is called that.
@@ -230,10 +310,39 @@ TEST_F(Command, HelpOpensWithExamples) {
 TEST_F(Command, AFullDiskIsToldAndTheOtherReportsAreStillWritten) {
   put("p.vtr", sample("plant.vtr"));
   // A limit on the size of files that only the largest report exceeds; a shell counts it in blocks of 512 bytes.
-  const Outcome run = shell("ulimit -f 4; vtrout report p.vtr --temporary");
+  const std::string report = "ulimit -f 4; vtrout report p.vtr --temporary --yes";
+  const Outcome run = shell(report);
   EXPECT_EQ(run.status, 2);
   EXPECT_NE(run.err.find("no complete report on field"), std::string::npos) << run.err;
   EXPECT_NE(run.out.find("~tmpp_DSend.CSV"), std::string::npos);
+  EXPECT_EQ(get("~tmpp_Field.CSV").size(), 2048U) << "what there was room for";
+
+  for (const char* name : {"~tmpp_Field.CSV", "~tmpp_DSend.CSV"}) put(name, "mine");
+  const auto before = files();
+  const Outcome again = shell(report);
+  EXPECT_EQ(again.status, 2);
+  EXPECT_NE(again.err.find("~tmpp_Field.CSV: can't write \"~tmpp_Field.CSV\": "), std::string::npos) << again.err;
+  EXPECT_NE(again.err.find("; the file that stood there is as it was\n"), std::string::npos) << again.err;
+  EXPECT_EQ(get("~tmpp_Field.CSV"), "mine");
+  EXPECT_NE(get("~tmpp_DSend.CSV"), "mine");
+  EXPECT_EQ(files().size(), before.size()) << "nothing unfinished";
+}
+
+// A report that ends early takes no place from an older one, and JSON names no report that isn't there.
+TEST_F(Command, AnOlderReportIsLostOnlyToACompleteOne) {
+  put("sick.vtr", sample("damaged/sick-lists.vtr"));
+  put("p.vtr", sample("plant.vtr"));
+  const std::string compare = "vtrout compare sick.vtr p.vtr --part tree --json";
+  const auto report = [](const Outcome& run) { return nlohmann::json::parse(run.out)["parts"]["tree"]["report"]; };
+  const Outcome fresh = shell(compare);
+  EXPECT_EQ(fresh.status, 2);
+  EXPECT_EQ(report(fresh), "~tmpsick_Tree_Compared.CSV");
+  EXPECT_NE(get("~tmpsick_Tree_Compared.CSV"), "") << "as far as it came";
+  put("~tmpsick_Tree_Compared.CSV", "mine");
+  const Outcome over = shell(compare + " --yes");
+  EXPECT_EQ(over.status, 2);
+  EXPECT_TRUE(report(over).is_null());
+  EXPECT_EQ(get("~tmpsick_Tree_Compared.CSV"), "mine");
 }
 
 }  // namespace

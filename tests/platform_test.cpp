@@ -16,6 +16,7 @@
 #include "platform/console/printable.h"
 #include "platform/files/local_files.h"
 #include "platform/files/path.h"
+#include "platform/files/report_files.h"
 #include "platform/files/staged_files.h"
 #include "platform/files/unfinished.h"
 #include "platform/locale/code_page.h"
@@ -180,6 +181,49 @@ TEST_F(LocalFilesTest, ABinaryOutputIsWrittenInPlaceOrBesideIt) {
   fs::remove(folder.at("new"));
   const fs::path parent = fs::path(file).parent_path();
   EXPECT_EQ(std::distance(fs::directory_iterator(parent), {}), 2) << "nothing is left beside them";
+}
+
+// A text comes to its place as a whole, and only over a file that somebody was told of.
+TEST_F(LocalFilesTest, ReportsReplaceOnlyWhatTheyWereToldOf) {
+  ReportFiles reports(files);
+  const auto staging = reports.CreateFileSystemObject();
+  const auto create = [&](const std::u16string& path) {
+    const auto stream = staging->CreateTextFile(path, true, false);
+    stream->Write("report");
+    stream->Close();
+  };
+  EXPECT_EQ(reports.place(true), Placed::kNothing);
+  EXPECT_EQ(error_number([&] { create(name); }), 58) << "it came after the question";
+  reports.pass_over(name);
+  EXPECT_FALSE(staging->FileExists(name));
+  EXPECT_EQ(error_number([&] { create(name); }), 58) << "nobody was asked";
+  EXPECT_TRUE(staging->FileExists(name)) << "passed over once";
+  create(name);
+  EXPECT_EQ(reports.place(false), Placed::kOldStays);
+  EXPECT_EQ(get_file(file), "kept");
+  create(name);
+  EXPECT_EQ(get_file(file), "kept");
+  EXPECT_EQ(error_number([&] { files.OpenBinary(name); }), 70) << "held until the report is in its place";
+  EXPECT_EQ(reports.place(true), Placed::kText);
+  EXPECT_EQ(get_file(file), "report");
+
+  const std::u16string fresh = class_path(folder.at("new"));
+  for (const bool whole : {true, false}) {
+    create(fresh);
+    folder.put("new", "theirs");
+    EXPECT_EQ(error_number([&] { reports.place(whole); }), 58) << "it came while the report was written";
+    EXPECT_EQ(get_file(folder.at("new")), "theirs");
+    fs::remove(folder.at("new"));
+  }
+  create(fresh);
+  EXPECT_EQ(reports.place(false), Placed::kText) << "what there is of it, where nothing stood";
+  EXPECT_EQ(get_file(folder.at("new")), "report");
+  create(class_path(folder.at("given up")));
+  const fs::path parent = fs::path(file).parent_path();
+  EXPECT_EQ(std::distance(fs::directory_iterator(parent), {}), 3) << "and one unfinished text";
+  EXPECT_THROW(create(class_path(folder.at("none/x"))), ServiceError);
+  EXPECT_EQ(reports.place(true), Placed::kNothing);
+  EXPECT_EQ(std::distance(fs::directory_iterator(parent), {}), 2);
 }
 
 TEST(Paths, SeparatorsAreTranslatedAndNoByteIsLost) {

@@ -88,6 +88,24 @@ TEST_F(Reports, AreNamedAfterTheSourceItsPartAndTheMoment) {
   EXPECT_TRUE(machine.message_box.calls.empty());
 }
 
+TEST_F(Reports, GoIntoTheFolderThatTheHostNames) {
+  std::u16string first = u"C:\\Data\\Plant.VTR", second = u"C:\\Data\\Next.VTR";
+  machine.message_box.answers = {MessageAnswer::kYes};
+  for (const std::u16string folder : {u"D:\\Out", u"D:\\Out\\"}) {
+    utility.SetReportFolder(folder);
+    EXPECT_TRUE(write(&TarvelVtrOut_InOut::ASCII_Output_Tree, first));
+    EXPECT_EQ(report_path, u"D:\\Out\\~tmpPlant_Tree.CSV");
+    EXPECT_TRUE(report().starts_with("Detailed Statistic for file: C:\\Data\\Plant.VTR\r\n"));
+  }
+  ASSERT_EQ(machine.message_box.calls.size(), 1U);
+  EXPECT_TRUE(machine.message_box.calls[0].prompt.starts_with(u"File D:\\Out\\~tmpPlant_Tree.CSV already"));
+  EXPECT_TRUE(utility.Compare_Tree(first, second, report_path));
+  EXPECT_EQ(report_path, u"D:\\Out\\~tmpPlant_Tree_Compared.CSV");
+  utility.SetReportFolder({});
+  EXPECT_TRUE(write(&TarvelVtrOut_InOut::ASCII_Output_Tree, first));
+  EXPECT_EQ(report_path, u"C:\\Data\\~tmpPlant_Tree.CSV");
+}
+
 TEST_F(Reports, AskBeforeTheyReplaceAFile) {
   const std::u16string path = u"C:\\Data\\~tmpPlant_Tree.CSV";
   const auto run = [&](MessageAnswer answer) {

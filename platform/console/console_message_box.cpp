@@ -26,9 +26,14 @@ MessageAnswer ConsoleMessageBox::Show(const std::u16string& prompt, MessageButto
   return MessageAnswer::kOk;
 }
 
+const char* ConsoleMessageBox::keeps_files() const {
+  if (overwrite_ == Overwrite::kNever) return "--no-clobber was given";
+  return overwrite_ == Overwrite::kAsk && !interactive_ ? "there is no terminal to ask on" : nullptr;
+}
+
 MessageAnswer ConsoleMessageBox::answer(const std::string& question) {
   if (overwrite_ == Overwrite::kYes) return MessageAnswer::kYes;
-  if (overwrite_ == Overwrite::kNever || !interactive_) {
+  if (keeps_files()) {
     const bool never = overwrite_ == Overwrite::kNever;
     out_ << line_start_ << question << ' '
          << (never ? "Not overwritten (--no-clobber)." : "Not overwritten: use --yes to overwrite.") << '\n'

@@ -23,6 +23,9 @@ class ConsoleMessageBox : public MessageBox {
   // What the messages are about; stands in front of them in place of their titles.
   void set_subject(std::u16string subject) { subject_ = std::move(subject); }
 
+  // Why each file that exists is left as it is, for people; null when it depends on an answer, or on none.
+  const char* keeps_files() const;
+
   MessageAnswer Show(const std::u16string& prompt, MessageButtons buttons,
                      const std::optional<std::u16string>& title) override;
 

@@ -8,54 +8,10 @@
 
 #include "platform/files/file_handle.h"
 #include "platform/files/path.h"
+#include "platform/files/text_output.h"
 
 namespace trvtrout::platform {
 namespace {
-
-constexpr std::size_t kBufferSize = 65536;
-
-class LocalTextStream : public TextStream {
- public:
-  explicit LocalTextStream(FileHandle file) : file_(std::move(file)) { buffer_.reserve(kBufferSize); }
-  ~LocalTextStream() override { flush(); }
-  LocalTextStream(const LocalTextStream&) = delete;
-  LocalTextStream& operator=(const LocalTextStream&) = delete;
-
-  void WriteLine(std::string_view text) override {
-    append(text);
-    append("\r\n");
-  }
-  void Write(std::string_view text) override { append(text); }
-  void Close() override {
-    flush();
-    const int error = file_.close();
-    if (error_ == 0) error_ = error;
-    if (error_ != 0) file_.raise(error_);
-  }
-
- private:
-  void append(std::string_view text) {
-    if (buffer_.size() + text.size() > kBufferSize) flush();
-    if (text.size() > kBufferSize) {
-      write(text);
-    } else {
-      buffer_.append(text);
-    }
-    if (error_ != 0) file_.raise(error_);
-  }
-  void flush() noexcept {
-    write(buffer_);
-    buffer_.clear();
-  }
-  // After a failed write nothing more may go out: it would stand behind a gap.
-  void write(std::string_view bytes) noexcept {
-    if (error_ == 0) error_ = file_.write(bytes);
-  }
-
-  FileHandle file_;
-  std::string buffer_;
-  int error_ = 0;
-};
 
 class LocalBinaryFile : public BinaryFile {
  public:
@@ -94,7 +50,7 @@ class LocalFileSystem : public FileSystemObject {
     if (unicode) refuse_file(ErrorNumber::kInvalidCall, "write", name, "16-bit text files aren't supported");
     FileHandle file(name, "write", Access::kWrite, overwrite ? Creation::kIfMissing : Creation::kOnlyNew);
     file.truncate();
-    return std::make_unique<LocalTextStream>(std::move(file));
+    return std::make_unique<TextOutput>(std::make_unique<LocalBinaryOutput>(std::move(file)));
   }
 
   bool FileExists(const std::u16string& path) override {

@@ -37,6 +37,20 @@ std::string behind_links(const std::string& path) {
   return path;
 }
 
+void require_writable_folder(const std::string& folder) {
+  constexpr auto kFolderVerb = "write into";
+  std::error_code none;
+  if (!std::filesystem::is_directory(folder, none)) {
+    refuse_file(ErrorNumber::kNoSuchFolder, kFolderVerb, folder, "there is no such folder");
+  }
+  const std::string trial = temporary_path_beside(folder + '/');
+  const Unfinished unfinished(trial);
+  const int descriptor = open(trial.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  if (descriptor < 0) raise_file_error(errno, folder, kFolderVerb);
+  close(descriptor);
+  unlink(trial.c_str());
+}
+
 bool name_is_taken(const std::string& path) {
   struct stat status {};
   return lstat(path.c_str(), &status) == 0;

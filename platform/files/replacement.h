@@ -49,6 +49,9 @@ class Replacement {
 // that leads nowhere.
 std::string behind_links(const std::string& path);
 
+// Raises ServiceError unless new files can be made in the folder; tries it.
+void require_writable_folder(const std::string& folder);
+
 // Whether anything has this name, a link that leads nowhere too.
 bool name_is_taken(const std::string& path);
 

@@ -25,7 +25,7 @@ std::unique_ptr<BinaryOutput> StagedFiles::OpenBinaryOutput(const std::u16string
   std::error_code none;
   // The name alone could be given to another file even where the file itself is write-protected or held.
   if (std::filesystem::exists(name, none)) standing_.emplace(name, "write", Access::kWrite, Creation::kNever);
-  return std::make_unique<StagedOutput>(replacement_.emplace(name, model_));
+  return std::make_unique<StagedOutput>(replacement_.emplace(name, model_, name));
 }
 
 std::u16string StagedFiles::content_path() const { return class_path(replacement_->temporary_path()); }
