@@ -1,7 +1,8 @@
 #include "compare/match.h"
 
 #include <functional>
-#include <gtest/gtest.h>
+
+#include "tests/walks.h"
 
 namespace trvtrout::tests {
 namespace {
@@ -43,6 +44,25 @@ TEST(MatchIndexTest, ComparesFewKeysForEachRecord) {
       EXPECT_EQ(index.first_left(key_of(1)), 0);
       EXPECT_LT(comparisons, kRecords * kMostForEach)
           << "family " << &family - families << (from_the_last ? ", from the last" : "");
+    }
+  }
+}
+
+TEST_F(Walks, ByKeyAreThoseOfTheNestedScan) {
+  for (int round = 0; round < 3000; ++round) {
+    const auto primary = keys(), secondary = keys();
+    const auto key_in = [](const std::vector<std::string>& list) {
+      return [&list](std::int32_t number) { return MatchKey{.text = list[static_cast<std::size_t>(number - 1)]}; };
+    };
+    const auto same = [&](std::int32_t one, std::int32_t other) {
+      return key_in(primary)(one) == key_in(secondary)(other);
+    };
+    const auto count = static_cast<std::int32_t>(primary.size()), others = static_cast<std::int32_t>(secondary.size());
+    for (const PartnerFrom from : {PartnerFrom::kWorkingList, PartnerFrom::kWholeList}) {
+      std::vector<Row> rows;
+      ByKey policy(key_in(primary), key_in(secondary), others, from);
+      walk(count, policy, RowLog{rows});
+      ASSERT_EQ(rows, nested_scan(count, others, same, same, from == PartnerFrom::kWholeList)) << "round " << round;
     }
   }
 }
