@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <iomanip>
+#include <optional>
 
 #include "host/commands.h"
 #include "host/json.h"
+#include "host/old_format.h"
 #include "host/part_reports.h"
 #include "platform/files/path.h"
 #include "text/utf8.h"
@@ -31,6 +33,16 @@ bool read_whole(Machine& machine, TarvelVtrOut_InOut& utility, const std::string
              " can't be compared: see `vtrout info`, and `vtrout recover` for what can be saved");
   }
   return status == kFine;
+}
+
+// Which parts can be compared; nothing when the documents can't be read whole.
+std::optional<PartSelection> read_both(Machine& machine, TarvelVtrOut_InOut& utility, const ComparisonTask& task) {
+  OldFormat old_format;
+  for (const auto& [file, is_secondary] : {std::pair(task.primary, False), {task.secondary, True}}) {
+    if (!read_whole(machine, utility, file, is_secondary)) return {};
+    old_format.look_at(file, utility);
+  }
+  return old_format.select(task.parts, !task.workbook.empty());
 }
 
 void print_table(std::ostream& out, const std::vector<PartResult>& results) {
@@ -65,34 +77,40 @@ Json to_json(const PartResult& result) {
            {{"primary", to_json(result.repeated_in_primary)}, {"secondary", to_json(result.repeated_in_secondary)}}}};
 }
 
-void print_json(const ComparisonTask& task, const std::vector<PartResult>& results, ExitStatus status) {
+void print_json(const ComparisonTask& task, const std::vector<PartResult>& results,
+                const std::vector<std::string>& left_out, ExitStatus status) {
   Json parts = Json::object();
   for (const PartResult& result : results) parts[result.name] = to_json(result);
   const Json whole = {{"primary", task.primary},
                       {"secondary", task.secondary},
                       {"different", std::ranges::any_of(results, &PartResult::different)},
                       {"workbook", task.workbook.empty() || status == kTrouble ? Json() : Json(task.workbook)},
-                      {"parts", parts}};
-  show_json(whole);
+                      {"parts", parts},
+                      {"notCompared", left_out}};
+  show_json("compare", whole);
 }
 
 }  // namespace
 
 ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
-  if (!can_name_reports(task.primary)) return kTrouble;
+  if (!task.summary && !can_name_reports(task.primary)) return kTrouble;
   const Output output = task.summary ? Output::kNone : task.workbook.empty() ? Output::kFiles : Output::kHeld;
   Machine machine(settings, output);
   TarvelVtrOut_InOut utility(machine.services()), primary_alone(machine.services());
-  if (!read_whole(machine, utility, task.primary, False) || !read_whole(machine, utility, task.secondary, True)) {
+  const auto parts = read_both(machine, utility, task);
+  if (!parts) return kTrouble;
+  if (parts->compared.empty()) {
+    if (task.json) print_json(task, {}, parts->left_out, kTrouble);
     return kTrouble;
   }
-  PartReports reports(machine, task.parts, task.workbook);
+  PartReports reports(machine, parts->compared, task.workbook);
   // Colouring asks for the primary document as the one last read.
   const bool colors = task.color && !task.workbook.empty();
   if (colors && !read_whole(machine, primary_alone, task.primary, False)) return kTrouble;
   machine.speak_of(task.primary);  // whose name the reports bear
 
   std::u16string primary = platform::class_path(task.primary), secondary = platform::class_path(task.secondary);
+  if (task.summary) primary = secondary = u"summary.vtr";  // no report bears the name, and not every file's makes one
   const PartOperation comparing{
       .doing = "Comparing",
       .what = "comparison of",
@@ -114,9 +132,10 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
       });
   if (!task.workbook.empty()) std::ranges::reverse(results);
   if (status == kFine && std::ranges::any_of(results, &PartResult::different)) status = kRemarkable;
+  if (!parts->left_out.empty()) status = kTrouble;
   if (task.json) {
-    print_json(task, results, status);
-  } else {
+    print_json(task, results, parts->left_out, status);
+  } else if (task.summary || !settings.quiet) {
     print_table(task.summary ? std::cout : std::cerr, results);
   }
   return status;
