@@ -159,5 +159,6 @@ Print add_reading(const std::filesystem::path& folder);
 Print add_matching(const std::filesystem::path& folder);
 Print add_comparing(const std::filesystem::path& folder);
 Print add_workbooks(const std::filesystem::path& folder);
+Print add_startup();
 
 }  // namespace trvtrout::bench

@@ -1,8 +1,10 @@
 #include <algorithm>
 #include <iomanip>
+#include <optional>
 
 #include "host/commands.h"
 #include "host/json.h"
+#include "host/old_format.h"
 #include "host/part_reports.h"
 #include "platform/files/path.h"
 #include "text/utf8.h"
@@ -47,6 +49,16 @@ bool read_whole(Machine& machine, TarvelVtrOut_InOut& utility, const std::string
   return status == kFine;
 }
 
+// Which parts can be compared; nothing when the documents can't be read whole.
+std::optional<PartSelection> read_both(Machine& machine, TarvelVtrOut_InOut& utility, const ComparisonTask& task) {
+  OldFormat old_format;
+  for (const auto& [file, is_secondary] : {std::pair(task.primary, False), {task.secondary, True}}) {
+    if (!read_whole(machine, utility, file, is_secondary)) return {};
+    old_format.look_at(file, utility);
+  }
+  return old_format.select(task.parts, !task.workbook.empty());
+}
+
 void print_table(std::ostream& out, const std::vector<PartResult>& results) {
   constexpr int kNameWidth = 10, kNumberWidth = 11;
   out << std::left << std::setw(kNameWidth) << "part" << std::right;
@@ -79,21 +91,48 @@ Json to_json(const PartResult& result) {
            {{"primary", to_json(result.repeated_in_primary)}, {"secondary", to_json(result.repeated_in_secondary)}}}};
 }
 
-void print_json(const ComparisonTask& task, const std::vector<PartResult>& results, ExitStatus status) {
+void print_json(const ComparisonTask& task, const std::vector<PartResult>& results,
+                const std::vector<std::string>& left_out, ExitStatus status) {
   Json parts = Json::object();
   for (const PartResult& result : results) parts[result.name] = to_json(result);
   const Json whole = {{"primary", task.primary},
                       {"secondary", task.secondary},
                       {"different", std::ranges::any_of(results, &PartResult::different)},
                       {"workbook", task.workbook.empty() || status == kTrouble ? Json() : Json(task.workbook)},
-                      {"parts", parts}};
-  show_json(whole);
+                      {"parts", parts},
+                      {"notCompared", left_out}};
+  show_json("compare", whole);
+}
+
+bool colors_labels(const ComparisonTask& task) { return task.color && !task.workbook.empty(); }
+
+// `utility` has read both documents; colouring asks for the primary one as the one last read. All must outlive it.
+PartOperation comparing(Machine& machine, const ComparisonTask& task, TarvelVtrOut_InOut& utility,
+                        TarvelVtrOut_InOut& primary_alone) {
+  // No report bears the names that are only counted under, and not every file's makes one.
+  const auto fname = [&](const std::string& file) {
+    return task.summary ? u"summary.vtr" : platform::class_path(file);
+  };
+  return {.doing = "Comparing",
+          .what = "comparison of",
+          .write =
+              [&, primary = fname(task.primary), secondary = fname(task.secondary)](const Part& part,
+                                                                                    std::u16string& report) mutable {
+                // The class asks about this name first, and writes nothing under it.
+                machine.reports().pass_over(names_for(task, task.secondary).path(machine, part));
+                return (utility.*part.compare)(primary, secondary, report);
+              },
+          .move =
+              [&](const Part& part, const std::u16string& workbook, const std::u16string& report) {
+                return utility.XL_Output_Compared(workbook, report, std::u16string(part.sheet.name), &primary_alone,
+                                                  &utility, colors_labels(task) ? True : False);
+              }};
 }
 
 }  // namespace
 
 ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
-  if (!can_name_reports(task.primary)) return kTrouble;
+  if (!task.summary && !can_name_reports(task.primary)) return kTrouble;
   const Output output = task.summary ? Output::kNone : task.workbook.empty() ? Output::kFiles : Output::kHeld;
   Machine machine(settings, output);
   if (output == Output::kFiles && !can_place_reports(machine, names_for(task, task.primary), task.parts)) {
@@ -101,40 +140,28 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
   }
   TarvelVtrOut_InOut utility(machine.services()), primary_alone(machine.services());
   utility.SetReportFolder(platform::class_path(task.output_dir));
-  if (!read_whole(machine, utility, task.primary, False) || !read_whole(machine, utility, task.secondary, True)) {
+  const auto parts = read_both(machine, utility, task);
+  if (!parts) return kTrouble;
+  if (parts->compared.empty()) {
+    if (task.json) print_json(task, {}, parts->left_out, kTrouble);
     return kTrouble;
   }
-  PartReports reports(machine, task.parts, task.workbook);
-  // Colouring asks for the primary document as the one last read.
-  const bool colors = task.color && !task.workbook.empty();
-  if (colors && !read_whole(machine, primary_alone, task.primary, False)) return kTrouble;
+  PartReports reports(machine, parts->compared, task.workbook);
+  if (colors_labels(task) && !read_whole(machine, primary_alone, task.primary, False)) return kTrouble;
   machine.speak_of(task.primary);  // whose name the reports bear
 
-  std::u16string primary = platform::class_path(task.primary), secondary = platform::class_path(task.secondary);
-  const PartOperation comparing{
-      .doing = "Comparing",
-      .what = "comparison of",
-      .write =
-          [&](const Part& part, std::u16string& report) {
-            // The class asks about this name first, and writes nothing under it.
-            machine.reports().pass_over(names_for(task, task.secondary).path(machine, part));
-            return (utility.*part.compare)(primary, secondary, report);
-          },
-      .move =
-          [&](const Part& part, const std::u16string& workbook, const std::u16string& report) {
-            return utility.XL_Output_Compared(workbook, report, std::u16string(part.sheet.name), &primary_alone,
-                                              &utility, colors ? True : False);
-          }};
   std::vector<PartResult> results;
+  const PartOperation operation = comparing(machine, task, utility, primary_alone);
   ExitStatus status = reports.run(
-      utility, comparing, output, !task.json, [&](const Part& part, const std::u16string& report, bool whole) {
+      utility, operation, output, !task.json, [&](const Part& part, const std::u16string& report, bool whole) {
         results.push_back(result_of(utility, part, output == Output::kFiles ? report : u"", whole, task.json));
       });
   if (!task.workbook.empty()) std::ranges::reverse(results);
   if (status == kFine && std::ranges::any_of(results, &PartResult::different)) status = kRemarkable;
+  if (!parts->left_out.empty()) status = kTrouble;
   if (task.json) {
-    print_json(task, results, status);
-  } else {
+    print_json(task, results, parts->left_out, status);
+  } else if (task.summary || !settings.quiet) {
     print_table(task.summary ? std::cout : std::cerr, results);
   }
   return status;

@@ -105,7 +105,7 @@ void print_json(const TarvelVtrOut_InOut& utility, Locale& locale, const std::st
                       {"header", to_json(header_texts(*document.Header), locale)},
                       {"product", to_json(product_texts(document.Schema->Product), locale)},
                       {"lists", lists}};
-  show_json(whole);
+  show_json("info", whole);
 }
 
 }  // namespace

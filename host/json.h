@@ -23,8 +23,11 @@ inline Json gaps_json(const std::vector<vtrfile::Gap>& gaps) {
   return all;
 }
 
-// To stdout. A file's name can hold bytes that are no UTF-8.
-inline void show_json(const Json& whole) {
+// To stdout, with the head of each form in front: which subcommand's it is, and its version. A file's name can hold
+// bytes that are no UTF-8.
+inline void show_json(const std::string& subcommand, const Json& content) {
+  Json whole = {{"form", "vtrout-" + subcommand}, {"version", 1}};
+  whole.update(content);
   std::cout << whole.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 

@@ -1,5 +1,7 @@
 #include "host/machine.h"
 
+#include <cstdlib>
+#include <string_view>
 #include <unistd.h>
 
 #include "host/document_kind.h"
@@ -17,7 +19,12 @@ bool person_is_there() { return isatty(STDIN_FILENO) != 0 && isatty(STDERR_FILEN
 // Puts the cursor on an empty line of the terminal.
 constexpr const char* kEraseLine = "\r\033[K";
 
-const char* line_start() { return isatty(STDERR_FILENO) != 0 ? kEraseLine : ""; }
+bool can_erase() {
+  const char* const terminal = std::getenv("TERM");
+  return isatty(STDERR_FILENO) != 0 && terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb";
+}
+
+const char* line_start() { return can_erase() ? kEraseLine : ""; }
 
 }  // namespace
 
@@ -33,10 +40,10 @@ void complain(const std::string& line) {
   std::cerr << line_start() << "vtrout: " << platform::printable_line(text::from_utf8(line)) << '\n';
 }
 
-Progress::Progress() : on_terminal_(isatty(STDERR_FILENO) != 0) {}
+Progress::Progress() : has_line_(!is_off_ && can_erase()) {}
 
 void Progress::show(const std::string& doing) {
-  if (!on_terminal_ || (doing.empty() && !shown_)) return;
+  if (!has_line_ || (doing.empty() && !shown_)) return;
   std::cerr << kEraseLine << platform::printable_line(text::from_utf8(doing)) << std::flush;
   shown_ = !doing.empty();
 }

@@ -27,6 +27,7 @@ enum ExitStatus : int {
 struct Settings {
   int code_page = 1252;
   platform::Overwrite overwrite = platform::Overwrite::kAsk;
+  bool quiet = false;  // errors and questions alone on stderr
 };
 
 // What becomes of the texts that operations write: files, nothing (only the results count), or texts in memory
@@ -67,9 +68,13 @@ class Machine {
 // One line on stderr, with the program's name in front.
 void complain(const std::string& line);
 
-// What the host is doing, on one line of the terminal that each call replaces; nothing where stderr is no terminal.
+// What the host is doing, on one line of the terminal that each call replaces; nothing where stderr is no terminal, or
+// one that can't erase a line.
 class Progress {
  public:
+  // From now on none is shown.
+  static void turn_off() { is_off_ = true; }
+
   Progress();
   ~Progress() { show({}); }
   Progress(const Progress&) = delete;
@@ -77,7 +82,8 @@ class Progress {
   void show(const std::string& doing);
 
  private:
-  bool on_terminal_;
+  static inline bool is_off_ = false;
+  bool has_line_;
   bool shown_ = false;
 };
 

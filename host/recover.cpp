@@ -144,18 +144,18 @@ void print_json(const RecoveryTask& task, const Written& written, const Recovery
   Json parts = Json::object();
   for (const KeptPart& part : account.parts) parts[std::string(part.name)] = to_json(part);
   const auto& damage = utility.LastDamage();
-  show_json({{"file", task.file},
-             {"output", written.output},
-             {"log", task.log.empty() || !written.log_failure.empty() ? Json() : Json(task.log)},
-             {"nothingLost", account.nothing_lost},
-             {"damage", damage ? damage_json(*damage) : Json()},
-             {"gaps", gaps_json(utility.LastRead().gaps)},
-             {"bytes", account.bytes},
-             {"bytesKept", account.kept},
-             {"keptAtMost", account.kept_at_most},
-             {"bytesBehindEnd", account.behind_end},
-             {"parts", parts},
-             {"message", text::to_utf8(written.message)}});
+  show_json("recover", {{"file", task.file},
+                        {"output", written.output},
+                        {"log", task.log.empty() || !written.log_failure.empty() ? Json() : Json(task.log)},
+                        {"nothingLost", account.nothing_lost},
+                        {"damage", damage ? damage_json(*damage) : Json()},
+                        {"gaps", gaps_json(utility.LastRead().gaps)},
+                        {"bytes", account.bytes},
+                        {"bytesKept", account.kept},
+                        {"keptAtMost", account.kept_at_most},
+                        {"bytesBehindEnd", account.behind_end},
+                        {"parts", parts},
+                        {"message", text::to_utf8(written.message)}});
 }
 
 // Reads the file; false when there is nothing in it to recover, of which the user has been told.
@@ -218,13 +218,13 @@ class NewFiles {
 };
 
 void tell(const RecoveryTask& task, const Written& written, const RecoveryAccount& account,
-          const TarvelVtrOut_InOut& utility) {
+          const TarvelVtrOut_InOut& utility, bool quiet) {
   if (utility.LastDamage()) complain(task.file + ": " + damage_text(*utility.LastDamage()));
   if (!written.log_failure.empty()) complain(written.output + " was written; the log wasn't: " + written.log_failure);
   if (task.json) {
     print_json(task, written, account, utility);
   } else {
-    print(account);
+    if (!quiet) print(account);
     std::cout << written.output << std::endl;
   }
 }
@@ -262,7 +262,7 @@ ExitStatus recover(const Settings& settings, const RecoveryTask& task) {
   progress.show({});
 
   const RecoveryAccount account = account_for_recovery(before, utility.CurrentSlots(), utility.LastRead(), *sizes);
-  tell(task, {output, log_failure, message}, account, utility);
+  tell(task, {output, log_failure, message}, account, utility, settings.quiet);
   return account.nothing_lost && log_failure.empty() ? kFine : kRemarkable;
 }
 

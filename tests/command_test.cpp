@@ -304,7 +304,162 @@ TEST_F(Command, HelpOpensWithExamples) {
   EXPECT_EQ(help.status, 0);
   EXPECT_TRUE(help.out.starts_with("Examples:\n  vtrout ")) << help.out;
   EXPECT_EQ(vtrout("--version").out.substr(0, 7), "vtrout ");
-  EXPECT_EQ(vtrout("").status, 2);
+  EXPECT_EQ(vtrout("help").out, help.out);
+
+  const Outcome none = vtrout("");
+  EXPECT_EQ(none.status, 2);
+  EXPECT_EQ(none.out, "");
+  for (const char* name : {"info", "report", "compare", "recover", "statistics"}) {
+    EXPECT_NE(none.err.find("\n  " + std::string(name) + ' '), std::string::npos) << none.err;
+    const Outcome own = vtrout("help " + std::string(name));
+    EXPECT_EQ(own.status, 0);
+    EXPECT_EQ(own.out, vtrout(name + std::string(" --help")).out);
+    const auto own_lines = lines(own.out);
+    const std::string example = "  vtrout " + std::string(name) + ' ';
+    EXPECT_EQ(std::ranges::count_if(own_lines, [&](const auto& line) { return line.starts_with(example); }), 2)
+        << own.out;
+    EXPECT_NE(own.out.find("\nExit status:\n  0  "), std::string::npos) << own.out;
+  }
+}
+
+TEST_F(Command, WhatIsMistypedIsNamedWithTheNearest) {
+  put("p.vtr", sample("plant.vtr"));
+  const std::pair<const char*, const char*> cases[] = {
+      {"compair p.vtr p.vtr", "there is no subcommand \"compair\"; did you mean compare?"},
+      {"rec p.vtr", "there is no subcommand \"rec\"; did you mean recover?"},
+      {"help inof", "there is no subcommand \"inof\"; did you mean info?"},
+      {"frobnicate p.vtr", "there is no subcommand \"frobnicate\""},
+      {"'' p.vtr", "there is no subcommand \"\""},
+      {"compare p.vtr p.vtr --sumary", "there is no option \"--sumary\"; did you mean --summary?"},
+      {"info --jsno=1 p.vtr", "there is no option \"--jsno\"; did you mean --json?"},
+      {"--yes report p.vtr", "there is no option \"--yes\""},
+      {"report p.vtr --part tabel", "there is no part \"tabel\"; did you mean table?"},
+      {"report p.vtr --part x",
+       "there is no part \"x\"; the parts are product, table, field, tree, lookup, ctrltag, lang, dsend"},
+      {"info p.vtr p.vtr", "\"p.vtr\" is one argument too many"},
+      {"compare p.vtr", "SECONDARY is required; see vtrout help compare"},
+  };
+  for (const auto& [arguments, told] : cases) {
+    EXPECT_EQ(expect_refused(std::string("vtrout ") + arguments, told).err, std::string("vtrout: ") + told + "\n");
+  }
+}
+
+// The class would take the one in a name for the end of a folder's.
+TEST_F(Command, NoPathHasABackslash) {
+  put("p.vtr", sample("plant.vtr"));
+  put("a\\b.vtr", sample("plant.vtr"));
+  for (const char* arguments :
+       {"info 'a\\b.vtr'", "report 'a\\b.vtr'", "compare p.vtr 'a\\b.vtr'", "compare 'a\\b.vtr' p.vtr",
+        "recover 'a\\b.vtr'", "recover p.vtr --output 'a\\b.vtr'", "recover p.vtr --log 'a\\b.vtr'",
+        "report p.vtr --workbook 'a\\b.vtr'", "statistics 'a\\b.vtr' r.csv S", "statistics w.xls 'a\\b.vtr' S"}) {
+    EXPECT_EQ(expect_refused(std::string("vtrout ") + arguments, "").err,
+              "vtrout: a\\b.vtr: a path can't contain a backslash; rename the file or its folder\n");
+  }
+}
+
+TEST_F(Command, AReaderThatHasSeenEnoughIsNoTrouble) {
+  put("p.vtr", sample("plant.vtr"));
+  const Outcome gone =
+      shell("(sleep 0.2; vtrout info p.vtr; echo $? >status) | true; while [ ! -s status ]; do sleep 0.1; done");
+  EXPECT_EQ(gone.err, "");
+  EXPECT_EQ(get("status"), "141\n");
+  const Outcome full = shell("vtrout info p.vtr >/dev/full");
+  EXPECT_EQ(full.status, 2);
+  EXPECT_NE(full.err.find("the output can't be written"), std::string::npos) << full.err;
+}
+
+TEST_F(Command, QuietLeavesErrorsAlone) {
+  put("a.vtr", sample("plant.vtr"));
+  put("b.vtr", sample("plant-next.vtr"));
+  for (const char* arguments : {"compare a.vtr b.vtr --yes --quiet", "recover a.vtr --output new.vtr -q"}) {
+    const Outcome run = vtrout(arguments);
+    EXPECT_EQ(run.err, "") << arguments;
+    EXPECT_NE(run.out, "") << arguments;
+  }
+  EXPECT_EQ(lines(vtrout("info -q missing.vtr").err).size(), 1U);
+}
+
+// What a terminal is sent, which has both outputs.
+TEST_F(Command, ATerminalIsToldWhatGoesOn) {
+  put("p.vtr", sample("plant.vtr"));
+  put("~tmpp_Tree.CSV", "mine");
+  put("~tmpp_Lang.CSV", "mine");
+  const auto terminal = [&](const std::string& kind, const std::string& options) {
+    return shell("printf 'a\\n' | TERM=" + kind + " script -qec 'vtrout report p.vtr --temporary " + options +
+                 "' /dev/null")
+        .out;
+  };
+  const std::string shown = terminal("xterm", "--part tree --part lang");
+  EXPECT_NE(shown.find("\033[KReading p.vtr"), std::string::npos) << shown;
+  EXPECT_EQ(shown.find("yes to [a]ll"), shown.rfind("yes to [a]ll")) << shown;
+  EXPECT_NE(shown.find("yes to [a]ll"), std::string::npos) << shown;
+  for (const char* name : {"~tmpp_Tree.CSV", "~tmpp_Lang.CSV"}) EXPECT_NE(get(name), "mine");
+
+  const std::string dumb = terminal("dumb", "--part tree");
+  EXPECT_EQ(dumb.find('\033'), std::string::npos) << dumb;
+  EXPECT_NE(dumb.find("yes to [a]ll"), std::string::npos) << dumb;
+  EXPECT_EQ(terminal("xterm", "--part tree --yes -q").find("Reading"), std::string::npos);
+}
+
+// Of a file in the old format the schema alone reaches a comparison.
+TEST_F(Command, WhatTheOldFormatKeepsFromAComparisonIsntCalledTheSame) {
+  put("old.vtr", sample("plant-old-format.vtr"));
+  put("new.vtr", sample("plant.vtr"));
+  const std::string told =
+      "vtrout: old.vtr: the old format, 01.00.00, doesn't let product (include files, modules), tree, ctrltag, lang "
+      "and dsend be compared; `vtrout recover` makes a current file of such a one";
+  for (const char* files : {"old.vtr new.vtr", "new.vtr old.vtr", "old.vtr old.vtr"}) {
+    const Outcome run = vtrout(std::string("compare --summary ") + files);
+    EXPECT_EQ(run.status, 2) << files;
+    EXPECT_EQ(run.err, told + "\n") << files;
+    EXPECT_EQ(lines(run.out).size(), 4U) << run.out;
+    EXPECT_EQ(vtrout(std::string("compare --summary --part table --part field --part lookup ") + files).status, 0);
+  }
+  const Outcome programs = vtrout("compare --json old.vtr new.vtr --part table --part lang");
+  EXPECT_EQ(programs.status, 2);
+  const auto account = nlohmann::json::parse(programs.out);
+  EXPECT_EQ(account["notCompared"], nlohmann::json({"lang"}));
+  EXPECT_EQ(account["parts"].size(), 1U);
+  EXPECT_FALSE(fs::exists(at("~tmpold_Language_Compared.CSV")));
+
+  // All sheets or none.
+  expect_refused("vtrout compare old.vtr new.vtr --workbook w.xlsx", "so nothing was");
+  EXPECT_EQ(vtrout("compare old.vtr new.vtr --part table --workbook w.xlsx").status, 0);
+
+  EXPECT_EQ(vtrout("recover old.vtr --output current.vtr").status, 0);
+  EXPECT_EQ(vtrout("compare current.vtr new.vtr --summary --part tree --part dsend").status, 0);
+}
+
+TEST_F(Command, EachJsonFormSaysWhichItIs) {
+  put("p.vtr", sample("plant.vtr"));
+  for (const char* arguments : {"info p.vtr", "compare p.vtr p.vtr --summary", "recover p.vtr --output new.vtr"}) {
+    const std::string form = std::string(arguments).substr(0, std::string(arguments).find(' '));
+    const Outcome run = vtrout(arguments + std::string(" --json"));
+    EXPECT_TRUE(run.out.starts_with("{\n  \"form\": \"vtrout-" + form + "\",\n  \"version\": 1,\n")) << run.out;
+  }
+}
+
+// Nothing is written under a name, so any file will do.
+TEST_F(Command, ASummaryNeedsNoNames) {
+  put("first", sample("plant.vtr"));
+  put("second", sample("plant-next.vtr"));
+  put("~tmpsummary_Tree_Compared.CSV", "mine");
+  const Outcome run = vtrout("compare first second --summary");
+  EXPECT_EQ(run.status, 1) << run.err;
+  EXPECT_EQ(run.err, "");
+  EXPECT_EQ(files().size(), 3U);
+}
+
+// What it brings along takes longer to load than most commands take to run.
+TEST_F(Command, TheZipLibraryIsLoadedForPackagesAlone) {
+  put("p.vtr", sample("plant.vtr"));
+  const auto loads_it = [&](const std::string& arguments) {
+    return shell("LD_DEBUG=libs vtrout " + arguments).err.find("libzip") != std::string::npos;
+  };
+  for (const char* arguments : {"info p.vtr", "compare p.vtr p.vtr --summary", "report p.vtr --workbook w.xls"}) {
+    EXPECT_FALSE(loads_it(arguments)) << arguments;
+  }
+  EXPECT_TRUE(loads_it("report p.vtr --workbook w.xlsx"));
 }
 
 TEST_F(Command, AFullDiskIsToldAndTheOtherReportsAreStillWritten) {

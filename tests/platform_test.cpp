@@ -250,13 +250,21 @@ TEST(Console, QuestionIsAnsweredByPolicyOrByAPerson) {
     EXPECT_EQ(message_box.Show(u"two\r\nlines", MessageButtons::kOk, u"Title"), MessageAnswer::kOk);
     EXPECT_EQ(out.str(), shown + "Title: two lines\n");
   };
-  const std::string asked = "x exists. [y]es, [n]o (name another file), [c]ancel: ";
+  const std::string asked = "x exists. [y]es, yes to [a]ll, [n]o (name another file), [c]ancel: ";
   check(kYes, true, "c\n", MessageAnswer::kYes, "");
   check(kNever, true, "y\n", MessageAnswer::kCancel, "x exists. Not overwritten (--no-clobber).\n");
   check(kAsk, false, "y\n", MessageAnswer::kCancel, "x exists. Not overwritten: use --yes to overwrite.\n");
   check(kAsk, true, " Yes\n", MessageAnswer::kYes, asked);
   check(kAsk, true, "\nmaybe\nN\n", MessageAnswer::kNo, asked + asked + asked);
   check(kAsk, true, "q\n", MessageAnswer::kCancel, asked + asked + "\n");
+
+  std::istringstream in("a\nc\n");
+  std::ostringstream out;
+  ConsoleMessageBox message_box(kAsk, in, out, true);
+  for (int question = 0; question < 3; ++question) {
+    EXPECT_EQ(message_box.Show(u"x exists.", MessageButtons::kYesNoCancel, {}), MessageAnswer::kYes);
+  }
+  EXPECT_EQ(out.str(), asked) << "one answer for all";
 }
 
 TEST(Console, SaveDialogNeverOverwritesUnasked) {
@@ -276,6 +284,7 @@ TEST(Console, SaveDialogNeverOverwritesUnasked) {
   check("out/old.csv\ny\n", u"out\\old.csv");
   check("out/old.csv\nn\nother.csv\n", u"other.csv");
   check("out/old.csv\n", u"");
+  check("out\\old.csv\nnew.csv\n", u"new.csv");
 }
 
 TEST(CodePages, EveryByteStringComesBack) {

@@ -40,7 +40,11 @@ MessageAnswer ConsoleMessageBox::answer(const std::string& question) {
          << std::flush;
     return MessageAnswer::kCancel;
   }
-  switch (ask_letter(in_, out_, line_start_ + question + " [y]es, [n]o (name another file), [c]ancel: ", "ync")) {
+  switch (ask_letter(in_, out_,
+                     line_start_ + question + " [y]es, yes to [a]ll, [n]o (name another file), [c]ancel: ", "yanc")) {
+    case 'a':
+      overwrite_ = Overwrite::kYes;
+      return MessageAnswer::kYes;
     case 'y':
       return MessageAnswer::kYes;
     case 'n':

@@ -13,6 +13,7 @@ namespace trvtrout::platform {
 enum class Overwrite { kAsk, kYes, kNever };
 
 // Message boxes as lines of a terminal. Without a person at it (`interactive` false) kAsk overwrites nothing.
+// The answer "all" stands for kYes from then on.
 class ConsoleMessageBox : public MessageBox {
  public:
   // `line_start` goes out in front of each message: what clears the line where something may stand already.

@@ -47,6 +47,10 @@ std::string ConsoleSaveDialog::question() const {
 }
 
 bool ConsoleSaveDialog::may_be_written(const std::string& path) {
+  if (!has_class_path(path)) {
+    out_ << printable(text::from_utf8(path)) << ": " << kNoClassPath << '\n';
+    return false;
+  }
   const std::u16string name = class_path(path);
   if (!files_.CreateFileSystemObject()->FileExists(name)) return true;
   return ask_letter(in_, out_, printable(text::from_utf8(path)) + " exists. Overwrite it? [y/n] ", "yn") == 'y';

@@ -5,9 +5,9 @@
 #include <exception>
 #include <optional>
 #include <utility>
-#include <zip.h>
 
 #include "spreadsheet/opc/xml_part.h"
+#include "spreadsheet/opc/zip_library.h"
 #include "spreadsheet/opc/zip_splice.h"
 #include "spreadsheet/workbook_file.h"
 
