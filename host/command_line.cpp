@@ -66,10 +66,22 @@ CLI::Option* add_file(CLI::App& command, const char* name, std::string& file, co
   });
 }
 
-CLI::Option* add_workbook(CLI::App& command, std::string& workbook) {
-  return add_file(
-      command, "--workbook", workbook,
-      "Put each part into a sheet of this .xls or .xlsx file, which is created if needed; asks no questions");
+CLI::Option* add_wait(CLI::App& command, Settings& settings) {
+  constexpr unsigned kDay = 86400;
+  return command
+      .add_option("--wait", settings.wait_seconds, "Wait up to SECONDS for a workbook that another run holds")
+      ->option_text("SECONDS")
+      ->check(CLI::Range(0U, kDay));
+}
+
+CLI::Option* add_workbook(CLI::App& command, std::string& workbook, Settings& settings) {
+  auto* const option =
+      add_file(command, "--workbook", workbook,
+               "Put each part into a sheet of this .xls or .xlsx file, which is created if needed; asks no questions");
+  command.add_flag("--replace-sheets", settings.replace_sheets, "Exchange the sheets of earlier runs in the workbook")
+      ->needs(option);
+  add_wait(command, settings)->needs(option);
+  return option;
 }
 
 void add_info(CLI::App& app, Request& request) {
@@ -90,7 +102,7 @@ void add_report(CLI::App& app, Request& request) {
       command.add_flag("--temporary", task.temporary, "Use the temporary name, which has no date in it");
   add_overwrite(command, request.settings);
   add_code_page(command, request.settings);
-  add_workbook(command, task.workbook)->excludes(temporary);
+  add_workbook(command, task.workbook, request.settings)->excludes(temporary);
   command.callback([&request] { request.status = report(request.settings, request.report); });
 }
 
@@ -102,7 +114,7 @@ void add_compare(CLI::App& app, Request& request) {
   add_operand(command, "SECONDARY", task.secondary, "The VTR file that came after it");
   add_parts(command, task.parts);
   auto* const summary = command.add_flag("--summary", task.summary, "Write no files, only print the counts");
-  auto* const workbook = add_workbook(command, task.workbook)->excludes(summary);
+  auto* const workbook = add_workbook(command, task.workbook, request.settings)->excludes(summary);
   command.add_flag("!--no-color", task.color, "Don't colour the labels in the workbook")->needs(workbook);
   add_json(command, task.json, "The counts for programs");
   add_overwrite(command, request.settings);
@@ -131,6 +143,7 @@ void add_statistics(CLI::App& app, Request& request) {
   add_operand(command, "REPORT", task.report, "A comma-separated text whose name ends in .csv");
   add_operand(command, "SHEET", task.sheet_name, "Name of the new sheet");
   add_code_page(command, request.settings);
+  add_wait(command, request.settings);
   command.callback([&request] { request.status = statistics(request.settings, request.statistics); });
 }
 

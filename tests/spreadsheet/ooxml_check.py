@@ -33,6 +33,7 @@ def decoded(content):
 def unchanged(part, text):
     """The text of a part without what a new sheet adds, and with positions masked."""
     if part == "xl/workbook.xml":
+        text = re.sub(r'<(\w+:)?calcPr />|<(\w+:)?calcPr/>', "", re.sub(r""" fullCalcOnLoad=["'](1|True)["']""", "", text))
         text = re.sub(rf'<(\w+:)?sheet [^<]*name="{NAME}"[^<]*/>', "", text)
         text = re.sub(rf"""<(\w+:)?definedName name="_xlnm._FilterDatabase" localSheetId="\d+" hidden="1">'{NAME}'"""
                       r"!\$A\$1:\$A\$3</(\w+:)?definedName>", "", text)
