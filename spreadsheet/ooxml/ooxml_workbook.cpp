@@ -1,6 +1,7 @@
 #include "spreadsheet/ooxml/ooxml_workbook.h"
 
 #include <algorithm>
+#include <optional>
 #include <unordered_set>
 #include <utility>
 
@@ -81,6 +82,18 @@ std::unique_ptr<PartStream> without_selection(const Package& package, const std:
   throw WorkbookError("its part '" + name +
                       "' has too much in front of its cells; open the workbook in a spreadsheet " +
                       "program and save it again");
+}
+
+// One program trusts the results beside formulas, whatever the workbook asks for, where a program that it knows is
+// named as the one that saved it last.
+std::optional<PartChange> without_saved_by(const Package& package) {
+  const Relations relations(package, {});
+  const Relation* const properties = relations.first("extended-properties");
+  if (properties == nullptr || !package.has(properties->target)) return std::nullopt;
+  XmlPart part(properties->target, package.read(properties->target));
+  for (const auto program : part.children(part.root(), "Application")) part.remove(program);
+  if (!part.is_changed()) return std::nullopt;
+  return PartChange{part.name(), text_stream(part.changed_text())};
 }
 
 class OoxmlWorkbook : public WorkbookFile {
@@ -221,6 +234,7 @@ std::string OoxmlWorkbook::with_content(std::size_t position, const Sheet& sheet
   workbook.exchange_content(sheet, position);
   changes.push_back(
       {relations.target(workbook.sheet_relation(position)), sheet_stream(sheet, std::move(formats), std::move(frame))});
+  if (auto properties = without_saved_by(package_)) changes.push_back(std::move(*properties));
   // What the old content had as well stays as it's stored.
   PartChange others[] = {styles.change(), workbook.change(), relations.change(), types.change()};
   for (PartChange& change : others) {
