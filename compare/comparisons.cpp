@@ -2,6 +2,7 @@
 
 #include <map>
 
+#include "compare/row_labels.h"
 #include "services/guard.h"
 
 namespace trvtrout {
@@ -9,7 +10,7 @@ namespace {
 
 void write_head(ReportWriter& out, const ComparedDocuments& documents) {
   Locale& locale = out.locale();
-  out.line(",Compared Statistic for files: ," + locale.Encode(documents.primary_fname));
+  out.line(',' + std::string(kComparisonTitle) + ',' + locale.Encode(documents.primary_fname));
   out.line(",," + locale.Encode(documents.secondary_fname));
   out.line(",Date and time created:," + out.present_moment());
   out.gap();

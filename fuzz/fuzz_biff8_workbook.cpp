@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "spreadsheet/biff8/biff8_workbook.h"
 #include "spreadsheet/biff8/compound_file.h"
@@ -30,9 +31,26 @@ std::string wrapped(std::string stream) {
   return biff8::compound_file_of(u"Workbook", stream);
 }
 
+// Each sheet that can be exchanged has a text in one of its first cells.
+void exchange_all(const std::string& bytes) {
+  const std::vector<SheetMark> marks = {{0, ""}, {1, ""}, {2, ""}};
+  const auto book = open_biff8(bytes);
+  const std::vector<std::string> names = book->sheet_names();
+  for (std::size_t place = 0; place < std::min<std::size_t>(names.size(), 4); ++place) {
+    std::string after;
+    try {
+      after = book->with_content(place, small_sheet(), marks);
+    } catch (const WorkbookError&) {
+      continue;
+    }
+    if (open_biff8(after)->sheet_names() != names) std::abort();
+  }
+}
+
 }  // namespace
 
-// Any bytes as a workbook, and as the stream in one: refused, or given a sheet such that it opens again with one more.
+// Any bytes as a workbook, and as the stream in one: refused, or given a sheet such that it opens again with one more;
+// and its sheets given other content.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   std::string bytes(reinterpret_cast<const char*>(data), size);
   if (!bytes.starts_with("\xD0\xCF")) bytes = wrapped(std::move(bytes));
@@ -46,5 +64,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     return 0;
   }
   if (open_biff8(after)->sheet_names().size() != sheets + 1) std::abort();
+  exchange_all(bytes);
+  exchange_all(after);
   return 0;
 }

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -42,14 +43,36 @@ std::string package_of(const std::uint8_t* data, std::size_t size) {
   return ooxml::Package(good).with(std::move(changes));
 }
 
+// Each sheet that can be exchanged has a text in one of its first cells.
+void exchange_all(const std::string& bytes) {
+  const std::vector<SheetMark> marks = {{0, ""}, {1, ""}, {2, ""}};
+  const auto book = open_ooxml(bytes);
+  const std::vector<std::string> names = book->sheet_names();
+  for (std::size_t place = 0; place < std::min<std::size_t>(names.size(), 4); ++place) {
+    std::string after;
+    try {
+      after = book->with_content(place, make_sheet("Another"), marks);
+    } catch (const WorkbookError&) {
+      continue;
+    }
+    try {
+      if (open_ooxml(after)->sheet_names() != names) std::abort();
+    } catch (const WorkbookError&) {
+      std::abort();
+    }
+  }
+}
+
 }  // namespace
 
-// Any package, or any text as a part of one: it's refused, or what comes out has the new sheet and can be opened again.
+// Any package, or any text as a part of one: it's refused, or what comes out has the new sheet and can be opened again;
+// and its sheets get other content.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   try {
     const auto workbook = open_ooxml(package_of(data, size));
     const std::vector<std::string> before = workbook->sheet_names();
     const std::string bytes = workbook->with_sheet(make_sheet("Second's"));
+    exchange_all(package_of(data, size));
     try {
       const auto again = open_ooxml(bytes);
       if (again->sheet_names().size() != before.size() + 1) std::abort();

@@ -94,10 +94,22 @@ CLI::Option* add_file(CLI::App& command, const char* name, std::string& file, co
   return command.add_option(name, file, description)->check(check_path);
 }
 
-CLI::Option* add_workbook(CLI::App& command, std::string& workbook) {
-  return add_file(
-      command, "--workbook", workbook,
-      "Put each part into a sheet of this .xls or .xlsx file, which is created if needed; asks no questions");
+CLI::Option* add_wait(CLI::App& command, Settings& settings) {
+  constexpr unsigned kDay = 86400;
+  return command
+      .add_option("--wait", settings.wait_seconds, "Wait up to SECONDS for a workbook that another run holds")
+      ->option_text("SECONDS")
+      ->check(CLI::Range(0U, kDay));
+}
+
+CLI::Option* add_workbook(CLI::App& command, std::string& workbook, Settings& settings) {
+  auto* const option =
+      add_file(command, "--workbook", workbook,
+               "Put each part into a sheet of this .xls or .xlsx file, which is created if needed; asks no questions");
+  command.add_flag("--replace-sheets", settings.replace_sheets, "Exchange the sheets of earlier runs in the workbook")
+      ->needs(option);
+  add_wait(command, settings)->needs(option);
+  return option;
 }
 
 CLI::Option* add_output_dir(CLI::App& command, std::string& folder) {
@@ -120,7 +132,7 @@ void add_report(CLI::App& command, Request& request) {
   auto* const output_dir = add_output_dir(command, task.output_dir);
   add_overwrite(command, request.settings);
   add_code_page(command, request.settings);
-  add_workbook(command, task.workbook)->excludes(temporary)->excludes(output_dir);
+  add_workbook(command, task.workbook, request.settings)->excludes(temporary)->excludes(output_dir);
 }
 
 void add_compare(CLI::App& command, Request& request) {
@@ -130,7 +142,8 @@ void add_compare(CLI::App& command, Request& request) {
   add_parts(command, task.parts);
   auto* const summary = command.add_flag("--summary", task.summary, "Write no files, only print the counts");
   auto* const output_dir = add_output_dir(command, task.output_dir)->excludes(summary);
-  auto* const workbook = add_workbook(command, task.workbook)->excludes(summary)->excludes(output_dir);
+  auto* const workbook =
+      add_workbook(command, task.workbook, request.settings)->excludes(summary)->excludes(output_dir);
   command
       .add_flag_callback(
           "--no-color", [&task] { task.color = false; }, "Don't colour the labels in the workbook")
@@ -156,6 +169,7 @@ void add_statistics(CLI::App& command, Request& request) {
   add_file_operand(command, "REPORT", task.report, "A comma-separated text whose name ends in .csv");
   command.add_option("SHEET", task.sheet_name, "Name of the new sheet")->required();
   add_code_page(command, request.settings);
+  add_wait(command, request.settings);
 }
 
 struct Subcommand {
@@ -187,7 +201,8 @@ constexpr Subcommand kSubcommands[] = {
      [](const Request& request) { return info(request.settings, request.info); },
      {},
      {"vtrout info plant.vtr", "vtrout info --json plant.vtr"},
-     {"the whole file was read", "the file is damaged; what could be read is shown", kTroubleStatus}},
+     {"the whole file was read, and its lists hold together",
+      "the file is damaged, and what could be read is shown; or a list doesn't hold together", kTroubleStatus}},
     {"report",
      "Write detail reports beside a file, and print their paths",
      add_report,

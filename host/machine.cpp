@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "host/document_kind.h"
+#include "host/workbook_target.h"
 #include "platform/console/printable.h"
 #include "platform/files/path.h"
 #include "services/guard.h"
@@ -34,7 +35,9 @@ Machine::Machine(const Settings& settings, Output output)
                                         : held_files_),
       message_box_(settings.overwrite, std::cin, std::cerr, person_is_there(), line_start()),
       save_dialog_(output_, std::cin, std::cerr, person_is_there()),
-      locale_(settings.code_page) {}
+      locale_(settings.code_page) {
+  spreadsheet_.set_rules(workbook_rules(settings));
+}
 
 void complain(const std::string& line) {
   std::cerr << line_start() << "vtrout: " << platform::printable_line(text::from_utf8(line)) << '\n';

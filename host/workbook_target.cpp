@@ -3,6 +3,11 @@
 #include <algorithm>
 #include <cctype>
 
+#include "compare/row_labels.h"
+#include "platform/program/sheet_names.h"
+#include "platform/program/spreadsheet_error.h"
+#include "reports/detail_reports.h"
+
 namespace trvtrout::host {
 namespace {
 
@@ -16,7 +21,24 @@ WorkbookFormat format_by_name(const std::string& path) {
   platform::refuse_file(ErrorNumber::kBadFileName, "make", path, "must end in .xlsx or .xls");
 }
 
+// The ways out that a command has are told before those that a person has in any program.
+void require_room(const platform::WorkbookOnDisk& workbook, const std::string& path, const std::u16string& sheet,
+                  bool exchanges) {
+  const auto& names = workbook.file().sheet_names();
+  const auto same = platform::sheet_named(text::to_utf8(sheet), names);
+  if (same && !exchanges)
+    platform::refuse_file(ErrorNumber::kAutomation, platform::kChange, path,
+                          "it has a sheet \"" + names[*same] + "\" already; --replace-sheets exchanges it");
+  workbook.require_room_for(sheet);
+}
+
 }  // namespace
+
+platform::WorkbookRules workbook_rules(const Settings& settings) {
+  platform::WorkbookRules rules{.exchanged = {}, .wait = std::chrono::seconds(settings.wait_seconds)};
+  if (settings.replace_sheets) rules.exchanged = {{0, std::string(kReportTitle)}, {1, std::string(kComparisonTitle)}};
+  return rules;
+}
 
 void require_workbook_path(const std::string& path) {
   if (path.find('\\') == std::string::npos) return;
@@ -30,8 +52,9 @@ WorkbookTarget::WorkbookTarget(Machine& machine, const std::string& path,
   require_workbook_path(path);
   std::string bytes;
   if (platform::name_is_taken(path)) {
-    standing_.emplace(path);
-    for (const std::u16string& name : sheet_names) standing_->require_free(name);
+    const platform::WorkbookRules& rules = machine.spreadsheet().rules();
+    standing_.emplace(path, std::string(), rules);
+    for (const std::u16string& name : sheet_names) require_room(*standing_, path, name, !rules.exchanged.empty());
     bytes = standing_->bytes();
   } else {
     bytes = spreadsheet::empty_workbook(format_by_name(path));

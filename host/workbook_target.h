@@ -17,9 +17,9 @@ namespace trvtrout::host {
 class WorkbookTarget {
  public:
   // Looks for whatever stands in the way of sheets with these names before anything is changed: raises ServiceError
-  // when the workbook can't be added to, when it has a sheet of such a name, and for a new one whose name doesn't end
-  // in .xls or .xlsx. `path`: of the machine. The workbook is held for other programs until the target is destroyed.
-  // The machine's spreadsheet names it by `path` from now on, wherever its content stands.
+  // when the workbook can't be added to, when it has a sheet of such a name that can't be exchanged, and for a new one
+  // whose name doesn't end in .xls or .xlsx. `path`: of the machine. The workbook is held for other programs until the
+  // target is destroyed. The machine's spreadsheet names it by `path` from now on, wherever its content stands.
   WorkbookTarget(Machine& machine, const std::string& path, const std::vector<std::u16string>& sheet_names);
 
   // Moves the report that stands at `report` into a sheet, with the operation move(path of the workbook), and removes
@@ -39,6 +39,8 @@ class WorkbookTarget {
   std::optional<platform::WorkbookOnDisk> standing_;
   std::optional<platform::Replacement> content_;
 };
+
+platform::WorkbookRules workbook_rules(const Settings& settings);
 
 // Raises ServiceError for a path (of the machine) that the class can't name: one with a backslash.
 void require_workbook_path(const std::string& path);

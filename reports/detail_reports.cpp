@@ -8,7 +8,7 @@ namespace {
 using vtrfile::DocumentSlots;
 
 void write_head(ReportWriter& out, const std::u16string& fname) {
-  out.line("Detailed Statistic for file: " + out.locale().Encode(fname));
+  out.line(std::string(kReportTitle) + out.locale().Encode(fname));
   out.line("Date and time created:," + out.present_moment());
   out.gap();
 }

@@ -11,6 +11,9 @@
 
 namespace trvtrout {
 
+// What a detail report's text begins with.
+inline constexpr std::string_view kReportTitle = "Detailed Statistic for file: ";
+
 // One of the eight detail reports: what its file is named after, and what it writes behind the head rows.
 struct DetailReport {
   std::u16string_view desc_name;

@@ -78,11 +78,78 @@ TEST_F(WorkbookCommand, AFailingPartLeavesTheWorkbookAsItWas) {
   EXPECT_TRUE(files() == before);
 }
 
+// Others' formulas and names lead to the new content, and nothing else of theirs changes.
+TEST_F(WorkbookCommand, ReplacedSheetsShowThroughOthersFormulas) {
+  const std::string again = "vtrout compare plant-next.vtr plant.vtr --part table ";
+  expect(1, "vtrout compare plant.vtr plant-next.vtr --part table --workbook t.xlsx");
+  expect(0, kPython + kScripts + "make_references.py'");
+  const std::string text = lines(expect(1, again).out).at(0);
+  const bool has_soffice = shell("command -v soffice").status == 0;
+  for (const std::string workbook : {"openpyxl.xlsx", "soffice.xlsx", "soffice.xls"}) {
+    if (!workbook.starts_with("openpyxl") && !has_soffice) continue;
+    fs::copy_file(at(workbook), at("old-" + workbook));
+    const Outcome refused = expect_refused(again + "--workbook " + workbook, "has a sheet \"Tables\" already");
+    EXPECT_NE(refused.err.find("--replace-sheets exchanges it"), std::string::npos);
+    EXPECT_EQ(expect(1, again + "--replace-sheets --workbook " + workbook).out, workbook + "\n");
+    expect(0, kPython + kScripts + "check_references.py' old-" + workbook + " " + workbook + " '" + text + "'");
+  }
+}
+
+// Sheets that are there give way, others are added, and a second time nothing but the moment in their heads changes.
+TEST_F(WorkbookCommand, SheetsAreReplacedAndAddedInOneRun) {
+  make_simple_workbooks();
+  for (const std::string workbook : {"made.xls", "made.xlsx"}) {
+    expect(1, "vtrout compare plant-next.vtr plant.vtr --part lang --workbook " + workbook);
+    expect(0, "vtrout report plant-next.vtr --part product --part tree --workbook " + workbook);
+    for (const std::string kind : {"report", "compare", "compare", "report"}) {
+      const std::string second = kind == "report" ? "" : " plant-next.vtr";
+      expect(kind == "compare", "vtrout " + kind + " plant.vtr" + second + " --replace-sheets --workbook " + workbook);
+      const std::string script = kScripts + "check_export.py' python " + workbook + " " + kind + " =";
+      expect(0, kPython + script);
+    }
+  }
+}
+
+TEST_F(WorkbookCommand, SheetsOfOthersAreNotReplaced) {
+  for (const std::string workbook : {"w.xls", "w.xlsx"}) {
+    put("theirs.csv", "my own list,of,tables\r\n");
+    expect(0, "vtrout report plant.vtr --part lang --workbook " + workbook + " && vtrout statistics " + workbook +
+                  " theirs.csv TABLES");
+    const std::string replace = " --part lang --part table --replace-sheets --workbook " + workbook;
+    expect_refused("vtrout report plant.vtr" + replace, "its sheet \"TABLES\" can't be exchanged: its first row");
+    expect_refused("vtrout compare plant.vtr plant-next.vtr" + replace, "rename or remove it");
+    expect_refused("vtrout report plant.vtr --part lang --workbook " + workbook, "--replace-sheets");
+    expect_refused("vtrout report plant.vtr --replace-sheets", "--workbook");
+    const Outcome same = expect_refused("vtrout statistics " + workbook + " theirs.csv Tables", "rename or remove");
+    EXPECT_EQ(same.err.find("--replace-sheets"), std::string::npos) << "an option that the command doesn't have";
+  }
+}
+
+TEST_F(WorkbookCommand, ALockedWorkbookIsWaitedFor) {
+  expect(0, "vtrout report plant.vtr --part lang --workbook w.xlsx");
+  put("r.csv", "a,b\r\n");
+  const std::string report = "vtrout report plant.vtr --part table --workbook w.xlsx";
+  const std::string held = "exec 9<>w.xlsx; flock 9; ", released_soon = held + "(sleep 1; flock -u 9) & ";
+  const Outcome at_once = expect_refused(held + report, "in use by another program");
+  EXPECT_EQ(at_once.err.find("after a wait"), std::string::npos) << at_once.err;
+  expect_refused(held + report + " --wait 1", "in use by another program, also after a wait of 1 second");
+  expect(0, released_soon + report + " --wait 60");
+  expect(0, released_soon + "vtrout statistics w.xlsx r.csv New --wait 60");
+  expect_refused("vtrout report plant.vtr --wait 3", "--workbook");
+  expect_refused(report + " --wait -1", "--wait");
+  // Runs that begin at the same time come one after the other, and none is lost.
+  expect(0,
+         "for part in product field tree lookup; do vtrout report plant.vtr --part $part --workbook w.xlsx --wait 60 & "
+         "pids=\"$pids $!\"; done; for pid in $pids; do wait $pid || exit 9; done");
+  EXPECT_EQ(expect(0, kPython + "-c \"import openpyxl; print(len(openpyxl.load_workbook('w.xlsx').sheetnames))\"").out,
+            "7\n");
+}
+
 // The command says what stands in the way before it changes anything.
 TEST_F(WorkbookCommand, RefusalsChangeNothing) {
   expect(0, "vtrout report plant.vtr --part lang --workbook w.xlsx");
   const std::pair<const char*, const char*> cases[] = {
-      {"report plant.vtr --workbook w.xlsx", "\"Languages\""},
+      {"report plant.vtr --workbook w.xlsx", "\"Languages\" already; --replace-sheets"},
       {"compare plant.vtr plant-next.vtr --part lang --workbook w.xlsx", "\"Languages\""},
       {"report plant.vtr --workbook w.ods", "must end in .xlsx or .xls"},
       {"report plant.vtr --workbook none/w.xlsx", "folder"},

@@ -101,10 +101,14 @@ int lock(int descriptor, Access access) {
   return fcntl(descriptor, F_OFD_SETLK, &whole_file) == 0 ? 0 : lock_error();
 }
 
+std::string file_text(const char* verb, const std::string& path, const std::string& reason) {
+  return std::string("can't ") + verb + " \"" + path + "\": " + reason;
+}
+
 }  // namespace
 
 void refuse_file(ErrorNumber number, const char* verb, const std::string& path, const std::string& reason) {
-  throw ServiceError(number, std::string("can't ") + verb + " \"" + path + "\": " + reason);
+  throw ServiceError(number, file_text(verb, path, reason));
 }
 
 void raise_file_error(int error, const std::string& path, const char* verb) {
@@ -113,6 +117,7 @@ void raise_file_error(int error, const std::string& path, const char* verb) {
                                  [error](const ErrorRow& candidate) { return candidate.error == error; });
   const bool found = row != std::end(kErrors);
   const std::string reason = found && row->reason ? row->reason : std::generic_category().message(error);
+  if (error == EAGAIN) throw FileLocked(row->number, file_text(verb, path, reason));
   refuse_file(found ? row->number : ErrorNumber::kDeviceError, verb, path, reason);
 }
 

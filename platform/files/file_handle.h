@@ -6,7 +6,7 @@
 #include <string_view>
 #include <sys/stat.h>
 
-#include "services/error_numbers.h"
+#include "services/host_services.h"
 
 namespace trvtrout::platform {
 
@@ -56,6 +56,12 @@ class FileHandle {
   std::string path_;
   const char* verb_;
   int descriptor_ = -1;
+};
+
+// Another program has locked the file.
+class FileLocked : public ServiceError {
+ public:
+  using ServiceError::ServiceError;
 };
 
 // Raises the ServiceError that says: can't `verb` "`path`": `reason`.

@@ -59,13 +59,14 @@ bool is_comma_text(std::u16string_view path) {
                             [](char16_t one, char16_t other) { return (one < 128 ? one | 32 : one) == other; });
 }
 
-OpenBook::OpenBook(const std::u16string& path, Files& files, Locale& locale, const std::string& told_as)
+OpenBook::OpenBook(const std::u16string& path, Files& files, Locale& locale, const std::string& told_as,
+                   const WorkbookRules& rules)
     : path_(path), told_as_(told_as.empty() ? machine_path(path) : told_as) {
   if (is_comma_text(path)) {
     std::string text = text::to_utf8(locale.Decode(read_all(files, path)));
     sheet_ = std::make_unique<EditedSheet>(read_comma_text(std::move(text), year_of(locale.Now())), kTextLimits);
   } else {
-    workbook_ = std::make_unique<WorkbookOnDisk>(machine_path(path), told_as);
+    workbook_ = std::make_unique<WorkbookOnDisk>(machine_path(path), told_as, rules);
   }
 }
 
@@ -100,7 +101,7 @@ void OpenBook::restyle(const std::vector<Area>& areas, const std::function<void(
 
 void OpenBook::rename(const std::u16string& name) {
   require_added();
-  workbook_->require_free(name);
+  workbook_->require_room_for(name);
   sheet_name_ = text::to_utf8(name);
 }
 

@@ -19,7 +19,8 @@ bool is_comma_text(std::u16string_view path);
 class OpenBook {
  public:
   // Messages name a workbook `told_as`, if that isn't empty. Raises ServiceError.
-  OpenBook(const std::u16string& path, Files& files, Locale& locale, const std::string& told_as);
+  OpenBook(const std::u16string& path, Files& files, Locale& locale, const std::string& told_as,
+           const WorkbookRules& rules);
 
   // The sheet that was made of a text or added to a workbook. Raises ServiceError when there is none.
   EditedSheet& sheet();
@@ -28,6 +29,7 @@ class OpenBook {
   void add_sheet();
   // Puts `cells` into the sheet that was added.
   void paste(spreadsheet::Sheet cells, Locale& locale);
+  // With the name of a sheet that gives way to it, the added one takes over that one's place once it's saved.
   void rename(const std::u16string& name);
   void restyle(const std::vector<Area>& areas, const std::function<void(spreadsheet::CellStyle&)>& change);
   // Only under the name that the workbook has.

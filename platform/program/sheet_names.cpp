@@ -31,6 +31,15 @@ std::u16string without_case(std::string_view name) {
   return text;
 }
 
+std::optional<std::size_t> sheet_named(std::string_view name, const std::vector<std::string>& names) {
+  const auto is_same = [folded = without_case(name)](const std::string& other) {
+    return folded == without_case(other);
+  };
+  const auto same = std::ranges::find_if(names, is_same);
+  if (same == names.end()) return std::nullopt;
+  return static_cast<std::size_t>(same - names.begin());
+}
+
 void require_sheet_name(const std::u16string& name, const std::vector<std::string>& others) {
   const std::string shown = text::to_utf8(name);
   const auto refuse = [&](const std::string& reason) {
@@ -43,10 +52,8 @@ void require_sheet_name(const std::u16string& name, const std::vector<std::strin
   }
   if (name.front() == u'\'' || name.back() == u'\'') refuse("it can't begin or end with an apostrophe");
   if (without_case(shown) == without_case(kReserved)) refuse("the name is reserved");
-  const std::u16string folded = without_case(shown);
-  const auto same =
-      std::ranges::find_if(others, [&](const std::string& other) { return folded == without_case(other); });
-  if (same != others.end()) refuse("the workbook already has a sheet \"" + *same + "\"; rename or remove it first");
+  if (const auto same = sheet_named(shown, others))
+    refuse("the workbook already has a sheet \"" + others[*same] + "\"; rename or remove it first");
 }
 
 }  // namespace trvtrout::platform

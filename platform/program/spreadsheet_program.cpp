@@ -21,13 +21,14 @@ struct State {
   Files& files;
   Locale& locale;
   ToldName told;
+  WorkbookRules rules;
   std::vector<std::shared_ptr<OpenBook>> books = {};
   std::shared_ptr<OpenBook> active = nullptr;
   std::shared_ptr<OpenBook> copied = nullptr;  // whose cells the clipboard has
 
   void open(const std::u16string& path) {
     const std::string told_as = machine_path(path) == told.path ? told.told_as : "";
-    active = books.emplace_back(std::make_shared<OpenBook>(path, files, locale, told_as));
+    active = books.emplace_back(std::make_shared<OpenBook>(path, files, locale, told_as, rules));
   }
   OpenBook& active_book() const {
     if (!active) refuse("no workbook is open");
@@ -189,7 +190,7 @@ class ProgramApplication : public automation::Application {
 
 std::unique_ptr<automation::Application> SpreadsheetProgram::CreateObject(const std::u16string& name) {
   if (name != u"Excel.Application") refuse("there is no application \"" + text::to_utf8(name) + "\" here");
-  return std::make_unique<ProgramApplication>(State{files_, locale_, told_});
+  return std::make_unique<ProgramApplication>(State{files_, locale_, told_, rules_});
 }
 
 }  // namespace trvtrout::platform

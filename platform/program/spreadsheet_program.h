@@ -2,7 +2,9 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
+#include "platform/program/workbook_on_disk.h"
 #include "services/host_services.h"
 #include "workbook/automation.h"
 
@@ -15,7 +17,8 @@ struct ToldName {
 
 // A spreadsheet program without a window, for the calls that the workbook operations make. It opens comma-separated
 // texts (by the extension .csv) and workbooks (by their content), and adds one sheet to a workbook at a time; sheets
-// that are there can't be read or changed. What it can't do raises ServiceError.
+// that are there can't be read or changed, but for those that give way to a new one of their name. What it can't do
+// raises ServiceError.
 class SpreadsheetProgram : public automation::Spreadsheet {
  public:
   // Texts are read through `files`, workbooks from the machine's disk; `locale` tells the code page and the present
@@ -25,12 +28,17 @@ class SpreadsheetProgram : public automation::Spreadsheet {
   // Messages name the workbook at `path` (of the machine) `told_as`, in applications that are created from now on.
   void tell_as(const std::string& path, const std::string& told_as) { told_ = {path, told_as}; }
 
+  // For applications that are created from now on.
+  void set_rules(WorkbookRules rules) { rules_ = std::move(rules); }
+  const WorkbookRules& rules() const { return rules_; }
+
   std::unique_ptr<automation::Application> CreateObject(const std::u16string& name) override;
 
  private:
   Files& files_;
   Locale& locale_;
   ToldName told_;
+  WorkbookRules rules_;
 };
 
 }  // namespace trvtrout::platform

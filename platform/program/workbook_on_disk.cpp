@@ -1,8 +1,12 @@
 #include "platform/program/workbook_on_disk.h"
 
+#include <algorithm>
+#include <thread>
+
 #include "platform/files/replacement.h"
 #include "platform/program/sheet_names.h"
 #include "platform/program/spreadsheet_error.h"
+#include "text/utf8.h"
 
 namespace trvtrout::platform {
 
@@ -31,12 +35,39 @@ bool unchanged(const struct stat& one, const struct stat& other) {
          one.st_mtim.tv_sec == other.st_mtim.tv_sec && one.st_mtim.tv_nsec == other.st_mtim.tv_nsec;
 }
 
+// Whether the open file still is the one at `path`: who held it may have put another one there.
+bool is_at(const FileHandle& handle, const std::string& path) {
+  struct stat now {};
+  const struct stat opened = handle.status();
+  return stat(path.c_str(), &now) == 0 && now.st_dev == opened.st_dev && now.st_ino == opened.st_ino;
+}
+
+// Tries again until the file isn't locked any more or the time is over.
+FileHandle open_within(std::chrono::seconds wait, const std::string& path, const std::string& told_as) {
+  using Clock = std::chrono::steady_clock;
+  constexpr std::chrono::milliseconds kPause{100};
+  const auto end = Clock::now() + wait;
+  while (true) {
+    try {
+      FileHandle handle(path, kChange, Access::kUpdate, Creation::kNever, told_as);
+      if (is_at(handle, path) || Clock::now() >= end) return handle;
+    } catch (const FileLocked& locked) {
+      if (wait.count() == 0) throw;
+      if (Clock::now() >= end)
+        throw FileLocked(locked.number(), locked.what() + (", also after a wait of " + std::to_string(wait.count())) +
+                                              (wait.count() == 1 ? " second" : " seconds"));
+    }
+    std::this_thread::sleep_for(std::min<Clock::duration>(kPause, end - Clock::now()));
+  }
+}
+
 }  // namespace
 
-WorkbookOnDisk::WorkbookOnDisk(const std::string& path, const std::string& told_as)
+WorkbookOnDisk::WorkbookOnDisk(const std::string& path, const std::string& told_as, WorkbookRules rules)
     : path_(platform::behind_links(path)),
       told_as_(told_as.empty() ? path_ : told_as),
-      handle_(path_, kChange, platform::Access::kUpdate, platform::Creation::kNever, told_as.empty() ? path : told_as),
+      rules_(std::move(rules)),
+      handle_(open_within(rules_.wait, path_, told_as.empty() ? path : told_as)),
       opened_(handle_.status()) {
   require_unowned(path_, told_as_);
   file_ = naming_file(handle_.told_as(), [&] { return open_workbook(handle_.read_rest()); });
@@ -47,8 +78,12 @@ std::string WorkbookOnDisk::bytes() const {
   return handle_.read_rest();
 }
 
-void WorkbookOnDisk::require_free(const std::u16string& sheet_name) const {
-  naming_file(told_as_, [&] { require_sheet_name(sheet_name, file_->sheet_names()); });
+void WorkbookOnDisk::require_room_for(const std::u16string& sheet_name) const {
+  naming_file(told_as_, [&] {
+    const auto same = sheet_named(text::to_utf8(sheet_name), file_->sheet_names());
+    if (same && !rules_.exchanged.empty()) return file_->require_exchangeable(*same, rules_.exchanged);
+    require_sheet_name(sheet_name, file_->sheet_names());
+  });
 }
 
 void WorkbookOnDisk::require_unchanged() const {
@@ -60,7 +95,10 @@ void WorkbookOnDisk::require_unchanged() const {
 }
 
 void WorkbookOnDisk::save_with(const Sheet& sheet) {
-  const std::string bytes = naming_file(told_as_, [&] { return file_->with_sheet(sheet); });
+  const std::string bytes = naming_file(told_as_, [&] {
+    const auto same = sheet_named(sheet.name, file_->sheet_names());
+    return same ? file_->with_content(*same, sheet, rules_.exchanged) : file_->with_sheet(sheet);
+  });
   platform::Replacement replacement(path_, {}, told_as_);
   replacement.write(bytes);
   replacement.finish();

@@ -6,10 +6,12 @@
 
 #include "spreadsheet/biff8/compound_file.h"
 #include "spreadsheet/biff8/globals.h"
+#include "spreadsheet/biff8/old_sheet.h"
 #include "spreadsheet/biff8/shared_strings.h"
 #include "spreadsheet/biff8/sheet_links.h"
 #include "spreadsheet/biff8/sheet_stream.h"
 #include "spreadsheet/biff8/styles.h"
+#include "spreadsheet/exchange.h"
 #include "text/utf8.h"
 
 namespace trvtrout::spreadsheet {
@@ -87,6 +89,13 @@ Substream read_substream(std::string_view stream, std::size_t begin, std::size_t
   return sheet;
 }
 
+// Programs trust the results that stand beside formulas, also of those that refer to the sheet, unless they were worked
+// out by an older program.
+void forget_results(Globals& globals) {
+  constexpr std::size_t kProgram = 4;
+  for (const std::size_t index : globals.all(kRecalcId)) globals.records[index].set32(kProgram, 0);
+}
+
 class Biff8Workbook : public WorkbookFile {
  public:
   explicit Biff8Workbook(std::string bytes) : file_(std::move(bytes)) {
@@ -103,16 +112,22 @@ class Biff8Workbook : public WorkbookFile {
   }
   SheetLimits limits() const override { return {kRows, kColumns}; }
   std::string with_sheet(const Sheet& sheet) const override;
+  std::string with_content(std::size_t position, const Sheet& sheet, std::span<const SheetMark> marks) const override;
+  void require_exchangeable(std::size_t position, std::span<const SheetMark> marks) const override {
+    static_cast<void>(old_sheet(position, SharedStrings(globals_), marks));
+  }
 
  private:
-  static constexpr std::size_t kPlace = 0, kName = 6;  // in a BOUNDSHEET
+  static constexpr std::size_t kPlace = 0, kKind = 5, kName = 6;  // in a BOUNDSHEET
+  static constexpr std::uint32_t kNoPlace = 0;
 
   // How far the sheets move.
   struct Move {
-    std::size_t old_begin, new_begin;   // of all
-    std::size_t inserted_at, inserted;  // where the new one goes in the old stream, and its size
+    std::size_t old_begin, new_begin;                // of all
+    std::size_t changed_at, old_length, new_length;  // of the one that is new or has new content
     std::size_t operator()(std::size_t at) const {
-      return at - old_begin + new_begin + (at >= inserted_at ? inserted : 0);
+      at = at - old_begin + new_begin;
+      return at >= changed_at - old_begin + new_begin + old_length ? at - old_length + new_length : at;
     }
   };
 
@@ -121,8 +136,13 @@ class Biff8Workbook : public WorkbookFile {
   std::size_t position() const;
   void check_texts(const SharedStrings& strings) const;
   void add_bound_sheet(Globals& globals, const Sheet& sheet) const;
-  void mend_places(Globals& globals, const Move& move) const;
-  void mend_sheets(std::string& stream, const Move& move) const;
+  OldSheet old_sheet(std::size_t position, const SharedStrings& strings, std::span<const SheetMark> marks) const;
+  std::string drawing_layer(Globals& globals, const OldSheet& old, bool has_filter) const;
+  static void mend_places(Globals& globals, const Move& move, std::size_t added_at);
+  void mend_windows(std::string& stream, const Move& move) const;
+  void mend_indices(std::string& stream, const Move& move) const;
+  std::string spliced(Globals globals, const SharedStrings& strings, std::size_t at, std::size_t old_length,
+                      std::string_view sheet, bool is_new) const;
 
   CompoundFile file_;
   std::string stream_;
@@ -173,30 +193,37 @@ void Biff8Workbook::check_texts(const SharedStrings& strings) const {
 void Biff8Workbook::add_bound_sheet(Globals& globals, const Sheet& sheet) const {
   const std::u16string name = text::from_utf8(sheet.name);
   ByteWriter body;
-  body.u32(0).u8(0).u8(0).u8(static_cast<std::uint8_t>(name.size())).raw(text_units(name));
+  body.u32(kNoPlace).u8(0).u8(0).u8(static_cast<std::uint8_t>(name.size())).raw(text_units(name));
   const auto sheets = globals.all(kBoundSheet);
   globals.insert(sheets.empty() ? globals.place_for(kBoundSheet) : sheets[position()], {kBoundSheet, body.take()});
 }
 
-void Biff8Workbook::mend_places(Globals& globals, const Move& move) const {
-  const auto sheets = globals.all(kBoundSheet);
-  const std::size_t added = position();
-  for (std::size_t each = 0; each < sheets.size(); ++each) {
-    Record& record = globals.records[sheets[each]];
-    record.set32(kPlace, each == added ? move(move.inserted_at) - move.inserted : move(record.u32(kPlace)));
+// `added_at`: in the new stream, of the sheet that has no place yet.
+void Biff8Workbook::mend_places(Globals& globals, const Move& move, std::size_t added_at) {
+  for (const std::size_t index : globals.all(kBoundSheet)) {
+    Record& record = globals.records[index];
+    const std::uint32_t place = record.u32(kPlace);
+    record.set32(kPlace, place == kNoPlace ? added_at : move(place));
   }
 }
 
-// `stream` is the new one: only one sheet is selected and active, and what leads to rows leads there still.
-void Biff8Workbook::mend_sheets(std::string& stream, const Move& move) const {
+// `stream` is the new one: only one sheet is selected and active.
+void Biff8Workbook::mend_windows(std::string& stream, const Move& move) const {
   constexpr std::uint16_t kSelectedAndActive = 0x0600;
-  // Behind the first and last row the places of the column width and of the blocks of rows.
-  constexpr std::size_t kFirstPlace = 12;
   for (const Substream& sheet : sheets_) {
     for (const RecordView& window : sheet.windows) {
       const auto flags = get<std::uint16_t>(window.body, 0);
       put(stream, move(window.at) + kRecordHead, static_cast<std::uint16_t>(flags & ~kSelectedAndActive));
     }
+  }
+}
+
+// What leads to rows leads there still.
+void Biff8Workbook::mend_indices(std::string& stream, const Move& move) const {
+  // Behind the first and last row the places of the column width and of the blocks of rows.
+  constexpr std::size_t kFirstPlace = 12;
+  for (const Substream& sheet : sheets_) {
+    if (move.old_length != 0 && sheet.begin == move.changed_at) continue;
     for (const RecordView& index : sheet.indices) {
       for (std::size_t at = kFirstPlace; at + 4 <= index.body.size(); at += 4) {
         const std::size_t place = get<std::uint32_t>(index.body, at);
@@ -207,41 +234,84 @@ void Biff8Workbook::mend_sheets(std::string& stream, const Move& move) const {
   }
 }
 
+// The file with other globals, and with `sheet` in the place of `old_length` bytes at `at`.
+std::string Biff8Workbook::spliced(Globals globals, const SharedStrings& strings, std::size_t at,
+                                   std::size_t old_length, std::string_view sheet, bool is_new) const {
+  strings.store(globals);
+  const Move move{globals_end_, globals.bytes(), at, old_length, sheet.size()};
+  mend_places(globals, move, at - globals_end_ + globals.bytes());
+  std::string stream;
+  stream.reserve(globals.bytes() + sheet.size() + stream_.size());
+  for (const Record& record : globals.records) append_record(stream, record);
+  strings.mend_index(globals, stream);
+  stream.append(stream_, globals_end_, at - globals_end_).append(sheet).append(stream_, at + old_length);
+  if (is_new) mend_windows(stream, move);
+  mend_indices(stream, move);
+  // Bytes behind the last sheet mean nothing; a shorter stream would have to lie in the mini stream.
+  stream.resize(std::max<std::size_t>(stream.size(), CompoundFile::kMiniCutoff));
+  return file_.with_stream(kStream, stream);
+}
+
 std::string Biff8Workbook::with_sheet(const Sheet& sheet) const {
   if (names_.size() >= kMostSheets) throw WorkbookError("it has no room for another sheet");
   Globals globals = globals_;
   const std::size_t before = position(), sheets = names_.size() + 1;
-  SheetSurroundings around{.bof = globals_.records.front().body,
-                           .xfs = add_styles(globals, sheet.styles),
-                           .row_height = names_.empty() ? kUsualRowHeight : sheets_[before].row_height,
-                           .settings = settings(),
-                           .windows = std::max<std::size_t>(1, globals.all(kWindow1).size()),
-                           .drawing = {}};
+  const std::uint16_t row_height = names_.empty() ? kUsualRowHeight : sheets_[before].row_height;
+  SheetSetting setting{.frame = new_frame({.bof = globals_.records.front().body,
+                                           .settings = settings(),
+                                           .row_height = row_height,
+                                           .windows = std::max<std::size_t>(1, globals.all(kWindow1).size())}),
+                       .xfs = add_styles(globals, sheet.styles),
+                       .row_height = row_height,
+                       .drawing = {}};
   add_bound_sheet(globals, sheet);
   shift_sheet_numbers(globals, before, sheets);
   if (sheet.has_filter) {
-    add_filter_name(globals, before, sheets, std::max<std::size_t>(1, sheet.rows()));
-    around.drawing = add_drawing(globals);
+    set_filter_name(globals, before, sheets, std::max<std::size_t>(1, sheet.rows()));
+    setting.drawing = filter_drop_down(add_drawing(globals));
   }
   SharedStrings strings(globals);
   check_texts(strings);
-  const std::string inserted = sheet_stream(sheet, around, strings);
-  strings.store(globals);
+  const std::string added = sheet_stream(sheet, setting, strings);
+  return spliced(std::move(globals), strings, names_.empty() ? globals_end_ : sheets_[before].begin, 0, added, true);
+}
 
-  const std::size_t inserted_at = names_.empty() ? globals_end_ : sheets_[before].begin;
-  const Move move{globals_end_, globals.bytes(), inserted_at, inserted.size()};
-  mend_places(globals, move);
-  std::string stream;
-  stream.reserve(globals.bytes() + inserted.size() + stream_.size());
-  for (const Record& record : globals.records) append_record(stream, record);
-  strings.mend_index(globals, stream);
-  stream.append(stream_, globals_end_, inserted_at - globals_end_);
-  stream += inserted;
-  stream.append(stream_, inserted_at);
-  mend_sheets(stream, move);
-  // Bytes behind the last sheet mean nothing; a shorter stream would have to lie in the mini stream.
-  stream.resize(std::max<std::size_t>(stream.size(), CompoundFile::kMiniCutoff));
-  return file_.with_stream(kStream, stream);
+OldSheet Biff8Workbook::old_sheet(std::size_t position, const SharedStrings& strings,
+                                  std::span<const SheetMark> marks) const {
+  const std::string& name = names_.at(position);
+  const Record& bound = globals_.records[globals_.all(kBoundSheet)[position]];
+  OldSheet old = read_old_sheet(stream_, sheets_[position].begin);
+  const auto is_marked = [&](const auto& cell) {
+    return has_mark(marks, cell.first, strings.text(cell.second).value_or(""));
+  };
+  if (get<std::uint8_t>(bound.body, kKind) != 0 || std::ranges::none_of(old.first_row, is_marked)) raise_foreign(name);
+  if (!old.lost.empty()) raise_would_be_lost(name, old.lost);
+  return old;
+}
+
+// A drawing keeps its numbers, whether it has something to show or not.
+std::string Biff8Workbook::drawing_layer(Globals& globals, const OldSheet& old, bool has_filter) const {
+  constexpr std::uint32_t kLayerAlone = 1;
+  if (!old.drawing) return has_filter ? filter_drop_down(add_drawing(globals)) : std::string();
+  return has_filter ? filter_drop_down(with_shapes(globals, *old.drawing, Drawing{}.shapes))
+                    : empty_layer(with_shapes(globals, *old.drawing, kLayerAlone));
+}
+
+std::string Biff8Workbook::with_content(std::size_t position, const Sheet& sheet,
+                                        std::span<const SheetMark> marks) const {
+  Globals globals = globals_;
+  SharedStrings strings(globals);
+  check_texts(strings);
+  OldSheet old = old_sheet(position, strings, marks);
+  for (const auto& [text, cells] : old.texts) strings.release(text, cells);
+  const SheetSetting setting{.frame = std::move(old.frame),
+                             .xfs = add_styles(globals, sheet.styles),
+                             .row_height = sheets_[position].row_height,
+                             .drawing = drawing_layer(globals, old, sheet.has_filter)};
+  if (sheet.has_filter) set_filter_name(globals, position, names_.size(), std::max<std::size_t>(1, sheet.rows()));
+  forget_results(globals);
+  const std::string content = sheet_stream(sheet, setting, strings);
+  return spliced(std::move(globals), strings, sheets_[position].begin, old.size, content, false);
 }
 
 }  // namespace

@@ -15,8 +15,8 @@ class CompoundPatch {
 
   explicit CompoundPatch(const CompoundFile& file) : file_(file), bytes_(file.bytes_), table_(file.table_) {}
 
-  // Overwrites a chain and prolongs it as far as `content` needs, away from what it may have led to. Gives its first
-  // sector.
+  // Overwrites a chain, prolongs it as far as `content` needs, away from what it may have led to, and frees what it
+  // doesn't need. Gives its first sector.
   Sector write(std::vector<Sector> chain, std::string_view content) {
     const std::size_t sector_size = std::size_t{1} << file_.sector_shift_;
     const std::size_t needed = (content.size() + sector_size - 1) / sector_size;
@@ -31,6 +31,10 @@ class CompoundPatch {
       bytes_.replace(file_.offset(chain[index]), part.size(), part);
       std::fill_n(bytes_.begin() + static_cast<std::ptrdiff_t>(file_.offset(chain[index]) + part.size()),
                   sector_size - part.size(), '\0');
+    }
+    if (needed < chain.size()) {
+      table_[chain[needed - 1]] = kEndOfChain;
+      for (std::size_t index = needed; index < chain.size(); ++index) table_[chain[index]] = kFree;
     }
     return chain.front();
   }

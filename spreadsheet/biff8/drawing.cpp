@@ -84,6 +84,25 @@ class ListRecords {
 
 }  // namespace
 
+Drawing with_shapes(Globals& globals, const Drawing& drawing, std::uint32_t shapes) {
+  const std::vector<std::size_t> groups = globals.all(kMsoDrawingGroup);
+  const std::uint32_t cluster = drawing.first_shape / kShapesPerCluster;
+  if (groups.empty() || cluster == 0) raise_damaged("a drawing in it belongs to no list of drawings");
+  ListRecords records(globals, groups.front());
+  std::string body = records.take_body();
+  const auto raise_to = [&body](std::size_t at, std::uint32_t least) {
+    put(body, 2 * kHead + at, std::max(get<std::uint32_t>(body, 2 * kHead + at), least));
+  };
+  constexpr std::size_t kShapesInCluster = 4;
+  const std::uint32_t behind = drawing.first_shape % kShapesPerCluster + shapes;
+  raise_to(kFirstCluster + kClusterSize * std::size_t{cluster - 1} + kShapesInCluster, behind);
+  raise_to(kGreatestShape, drawing.first_shape + shapes);
+  const auto saved = get<std::uint32_t>(body, 2 * kHead + kSavedShapes);
+  put(body, 2 * kHead + kSavedShapes, saved + shapes - drawing.shapes);
+  globals.set_body(groups.front(), records.end(), body);
+  return {drawing.number, drawing.first_shape, shapes};
+}
+
 Drawing add_drawing(Globals& globals) {
   if (globals.all(kMsoDrawingGroup).empty()) globals.append({kMsoDrawingGroup, empty_group()});
   const std::size_t index = globals.all(kMsoDrawingGroup).front();
@@ -136,9 +155,11 @@ std::string layer_shape(const Drawing& drawing) {
           drawing_record(0x0002, kShape, ByteWriter().u32(drawing.first_shape).u32(kIsGroupAndLayer).bytes()));
 }
 
+// Of the common part, with which an object begins.
+constexpr std::uint16_t kCommonPart = 0x0015, kComboBox = 0x0014, kFilterFlags = 0x2101, kOfProgram = 0x0100;
+
 std::string drop_down_object() {
-  constexpr std::uint16_t kComboBox = 0x0014, kFilterFlags = 0x2101;
-  constexpr std::uint16_t kCommonPart = 0x0015, kScrollPart = 0x000C, kListPart = 0x0013;
+  constexpr std::uint16_t kScrollPart = 0x000C, kListPart = 0x0013;
   // The list part of a filter has a length that stands for no length.
   constexpr std::uint16_t kFilterList = 0x1FEE;
   ByteWriter object;
@@ -151,16 +172,46 @@ std::string drop_down_object() {
 
 }  // namespace
 
-std::string filter_drop_down(const Drawing& drawing) {
-  const std::string layer =
+namespace {
+
+std::string layer(const Drawing& drawing, const std::string& shapes) {
+  const std::string counts = ByteWriter().u32(drawing.shapes).u32(drawing.first_shape + drawing.shapes - 1).take();
+  const std::string body =
       drawing_record(kContainer, kDrawingContainer,
-                     drawing_record(static_cast<std::uint16_t>(drawing.number << 4), kDrawingHead,
-                                    ByteWriter().u32(kShapes).u32(drawing.first_shape + 1).bytes()) +
-                         drawing_record(kContainer, kShapesContainer, layer_shape(drawing) + drop_down_shape(drawing)));
+                     drawing_record(static_cast<std::uint16_t>(drawing.number << 4), kDrawingHead, counts) +
+                         drawing_record(kContainer, kShapesContainer, layer_shape(drawing) + shapes));
   std::string records;
-  append_record(records, {kMsoDrawing, layer});
+  append_record(records, {kMsoDrawing, body});
+  return records;
+}
+
+}  // namespace
+
+std::string filter_drop_down(const Drawing& drawing) {
+  std::string records = layer(drawing, drop_down_shape(drawing));
   append_record(records, {kObj, drop_down_object()});
   return records;
+}
+
+std::string empty_layer(const Drawing& drawing) { return layer(drawing, {}); }
+
+Drawing drawing_of(std::string_view body) {
+  constexpr std::size_t kNumber = kHead, kShapesAt = 2 * kHead, kHeadSize = 8;
+  // Behind the head the shapes begin with the layer itself: a container, its group's area, its numbers.
+  constexpr std::size_t kLayer = kShapesAt + kHeadSize + 2 * kHead, kArea = 16;
+  constexpr std::size_t kLayerNumber = kLayer + kHead + kArea + kHead;
+  const auto type = [body](std::size_t at) { return get<std::uint16_t>(body, at + 2); };
+  if (type(0) != kDrawingContainer || type(kNumber) != kDrawingHead || type(kLayer) != kShapeGroup ||
+      type(kLayer + kHead + kArea) != kShape)
+    raise_damaged("a drawing in it is inconsistent");
+  return {static_cast<std::uint16_t>(get<std::uint16_t>(body, kNumber) >> 4), get<std::uint32_t>(body, kLayerNumber),
+          get<std::uint32_t>(body, kShapesAt)};
+}
+
+bool is_filter_drop_down(std::string_view object) {
+  constexpr std::size_t kType = 4, kFlags = 8;
+  return object.size() >= kFlags + 2 && get<std::uint16_t>(object, 0) == kCommonPart &&
+         get<std::uint16_t>(object, kType) == kComboBox && (get<std::uint16_t>(object, kFlags) & kOfProgram) != 0;
 }
 
 }  // namespace trvtrout::spreadsheet::biff8

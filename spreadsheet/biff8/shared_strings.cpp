@@ -29,12 +29,30 @@ class TextWalk {
     if (at_ == parts_[part_].size()) next_part();
   }
 
+  void go_to(std::uint32_t part, std::uint32_t at) {
+    part_ = part;
+    at_ = at;
+  }
+
+  struct Text {
+    std::u16string units;
+    bool is_plain;
+  };
+  Text take_text() {
+    const std::size_t length = take<std::uint16_t>();
+    const std::uint8_t flags = take<std::uint8_t>();
+    at_ += (flags & kRich ? 2 : 0) + (flags & kPhonetic ? 4 : 0);
+    Text text{{}, (flags & (kRich | kPhonetic)) == 0};
+    pass_units(length, flags & kWide, &text.units);
+    return text;
+  }
+
   void pass_text() {
     const std::size_t length = take<std::uint16_t>();
     const std::uint8_t flags = take<std::uint8_t>();
     const std::size_t runs = flags & kRich ? take<std::uint16_t>() : 0;
     const std::size_t phonetic = flags & kPhonetic ? take<std::uint32_t>() : 0;
-    pass_units(length, flags & kWide);
+    pass_units(length, flags & kWide, nullptr);
     pass_bytes(kFormatRunSize * runs + phonetic);
   }
 
@@ -51,11 +69,16 @@ class TextWalk {
     at_ = 0;
   }
 
-  void pass_units(std::size_t left, bool wide) {
+  // `units` gets them if it isn't null.
+  void pass_units(std::size_t left, bool wide, std::u16string* units) {
     while (true) {
       const std::size_t width = wide ? 2 : 1;
       const std::size_t room = parts_[part_].size() - at_;
       const std::size_t passed = std::min(left, room / width);
+      for (std::size_t each = 0; units != nullptr && each < passed; ++each) {
+        const std::size_t at = at_ + each * width;
+        *units += wide ? get<char16_t>(parts_[part_], at) : char16_t{get<std::uint8_t>(parts_[part_], at)};
+      }
       at_ += passed * width;
       left -= passed;
       if (left == 0) return;
@@ -117,6 +140,22 @@ void SharedStrings::read_places(std::uint32_t count) {
     walk.pass_text();
   }
   if (!walk.at_end()) raise_damaged("its table of texts is longer than it says");
+}
+
+std::optional<std::string> SharedStrings::text(std::uint32_t number) const {
+  if (number >= places_.size()) return std::nullopt;
+  TextWalk walk(parts_);
+  walk.go_to(places_[number].part, places_[number].at);
+  return text::to_utf8(walk.take_text().units);
+}
+
+void SharedStrings::release(std::uint32_t number, std::uint32_t cells) {
+  uses_ -= std::min(uses_, cells);
+  if (number >= places_.size()) return;
+  TextWalk walk(parts_);
+  walk.go_to(places_[number].part, places_[number].at);
+  const auto [units, is_plain] = walk.take_text();
+  if (is_plain) numbers_.try_emplace(released_.emplace_back(text::to_utf8(units)), number);
 }
 
 std::uint32_t SharedStrings::number(std::string_view text) {

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -22,6 +24,11 @@ class SharedStrings {
   // The number of a text (UTF-8), which must outlive the table; added if it wasn't given before. What the workbook has
   // already isn't searched.
   std::uint32_t number(std::string_view text);
+  // A text of the table (UTF-8); nothing for a number that it doesn't have, or where the text is cut off.
+  std::optional<std::string> text(std::uint32_t number) const;
+  // So many cells with this text are no more. If the text comes again it keeps its number, unless it has formats of its
+  // own.
+  void release(std::uint32_t number, std::uint32_t cells);
   // Puts the table back, with an index whose places in the stream mend_index fills in.
   void store(Globals& globals) const;
   // `stream` begins with the globals that the table was put into.
@@ -39,7 +46,8 @@ class SharedStrings {
 
   std::vector<std::string> parts_;  // the bodies of the SST and its CONTINUEs
   std::vector<Place> places_;
-  std::unordered_map<std::string_view, std::uint32_t> numbers_;
+  std::deque<std::string> released_;
+  std::unordered_map<std::string_view, std::uint32_t> numbers_;  // by texts that were given, and those of released_
   std::uint32_t uses_ = 0;
 };
 

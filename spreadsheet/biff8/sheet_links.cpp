@@ -122,15 +122,26 @@ void shift_sheet_numbers(Globals& globals, std::size_t position, std::size_t she
   }
 }
 
-void add_filter_name(Globals& globals, std::size_t position, std::size_t sheets, std::size_t rows) {
-  constexpr std::uint16_t kHiddenBuiltIn = 0x0021;
+void set_filter_name(Globals& globals, std::size_t position, std::size_t sheets, std::size_t rows) {
+  constexpr std::uint16_t kHiddenBuiltIn = 0x0021, kBuiltIn = 0x0020;
   constexpr std::uint8_t kFilterDatabase = 0x0D, kAreaOfASheet = 0x3B;
+  constexpr std::size_t kNameHead = 14;
   const std::uint16_t reference = reference_to(globals, position, sheets);
   ByteWriter formula;
   formula.u8(kAreaOfASheet).u16(reference).u16(0).u16(static_cast<std::uint16_t>(rows - 1)).u16(0).u16(0);
   ByteWriter name;
   name.u16(kHiddenBuiltIn).u8(0).u8(1).u16(static_cast<std::uint16_t>(formula.bytes().size())).u16(0);
   name.u16(static_cast<std::uint16_t>(position + 1)).zeros(4).u8(0).u8(kFilterDatabase).raw(formula.bytes());
+  const std::string text{'\0', static_cast<char>(kFilterDatabase)};
+  const auto is_there = [&](const Record& record) {
+    return record.type == kName && (record.u16(0) & kBuiltIn) != 0 && record.u16(kNameSheet) == position + 1 &&
+           record.body.substr(std::min(record.body.size(), kNameHead), text.size()) == text;
+  };
+  if (const auto old = std::ranges::find_if(globals.records, is_there); old != globals.records.end()) {
+    const auto at = static_cast<std::size_t>(old - globals.records.begin());
+    globals.set_body(at, globals.behind(at), name.bytes());
+    return;
+  }
   // Formulas refer to names by their number, so it goes behind the others.
   globals.append({kName, name.take()});
 }

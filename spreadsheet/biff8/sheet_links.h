@@ -12,7 +12,7 @@ namespace trvtrout::spreadsheet::biff8 {
 // one. Raises WorkbookError.
 void shift_sheet_numbers(Globals& globals, std::size_t position, std::size_t sheets);
 
-// Adds the hidden name that a filter over A1 to A`rows` of the sheet at `position` has; `sheets` as above.
-void add_filter_name(Globals& globals, std::size_t position, std::size_t sheets, std::size_t rows);
+// Gives the sheet at `position` the hidden name that a filter over A1 to A`rows` has; `sheets` as above.
+void set_filter_name(Globals& globals, std::size_t position, std::size_t sheets, std::size_t rows);
 
 }  // namespace trvtrout::spreadsheet::biff8

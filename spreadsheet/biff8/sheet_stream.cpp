@@ -11,10 +11,14 @@ namespace {
 
 constexpr std::size_t kRowsInBlock = 32;
 
+ByteWriter& record(ByteWriter& out, std::uint16_t type, std::size_t length) {
+  return out.u16(type).u16(static_cast<std::uint16_t>(length));
+}
+
 class SheetWriter {
  public:
-  SheetWriter(const Sheet& sheet, const SheetSurroundings& around, SharedStrings& strings)
-      : sheet_(sheet), around_(around), strings_(strings) {
+  SheetWriter(const Sheet& sheet, const SheetSetting& setting, SharedStrings& strings)
+      : sheet_(sheet), setting_(setting), strings_(strings) {
     for (const ColumnFormat& format : sheet.columns)
       for (std::uint32_t column = format.first; column <= last_column(format); ++column)
         column_styles_[column] = format.style;
@@ -28,57 +32,27 @@ class SheetWriter {
   }
 
   std::string write() {
-    head();
+    out_.raw(setting_.frame.head);
+    for (const ColumnFormat& format : sheet_.columns) column(format);
+    if (sheet_.has_filter) record(kAutoFilterInfo, 2).u16(1);
+    record(kDimensions, 14).u32(0).u32(static_cast<std::uint32_t>(sheet_.rows()));
+    out_.u16(0).u16(static_cast<std::uint16_t>(widest_row_)).u16(0);
     for (std::size_t row = 0; row < sheet_.rows(); row += kRowsInBlock)
       block(row, std::min(row + kRowsInBlock, sheet_.rows()));
-    if (around_.drawing) out_.raw(filter_drop_down(*around_.drawing));
-    for (std::size_t window = 0; window < around_.windows; ++window) window_part();
-    record(kEof, 0);
+    out_.raw(setting_.drawing).raw(setting_.frame.tail);
     return out_.take();
   }
 
  private:
-  ByteWriter& record(std::uint16_t type, std::size_t length) {
-    return out_.u16(type).u16(static_cast<std::uint16_t>(length));
-  }
+  ByteWriter& record(std::uint16_t type, std::size_t length) { return biff8::record(out_, type, length); }
 
   static std::uint32_t last_column(const ColumnFormat& format) { return std::min(format.last, kColumns - 1); }
-
-  void head() {
-    std::string bof(around_.bof);
-    put(bof, 2, kSheetSubstream);
-    record(kBof, bof.size()).raw(bof);
-    out_.raw(around_.settings);
-    record(kPrintHeaders, 2).u16(0);
-    record(kPrintGridLines, 2).u16(0);
-    record(kGridSet, 2).u16(1);
-    record(kGuts, 8).zeros(8);
-    record(kDefaultRowHeight, 4).u16(0).u16(around_.row_height);
-    record(kWsBool, 2).u16(0x04C1);
-    page();
-    record(kDefColWidth, 2).u16(8);
-    for (const ColumnFormat& format : sheet_.columns) column(format);
-    if (around_.drawing) record(kAutoFilterInfo, 2).u16(1);
-    record(kDimensions, 14).u32(0).u32(static_cast<std::uint32_t>(sheet_.rows()));
-    out_.u16(0).u16(static_cast<std::uint16_t>(widest_row_)).u16(0);
-  }
-
-  void page() {
-    constexpr std::uint16_t kNoPrinter = 0x0004, kUnscaled = 255;
-    constexpr double kMargin = 0.5;
-    record(kHeader, 0);
-    record(kFooter, 0);
-    record(kHorizontalCenter, 2).u16(0);
-    record(kVerticalCenter, 2).u16(0);
-    record(kSetup, 34).u16(0).u16(kUnscaled).u16(1).u16(1).u16(1).u16(kNoPrinter).u32(0);
-    out_.f64(kMargin).f64(kMargin).u16(1);
-  }
 
   void column(const ColumnFormat& format) {
     constexpr std::uint16_t kHasOwnWidth = 0x0002;
     record(kColInfo, 12).u16(static_cast<std::uint16_t>(format.first));
     out_.u16(static_cast<std::uint16_t>(last_column(format)));
-    out_.u16(stored_width(format.width)).u16(around_.xfs.at(format.style));
+    out_.u16(stored_width(format.width)).u16(setting_.xfs.at(format.style));
     out_.u16(format.width > 0 ? kHasOwnWidth : 0).u16(0);
   }
 
@@ -106,12 +80,12 @@ class SheetWriter {
     while (end > first && !is_written(cells[end - 1], end - 1)) --end;
     if (first == end) return;
     record(kRow, 16).u16(static_cast<std::uint16_t>(row)).u16(static_cast<std::uint16_t>(first));
-    out_.u16(static_cast<std::uint16_t>(end)).u16(around_.row_height).u32(0).u16(kAlwaysSet).u16(kUsualXf);
+    out_.u16(static_cast<std::uint16_t>(end)).u16(setting_.row_height).u32(0).u16(kAlwaysSet).u16(kUsualXf);
   }
 
   ByteWriter& cell_head(std::uint16_t type, std::size_t length, const Cell& cell, std::uint16_t row,
                         std::uint16_t column) {
-    return record(type, 6 + length).u16(row).u16(column).u16(around_.xfs.at(cell.style));
+    return record(type, 6 + length).u16(row).u16(column).u16(setting_.xfs.at(cell.style));
   }
 
   void cell(const Cell& cell, std::uint16_t row, std::uint16_t column) {
@@ -146,27 +120,56 @@ class SheetWriter {
       cell_head(kNumber, 8, cell, row, column).f64(value);
   }
 
-  void window_part() {
-    // Grid, headings, zeros, headings' usual colour, outline symbols, selected, active.
-    constexpr std::uint16_t kShown = 0x0002 | 0x0004 | 0x0010 | 0x0020 | 0x0080 | 0x0200 | 0x0400;
-    constexpr std::uint32_t kUsualColor = 0x40;
-    constexpr std::uint8_t kOnlyPane = 3;
-    record(kWindow2, 18).u16(kShown).u32(0).u32(kUsualColor).zeros(8);
-    record(kSelection, 15).u8(kOnlyPane).u32(0).u16(0).u16(1).zeros(6);
-  }
-
   const Sheet& sheet_;
-  const SheetSurroundings& around_;
+  const SheetSetting& setting_;
   SharedStrings& strings_;
   std::array<std::uint16_t, kColumns> column_styles_{};
   std::size_t widest_row_ = 0;
   ByteWriter out_;
 };
 
+void append_page(ByteWriter& out) {
+  constexpr std::uint16_t kNoPrinter = 0x0004, kUnscaled = 255;
+  constexpr double kMargin = 0.5;
+  record(out, kHeader, 0);
+  record(out, kFooter, 0);
+  record(out, kHorizontalCenter, 2).u16(0);
+  record(out, kVerticalCenter, 2).u16(0);
+  record(out, kSetup, 34).u16(0).u16(kUnscaled).u16(1).u16(1).u16(1).u16(kNoPrinter).u32(0);
+  out.f64(kMargin).f64(kMargin).u16(1);
+}
+
+void append_window(ByteWriter& out) {
+  // Grid, headings, zeros, headings' usual colour, outline symbols, selected, active.
+  constexpr std::uint16_t kShown = 0x0002 | 0x0004 | 0x0010 | 0x0020 | 0x0080 | 0x0200 | 0x0400;
+  constexpr std::uint32_t kUsualColor = 0x40;
+  constexpr std::uint8_t kOnlyPane = 3;
+  record(out, kWindow2, 18).u16(kShown).u32(0).u32(kUsualColor).zeros(8);
+  record(out, kSelection, 15).u8(kOnlyPane).u32(0).u16(0).u16(1).zeros(6);
+}
+
 }  // namespace
 
-std::string sheet_stream(const Sheet& sheet, const SheetSurroundings& around, SharedStrings& strings) {
-  return SheetWriter(sheet, around, strings).write();
+SheetFrame new_frame(const SheetSurroundings& around) {
+  std::string bof(around.bof);
+  put(bof, 2, kSheetSubstream);
+  ByteWriter head, tail;
+  record(head, kBof, bof.size()).raw(bof).raw(around.settings);
+  record(head, kPrintHeaders, 2).u16(0);
+  record(head, kPrintGridLines, 2).u16(0);
+  record(head, kGridSet, 2).u16(1);
+  record(head, kGuts, 8).zeros(8);
+  record(head, kDefaultRowHeight, 4).u16(0).u16(around.row_height);
+  record(head, kWsBool, 2).u16(0x04C1);
+  append_page(head);
+  record(head, kDefColWidth, 2).u16(8);
+  for (std::size_t window = 0; window < around.windows; ++window) append_window(tail);
+  record(tail, kEof, 0);
+  return {head.take(), tail.take()};
+}
+
+std::string sheet_stream(const Sheet& sheet, const SheetSetting& setting, SharedStrings& strings) {
+  return SheetWriter(sheet, setting, strings).write();
 }
 
 }  // namespace trvtrout::spreadsheet::biff8

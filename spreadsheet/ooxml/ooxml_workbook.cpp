@@ -1,9 +1,12 @@
 #include "spreadsheet/ooxml/ooxml_workbook.h"
 
 #include <algorithm>
+#include <optional>
 #include <unordered_set>
 #include <utility>
 
+#include "spreadsheet/exchange.h"
+#include "spreadsheet/ooxml/old_sheet.h"
 #include "spreadsheet/ooxml/sheet_part.h"
 #include "spreadsheet/ooxml/style_part.h"
 #include "spreadsheet/ooxml/workbook_part.h"
@@ -81,6 +84,18 @@ std::unique_ptr<PartStream> without_selection(const Package& package, const std:
                       "program and save it again");
 }
 
+// One program trusts the results beside formulas, whatever the workbook asks for, where a program that it knows is
+// named as the one that saved it last.
+std::optional<PartChange> without_saved_by(const Package& package) {
+  const Relations relations(package, {});
+  const Relation* const properties = relations.first("extended-properties");
+  if (properties == nullptr || !package.has(properties->target)) return std::nullopt;
+  XmlPart part(properties->target, package.read(properties->target));
+  for (const auto program : part.children(part.root(), "Application")) part.remove(program);
+  if (!part.is_changed()) return std::nullopt;
+  return PartChange{part.name(), text_stream(part.changed_text())};
+}
+
 class OoxmlWorkbook : public WorkbookFile {
  public:
   explicit OoxmlWorkbook(std::string bytes);
@@ -88,12 +103,19 @@ class OoxmlWorkbook : public WorkbookFile {
   bool counts_from_1904() const override { return counts_from_1904_; }
   SheetLimits limits() const override { return kLimits; }
   std::string with_sheet(const Sheet& sheet) const override;
+  std::string with_content(std::size_t position, const Sheet& sheet, std::span<const SheetMark> marks) const override;
+  void require_exchangeable(std::size_t position, std::span<const SheetMark> marks) const override {
+    const WorkbookPart workbook(workbook_name_, package_.read(workbook_name_));
+    static_cast<void>(frame_of(position, workbook, Relations(package_, workbook_name_), marks));
+  }
 
  private:
   std::string find_workbook() const;
   std::string free_part(const ContentTypes& types, const std::string& stem, std::size_t first) const;
   StylePart styles_of(const Dialect& dialect, Relations& relations, ContentTypes& types) const;
   void deselect_all(const WorkbookPart& workbook, const Relations& relations, std::vector<PartChange>& changes) const;
+  SheetFrame frame_of(std::size_t position, const WorkbookPart& workbook, const Relations& relations,
+                      std::span<const SheetMark> marks) const;
 
   std::string bytes_;
   Package package_;
@@ -178,11 +200,48 @@ std::string OoxmlWorkbook::with_sheet(const Sheet& sheet) const {
   const std::string sheet_name = free_part(types, folder_of(workbook_name_) + "worksheets/sheet", 1);
   types.add(sheet_name, kSheetType);
   workbook.add_sheet(sheet, relations.add(dialect, "worksheet", sheet_name));
-  changes.push_back({sheet_name, sheet_stream(sheet, std::move(formats), dialect.main, workbook.views())});
+  changes.push_back({sheet_name, sheet_stream(sheet, std::move(formats), new_frame(dialect.main, workbook.views()))});
   changes.push_back(styles.change());
   changes.push_back(workbook.change());
   changes.push_back(relations.change());
   changes.push_back(types.change());
+  return package_.with(std::move(changes));
+}
+
+SheetFrame OoxmlWorkbook::frame_of(std::size_t position, const WorkbookPart& workbook, const Relations& relations,
+                                   std::span<const SheetMark> marks) const {
+  const std::string& name = sheet_names_.at(position);
+  const std::string part = relations.target(workbook.sheet_relation(position));
+  const auto is_same = [&](const std::string& id) { return lower(relations.target(id)) == lower(part); };
+  if (std::ranges::count_if(workbook.sheet_relations(), is_same) > 1)
+    raise_not_exchanged(name, "another sheet has the same content; copy what you need and remove one of them");
+  const Relation* const texts = relations.first("sharedStrings");
+  return kept_frame(package_, workbook.dialect(),
+                    {.name = name, .part = part, .texts = texts == nullptr ? std::string() : texts->target}, marks);
+}
+
+std::string OoxmlWorkbook::with_content(std::size_t position, const Sheet& sheet,
+                                        std::span<const SheetMark> marks) const {
+  WorkbookPart workbook(workbook_name_, package_.read(workbook_name_));
+  Relations relations(package_, workbook_name_);
+  relations.keep_free(workbook.named_relations());
+  ContentTypes types(package_);
+  SheetFrame frame = frame_of(position, workbook, relations, marks);
+
+  std::vector<PartChange> changes;
+  StylePart styles = styles_of(workbook.dialect(), relations, types);
+  std::vector<std::uint32_t> formats = styles.formats_of(sheet.styles);
+  workbook.exchange_content(sheet, position);
+  changes.push_back(
+      {relations.target(workbook.sheet_relation(position)), sheet_stream(sheet, std::move(formats), std::move(frame))});
+  if (auto properties = without_saved_by(package_)) changes.push_back(std::move(*properties));
+  // What the old content had as well stays as it's stored.
+  PartChange others[] = {styles.change(), workbook.change(), relations.change(), types.change()};
+  for (PartChange& change : others) {
+    std::string text(change.content->next());
+    if (!package_.has(change.name) || package_.read(change.name) != text)
+      changes.push_back({change.name, text_stream(std::move(text))});
+  }
   return package_.with(std::move(changes));
 }
 

@@ -39,8 +39,8 @@ bool must_preserve(std::string_view text) {
 
 class SheetWriter {
  public:
-  SheetWriter(const Sheet& sheet, std::vector<std::uint32_t> formats, std::string_view space, std::size_t views)
-      : sheet_(sheet), formats_(std::move(formats)), space_(space), views_(views) {
+  SheetWriter(const Sheet& sheet, std::vector<std::uint32_t> formats, SheetFrame frame)
+      : sheet_(sheet), formats_(std::move(formats)), frame_(std::move(frame)) {
     std::size_t begin = 0, widest = 1;
     for (const std::size_t end : sheet.row_ends) widest = std::max(widest, end - std::exchange(begin, end));
     for (std::size_t column = 0; column < widest; ++column) letters_.push_back(letters_of(column));
@@ -85,8 +85,7 @@ class SheetWriter {
 
   const Sheet& sheet_;
   std::vector<std::uint32_t> formats_;
-  std::string_view space_;
-  std::size_t views_;
+  SheetFrame frame_;
   std::vector<std::string> letters_;
   std::vector<std::uint16_t> column_styles_;
   std::string row_number_;
@@ -96,16 +95,10 @@ class SheetWriter {
 };
 
 void SheetWriter::append_head() {
-  piece_.append("<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n<worksheet xmlns=\"").append(space_);
-  piece_ += "\"><dimension ref=\"A1";
+  piece_.append(frame_.head).append("<dimension ref=\"A1");
   if (letters_.size() > 1 || sheet_.rows() > 1)
     piece_.append(":").append(letters_.back()).append(std::to_string(std::max<std::size_t>(sheet_.rows(), 1)));
-  piece_ += "\"/><sheetViews>";
-  for (std::size_t view = 0; view < std::max<std::size_t>(views_, 1); ++view) {
-    piece_ += "<sheetView tabSelected=\"1\" workbookViewId=\"" + std::to_string(view) +
-              "\"><selection activeCell=\"A1\" sqref=\"A1\"/></sheetView>";
-  }
-  piece_ += "</sheetViews><sheetFormatPr defaultRowHeight=\"15\"/>";
+  piece_.append("\"/>").append(frame_.views).append("<sheetFormatPr defaultRowHeight=\"15\"/>");
   if (!sheet_.columns.empty()) append_columns();
   piece_ += "<sheetData>";
 }
@@ -179,7 +172,7 @@ void SheetWriter::append_tail() {
   piece_ += "</sheetData>";
   if (sheet_.has_filter && sheet_.rows() != 0)
     piece_ += "<autoFilter ref=\"A1:A" + std::to_string(sheet_.rows()) + "\"/>";
-  piece_ += "</worksheet>";
+  piece_ += frame_.tail;
 }
 
 // The size is counted in a first run: without it the zip file would have to be written in a form for files above 4 GB,
@@ -199,9 +192,20 @@ class SheetStream : public PartStream {
 
 }  // namespace
 
-std::unique_ptr<PartStream> sheet_stream(const Sheet& sheet, std::vector<std::uint32_t> formats, std::string_view space,
-                                         std::size_t views) {
-  return std::make_unique<SheetStream>(SheetWriter(sheet, std::move(formats), space, views));
+SheetFrame new_frame(std::string_view space, std::size_t views) {
+  std::string shown = "<sheetViews>";
+  for (std::size_t view = 0; view < std::max<std::size_t>(views, 1); ++view) {
+    shown += "<sheetView tabSelected=\"1\" workbookViewId=\"" + std::to_string(view) +
+             "\"><selection activeCell=\"A1\" sqref=\"A1\"/></sheetView>";
+  }
+  return {.head = "<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"yes\"?>\n<worksheet xmlns=\"" +
+                  std::string(space) + "\">",
+          .views = shown + "</sheetViews>",
+          .tail = "</worksheet>"};
+}
+
+std::unique_ptr<PartStream> sheet_stream(const Sheet& sheet, std::vector<std::uint32_t> formats, SheetFrame frame) {
+  return std::make_unique<SheetStream>(SheetWriter(sheet, std::move(formats), std::move(frame)));
 }
 
 }  // namespace trvtrout::spreadsheet::ooxml

@@ -18,6 +18,10 @@ constexpr std::string_view kBehindNames[] = {
     "calcPr",        "oleSize",       "customWorkbookViews", "pivotCaches",       "smartTagPr",
     "smartTagTypes", "webPublishing", "fileRecoveryPr",      "webPublishObjects", "extLst",
 };
+constexpr std::span<const std::string_view> kBehindCalculation = std::span(kBehindNames).subspan(1);
+
+// As one other program calls it too.
+constexpr std::string_view kFilterNames[] = {"_xlnm._FilterDatabase", "_FilterDatabase"};
 
 std::string quoted(std::string_view sheet) {
   std::string out = "'";
@@ -92,16 +96,20 @@ std::vector<std::string> WorkbookPart::sheet_names() const {
   return names;
 }
 
+std::string WorkbookPart::sheet_relation(std::size_t position) const {
+  const auto sheet = sheets_.at(position);
+  for (const auto attribute : sheet.attributes()) {
+    const std::string_view name = attribute.name();
+    if (local_name(name) == "id" && !prefix_of(name).empty() &&
+        XmlPart::namespace_of(sheet, prefix_of(name)) == dialect_->relations)
+      return attribute.value();
+  }
+  return {};
+}
+
 std::vector<std::string> WorkbookPart::sheet_relations() const {
   std::vector<std::string> ids;
-  for (const auto sheet : sheets_) {
-    for (const auto attribute : sheet.attributes()) {
-      const std::string_view name = attribute.name();
-      if (local_name(name) == "id" && !prefix_of(name).empty() &&
-          XmlPart::namespace_of(sheet, prefix_of(name)) == dialect_->relations)
-        ids.emplace_back(attribute.value());
-    }
-  }
+  for (std::size_t position = 0; position < sheets_.size(); ++position) ids.push_back(sheet_relation(position));
   return ids;
 }
 
@@ -150,7 +158,29 @@ void WorkbookPart::add_sheet(const Sheet& sheet, const std::string& relation) {
   }
   show(position);
   shift_names(position);
-  if (sheet.has_filter && sheet.rows() != 0) add_filter_name(sheet, position);
+  if (sheet.has_filter && sheet.rows() != 0) add_name(filter_name(sheet.name, sheet.rows(), position));
+}
+
+void WorkbookPart::exchange_content(const Sheet& sheet, std::size_t position) {
+  std::string name;
+  if (sheet.has_filter && sheet.rows() != 0) name = filter_name(sheet_names().at(position), sheet.rows(), position);
+  for (const auto old : part_.children(part_.child(part_.root(), "definedNames"), "definedName")) {
+    const bool is_filter = std::ranges::count(kFilterNames, std::string_view(old.attribute("name").value())) != 0;
+    if (!is_filter || whole_number(old.attribute("localSheetId")) != position) continue;
+    if (!name.empty()) part_.insert_before(old, std::exchange(name, {}));
+    part_.remove(old);
+  }
+  if (!name.empty()) add_name(name);
+  recalculate();
+}
+
+// Programs trust the results that stand beside formulas, also of those that refer to the sheet.
+void WorkbookPart::recalculate() {
+  if (const auto calculation = part_.child(part_.root(), "calcPr")) {
+    if (!is_true(calculation.attribute("fullCalcOnLoad"))) part_.set_attribute(calculation, "fullCalcOnLoad", "1");
+  } else {
+    add_to_root('<' + part_.prefix() + "calcPr fullCalcOnLoad=\"1\"/>", kBehindCalculation);
+  }
 }
 
 // Where no view tells it, the first sheet is active, and stays so.
@@ -173,25 +203,32 @@ void WorkbookPart::shift_names(std::size_t position) {
   }
 }
 
-void WorkbookPart::add_filter_name(const Sheet& sheet, std::size_t position) {
+std::string WorkbookPart::filter_name(const std::string& sheet_name, std::size_t rows, std::size_t position) const {
   const std::string prefix = part_.prefix();
-  std::string name = '<' + prefix + "definedName name=\"_xlnm._FilterDatabase\" localSheetId=\"" +
+  std::string name = '<' + prefix + "definedName name=\"" + std::string(kFilterNames[0]) + "\" localSheetId=\"" +
                      std::to_string(position) + "\" hidden=\"1\">";
-  append_xml_text(name, quoted(sheet.name) + "!$A$1:$A$" + std::to_string(sheet.rows()));
-  name += "</" + prefix + "definedName>";
+  append_xml_text(name, quoted(sheet_name) + "!$A$1:$A$" + std::to_string(rows));
+  return name + "</" + prefix + "definedName>";
+}
+
+void WorkbookPart::add_name(const std::string& name) {
+  const std::string prefix = part_.prefix();
   if (const auto names = part_.child(part_.root(), "definedNames")) {
     part_.append(names, name);
-    return;
+  } else {
+    add_to_root('<' + prefix + "definedNames>" + name + "</" + prefix + "definedNames>", kBehindNames);
   }
-  name = '<' + prefix + "definedNames>" + name + "</" + prefix + "definedNames>";
+}
+
+void WorkbookPart::add_to_root(const std::string& element, std::span<const std::string_view> behind) {
   for (const auto node : part_.root().children()) {
     const bool own = node.type() == pugi::node_element && part_.namespace_of(node) == dialect_->main;
-    if (own && std::ranges::count(kBehindNames, local_name(node.name())) != 0) {
-      part_.insert_before(node, name);
+    if (own && std::ranges::count(behind, local_name(node.name())) != 0) {
+      part_.insert_before(node, element);
       return;
     }
   }
-  part_.append(part_.root(), name);
+  part_.append(part_.root(), element);
 }
 
 PartChange WorkbookPart::change() const { return {part_.name(), text_stream(part_.changed_text())}; }

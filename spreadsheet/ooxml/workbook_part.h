@@ -1,7 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <string>
+#include <string_view>
 #include <unordered_set>
 #include <vector>
 
@@ -27,6 +29,10 @@ class WorkbookPart {
   bool counts_from_1904() const;
   // Windows that show the workbook.
   std::size_t views() const;
+  // The id of the reference to one sheet; empty if it has none.
+  std::string sheet_relation(std::size_t position) const;
+  // Has the sheet at `position` the hidden name of the filter that `sheet` has, or none, and formulas worked out anew.
+  void exchange_content(const Sheet& sheet, std::size_t position);
   // Puts `sheet`, whose part is referred to by `relation`, in front of the active sheet and makes it the active one.
   void add_sheet(const Sheet& sheet, const std::string& relation);
   PartChange change() const;
@@ -36,7 +42,11 @@ class WorkbookPart {
   std::string sheet_element(const Sheet& sheet, const std::string& relation) const;
   void show(std::size_t position);
   void shift_names(std::size_t position);
-  void add_filter_name(const Sheet& sheet, std::size_t position);
+  std::string filter_name(const std::string& sheet_name, std::size_t rows, std::size_t position) const;
+  void add_name(const std::string& name);
+  // `behind`: the names of what follows the element in the format's order.
+  void add_to_root(const std::string& element, std::span<const std::string_view> behind);
+  void recalculate();
 
   XmlPart part_;
   const Dialect* dialect_ = nullptr;

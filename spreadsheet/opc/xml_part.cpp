@@ -187,6 +187,11 @@ std::string_view XmlPart::source(pugi::xml_node element) const {
   return std::string_view(text_).substr(begin, end_of(element) - begin);
 }
 
+std::string_view XmlPart::start_tag(pugi::xml_node element) const {
+  const std::size_t begin = begin_of(element) - 1;
+  return std::string_view(text_).substr(begin, start_tag_end(element) - begin);
+}
+
 void XmlPart::set_attribute(pugi::xml_node element, std::string_view attribute, std::string_view value) {
   const std::size_t begin = begin_of(element);
   const std::size_t end = start_tag_end(element);

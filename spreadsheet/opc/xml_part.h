@@ -51,6 +51,7 @@ class XmlPart {
   pugi::xml_node child(pugi::xml_node parent, std::string_view local_name, std::string_view space = {}) const;
   // An element as it's written.
   std::string_view source(pugi::xml_node element) const;
+  std::string_view start_tag(pugi::xml_node element) const;
 
   // Each attribute of an element can be set once; `value` stands there as it is.
   void set_attribute(pugi::xml_node element, std::string_view attribute, std::string_view value);

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <string>
 #include <utility>
@@ -51,6 +53,20 @@ Sheet make_sheet(const std::string& name) {
   return sheet;
 }
 
+std::string with_content(const std::string& bytes, const Sheet& sheet) {
+  const auto book = open_ooxml(bytes);
+  const auto& names = book->sheet_names();
+  const auto place = static_cast<std::size_t>(std::ranges::find(names, "New one") - names.begin());
+  return book->with_content(place, sheet, std::vector<SheetMark>{{0, "Head"}});
+}
+
+std::string with_other_content(const std::string& bytes) {
+  Sheet sheet;
+  sheet.cells = {Cell::text("Heading of another kind", sheet.style_number({.number_format = "0.0000000"}))};
+  sheet.row_ends = {1};
+  return with_content(bytes, sheet);
+}
+
 std::string reason_against(const std::string& bytes) {
   try {
     static_cast<void>(open_ooxml(bytes)->with_sheet(make_sheet(kName)));
@@ -100,6 +116,15 @@ TEST(OoxmlWorkbook, NothingButTheNewSheetChangesInWorkbooksOfOtherPrograms) {
     folder.put("added-" + name, after);
   }
   EXPECT_TRUE(python("ooxml_check.py", folder.at("") + " 'New one'"));
+  for (const auto& entry : std::filesystem::directory_iterator(folder.at(""))) {
+    const std::string name = entry.path().filename().string();
+    if (!name.starts_with("added-")) continue;
+    SCOPED_TRACE(name);
+    const std::string other = with_other_content(get_file(entry.path()));
+    folder.put(name, with_content(other, make_sheet("New one")));
+    EXPECT_TRUE(with_content(get_file(entry.path()), make_sheet("New one")) == get_file(entry.path()));
+  }
+  EXPECT_TRUE(python("ooxml_check.py", folder.at("") + " 'New one' --exchanged"));
 }
 
 TEST(OoxmlWorkbook, SheetAfterSheetGoesInFrontOfTheLastOne) {
