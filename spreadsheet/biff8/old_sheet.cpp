@@ -110,7 +110,10 @@ OldSheet read_old_sheet(std::string_view stream, std::size_t begin) {
     }
     append_record(*place, {record.type, std::string(record.body)});
     passed.clear();
-    if (record.type == kMsoDrawing && depth == 1 && !sheet.drawing) sheet.drawing = drawing_of(record.body);
+    if (record.type == kMsoDrawing && depth == 1 && !sheet.drawing) {
+      sheet.drawing = drawing_of(record.body);
+      if (sheet.lost.empty() && !sheet.drawing) sheet.lost = lost_text(kObj);
+    }
     if (record.type == kLabelSst && depth == 1) note_text(sheet, record);
     if (record.type == kEof) --depth;
   } while (depth > 0);
