@@ -21,7 +21,7 @@ Sheet small_sheet() {
   sheet.columns = {{0, 3, style, 12}};
   sheet.cells = {Cell::number(1.5, style), Cell::date(38139.5, 0), Cell::text("a text", style), Cell(),
                  Cell::boolean(true, 0)};
-  sheet.row_ends = {2, 5};
+  sheet.row_ends = {3, 5};
   return sheet;
 }
 

@@ -95,6 +95,28 @@ TEST_F(WorkbookCommand, ReplacedSheetsShowThroughOthersFormulas) {
   }
 }
 
+// Other programs save the same cells in other ways.
+TEST_F(WorkbookCommand, SheetsThatOtherProgramsSavedAreReplaced) {
+  const std::string soffice = "soffice -env:UserInstallation=file://$PWD/user --headless --convert-to ";
+  const struct {
+    std::string program, workbook, saves;
+  } kSavings[] = {{"soffice", "w.xls", soffice + "xls --outdir out w.xls"},
+                  {"soffice", "w.xlsx", soffice + "xlsx --outdir out w.xlsx"},
+                  {"ssconvert", "w.xls", "ssconvert -T Gnumeric_Excel:excel_biff8 w.xls out/w.xls"},
+                  {"ssconvert", "w.xlsx", "ssconvert w.xlsx out/w.xlsx"}};
+  for (const std::string workbook : {"w.xls", "w.xlsx"})
+    expect(1, "vtrout compare plant.vtr plant-next.vtr --workbook " + workbook);
+  fs::create_directory(at("out"));
+  for (const auto& [program, workbook, saves] : kSavings) {
+    if (shell("command -v " + program).status != 0) continue;
+    expect(0, saves);
+    for (const std::string command : {"compare plant-next.vtr plant.vtr", "report plant.vtr"}) {
+      for (int turn = 0; turn < 2; ++turn)
+        expect(command.starts_with("compare"), "vtrout " + command + " --replace-sheets --workbook out/" + workbook);
+    }
+  }
+}
+
 // Sheets that are there give way, others are added, and a second time nothing but the moment in their heads changes.
 TEST_F(WorkbookCommand, SheetsAreReplacedAndAddedInOneRun) {
   make_simple_workbooks();

@@ -195,17 +195,18 @@ std::string filter_drop_down(const Drawing& drawing) {
 
 std::string empty_layer(const Drawing& drawing) { return layer(drawing, {}); }
 
-Drawing drawing_of(std::string_view body) {
+std::optional<Drawing> drawing_of(std::string_view body) {
   constexpr std::size_t kNumber = kHead, kShapesAt = 2 * kHead, kHeadSize = 8;
   // Behind the head the shapes begin with the layer itself: a container, its group's area, its numbers.
-  constexpr std::size_t kLayer = kShapesAt + kHeadSize + 2 * kHead, kArea = 16;
-  constexpr std::size_t kLayerNumber = kLayer + kHead + kArea + kHead;
+  constexpr std::size_t kLayer = kShapesAt + kHeadSize + 2 * kHead, kArea = 16, kSize = 8;
+  constexpr std::size_t kLayerShape = kLayer + kHead + kArea, kLayerNumber = kLayerShape + kHead;
+  if (body.size() < kLayerNumber + kSize) return std::nullopt;
   const auto type = [body](std::size_t at) { return get<std::uint16_t>(body, at + 2); };
   if (type(0) != kDrawingContainer || type(kNumber) != kDrawingHead || type(kLayer) != kShapeGroup ||
-      type(kLayer + kHead + kArea) != kShape)
-    raise_damaged("a drawing in it is inconsistent");
-  return {static_cast<std::uint16_t>(get<std::uint16_t>(body, kNumber) >> 4), get<std::uint32_t>(body, kLayerNumber),
-          get<std::uint32_t>(body, kShapesAt)};
+      type(kLayerShape) != kShape)
+    return std::nullopt;
+  return Drawing{static_cast<std::uint16_t>(get<std::uint16_t>(body, kNumber) >> 4),
+                 get<std::uint32_t>(body, kLayerNumber), get<std::uint32_t>(body, kShapesAt)};
 }
 
 bool is_filter_drop_down(std::string_view object) {

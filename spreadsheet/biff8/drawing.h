@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -26,8 +27,9 @@ std::string filter_drop_down(const Drawing& drawing);
 // The record of a drawing layer that holds nothing, for a drawing that loses the drop-down and keeps its numbers.
 std::string empty_layer(const Drawing& drawing);
 
-// The numbers of the drawing layer that the body of a record begins with. Raises WorkbookError.
-Drawing drawing_of(std::string_view body);
+// The numbers of the drawing layer that the body of a record begins with; nothing where it doesn't begin as one with no
+// more than drop-downs does.
+std::optional<Drawing> drawing_of(std::string_view body);
 // Whether the body of an OBJ is the drop-down of a filter.
 bool is_filter_drop_down(std::string_view object);
 

@@ -66,11 +66,14 @@ std::string lost_text(std::uint16_t type) {
   return "things that no new sheet has (records of the type " + std::string(digits.begin(), end) + "h)";
 }
 
-// Some programs save a boolean as a formula.
-bool is_boolean(std::string_view formula) {
-  constexpr std::size_t kTokens = 20;
-  constexpr std::string_view kOneBoolean("\2\0\x1D", 3);
-  return formula.size() == kTokens + kOneBoolean.size() + 1 && formula.substr(kTokens).starts_with(kOneBoolean);
+// Some programs save a boolean as a formula, which several cells may share: they then only tell where it stands.
+bool is_boolean(const RecordView& formula) {
+  constexpr std::size_t kTokens = 20, kSharedTokens = 8;
+  constexpr std::string_view kOneBoolean("\2\0\x1D", 3), kOneShared("\5\0\1", 3);
+  const bool is_shared = formula.type == kSharedFormula;
+  const std::string_view tokens =
+      formula.body.substr(std::min(formula.body.size(), is_shared ? kSharedTokens : kTokens));
+  return tokens.starts_with(kOneBoolean) || (!is_shared && tokens.starts_with(kOneShared));
 }
 
 // The drop-down goes with the filter; a protection that is switched off and a list of no page breaks are nothing.
@@ -78,7 +81,7 @@ bool is_exchanged(const RecordView& record) {
   constexpr std::uint16_t kNothingAtZero[] = {kWindowProtect, kProtect,          kObjectProtect, kScenarioProtect,
                                               kPassword,      kHorizontalBreaks, kVerticalBreaks};
   if (record.type == kObj) return is_filter_drop_down(record.body);
-  if (record.type == kFormula) return is_boolean(record.body);
+  if (record.type == kFormula || record.type == kSharedFormula) return is_boolean(record);
   if (is_among(record.type, kNothingAtZero))
     return record.body.size() < sizeof(std::uint16_t) || get<std::uint16_t>(record.body, 0) == 0;
   return is_among(record.type, kExchanged);
@@ -110,7 +113,10 @@ OldSheet read_old_sheet(std::string_view stream, std::size_t begin) {
     }
     append_record(*place, {record.type, std::string(record.body)});
     passed.clear();
-    if (record.type == kMsoDrawing && depth == 1 && !sheet.drawing) sheet.drawing = drawing_of(record.body);
+    if (record.type == kMsoDrawing && depth == 1 && !sheet.drawing) {
+      sheet.drawing = drawing_of(record.body);
+      if (sheet.lost.empty() && !sheet.drawing) sheet.lost = lost_text(kObj);
+    }
     if (record.type == kLabelSst && depth == 1) note_text(sheet, record);
     if (record.type == kEof) --depth;
   } while (depth > 0);

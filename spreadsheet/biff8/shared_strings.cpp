@@ -41,7 +41,8 @@ class TextWalk {
   Text take_text() {
     const std::size_t length = take<std::uint16_t>();
     const std::uint8_t flags = take<std::uint8_t>();
-    at_ += (flags & kRich ? 2 : 0) + (flags & kPhonetic ? 4 : 0);
+    if (flags & kRich) take<std::uint16_t>();
+    if (flags & kPhonetic) take<std::uint32_t>();
     Text text{{}, (flags & (kRich | kPhonetic)) == 0};
     pass_units(length, flags & kWide, &text.units);
     return text;

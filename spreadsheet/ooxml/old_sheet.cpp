@@ -44,14 +44,16 @@ class OutlineReader {
     if (markup.kind == MarkupKind::kStartTag) ++depth_;
   }
 
-  // Some programs save a boolean as a formula.
+  // Some programs save a boolean as a formula, which several cells may share: only one of them then tells it.
   void note_cell(const Markup& markup) {
     if (markup.kind == MarkupKind::kText) {
       if (formula_) *formula_ += markup.source;
       return;
     }
     if (markup.name() == "f") {
-      const bool is_boolean = formula_ == "TRUE()" || formula_ == "FALSE()";
+      if (markup.kind != MarkupKind::kEndTag) shares_ = markup.source.find("shared") != std::string_view::npos;
+      const bool is_told = formula_ && !formula_->empty();
+      const bool is_boolean = is_told ? formula_ == "TRUE()" || formula_ == "FALSE()" : shares_;
       if (markup.kind != MarkupKind::kStartTag && !is_boolean) outline_.lost = "formulas";
       formula_.reset();
       if (markup.kind == MarkupKind::kStartTag) formula_.emplace();
@@ -63,7 +65,7 @@ class OutlineReader {
   MarkupReader reader_;
   Outline outline_;
   std::size_t depth_ = 0, rows_ = 0;
-  bool in_cells_ = false;
+  bool in_cells_ = false, shares_ = false;
   std::optional<std::string> formula_;  // as far as it was read
 };
 

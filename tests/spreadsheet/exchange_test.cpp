@@ -1,3 +1,5 @@
+#include <random>
+
 #include "spreadsheet/ooxml/ooxml_workbook.h"
 #include "tests/spreadsheet/biff8_parts.h"
 
@@ -107,6 +109,31 @@ TEST_F(Biff8, ViewAndPageStay) {
       EXPECT_EQ(get<std::uint16_t>(record.body, 0), 0x06BE);
     }
   }
+}
+
+TEST_F(Biff8, ADamagedSheetIsNotExchangedOrItsWorkbookStaysWhole) {
+  std::mt19937 random(11);
+  const auto any = [&random](std::size_t below) { return random() % below; };
+  int refused = 0, done = 0;
+  for (const WorkbookFormat format : {WorkbookFormat::kBiff8, WorkbookFormat::kOoxml}) {
+    const std::string whole = open_workbook(empty_workbook(format))->with_sheet(other_sheet("One"));
+    for (int turn = 0; turn < 600; ++turn) {
+      std::string bytes = whole;
+      for (std::size_t changes = 1 + any(3); changes > 0; --changes)
+        bytes[any(bytes.size())] = static_cast<char>(any(256));
+      try {
+        const auto book = open_workbook(bytes);
+        const std::vector<std::string> names = book->sheet_names();
+        if (names.empty()) continue;
+        ASSERT_EQ(open_workbook(book->with_content(0, other_sheet("One"), kMarks))->sheet_names(), names) << turn;
+        ++done;
+      } catch (const WorkbookError&) {
+        ++refused;
+      }
+    }
+  }
+  EXPECT_GT(refused, 100);
+  EXPECT_GT(done, 100);
 }
 
 // Sheets that the program didn't make, and ones that have something of somebody's in them: see the script.
