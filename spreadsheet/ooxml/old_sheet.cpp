@@ -50,7 +50,8 @@ class OutlineReader {
       if (formula_) *formula_ += markup.source;
       return;
     }
-    if (markup.name() == "f") {
+    const std::string_view name = markup.name();
+    if (name == "f") {
       if (markup.kind != MarkupKind::kEndTag) shares_ = markup.source.find("shared") != std::string_view::npos;
       const bool is_told = formula_ && !formula_->empty();
       const bool is_boolean = is_told ? formula_ == "TRUE()" || formula_ == "FALSE()" : shares_;
@@ -58,7 +59,7 @@ class OutlineReader {
       formula_.reset();
       if (markup.kind == MarkupKind::kStartTag) formula_.emplace();
     }
-    if (markup.name() == "c" && markup.source.find(" vm=") != std::string_view::npos)
+    if (name == "c" && markup.source.find(" vm=") != std::string_view::npos)
       outline_.lost = "cells with pictures or linked data";
   }
 

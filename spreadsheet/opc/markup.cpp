@@ -17,17 +17,19 @@ constexpr std::pair<std::string_view, std::string_view> kSections[] = {
 
 // Behind the end of the markup that `text` begins with; npos if it isn't there yet.
 std::size_t markup_end(std::string_view text) {
+  const bool is_tag = text.size() > 1 && text[1] != '!' && text[1] != '?';
   for (const auto& [begin, end] : kSections) {
-    if (!text.starts_with(begin)) continue;
+    if (is_tag || !text.starts_with(begin)) continue;
     const std::size_t at = text.find(end, begin.size());
     return at == text.npos ? at : at + end.size();
   }
-  std::size_t at = 0;
-  while ((at = text.find_first_of("\"'>", at)) != text.npos && text[at] != '>') {
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (text[at] == '>') return at + 1;
+    if (text[at] != '"' && text[at] != '\'') continue;
     at = text.find(text[at], at + 1);
-    if (at != text.npos) ++at;
+    if (at == text.npos) return at;
   }
-  return at == text.npos ? at : at + 1;
+  return text.npos;
 }
 
 MarkupKind kind_of(std::string_view markup) {
@@ -41,7 +43,11 @@ MarkupKind kind_of(std::string_view markup) {
 
 std::string_view Markup::name() const {
   const std::string_view inner = source.substr(kind == MarkupKind::kEndTag ? 2 : 1);
-  return local_name(inner.substr(0, inner.find_first_of(" \t\r\n/>")));
+  const auto ends = [](char letter) {
+    return letter == ' ' || letter == '>' || letter == '/' || letter == '\t' || letter == '\r' || letter == '\n';
+  };
+  const auto length = std::ranges::find_if(inner, ends) - inner.begin();
+  return local_name(inner.substr(0, static_cast<std::size_t>(length)));
 }
 
 bool MarkupReader::fill() {
