@@ -75,7 +75,8 @@ TEST_F(Biff8, AFilterComesAndGoes) {
   const auto types = [](const std::string& bytes) {
     std::map<std::uint16_t, int> all;
     const std::string stream = workbook_stream(bytes);
-    for (const RecordView& record : parts_of(stream).sheets.at(u"One")) ++all[record.type];
+    const auto parts = parts_of(stream);
+    for (const RecordView& record : parts.sheets.at(u"One")) ++all[record.type];
     return all;
   };
   EXPECT_EQ(types(without).count(kObj) + types(without).count(kAutoFilterInfo), 0U);
@@ -96,12 +97,14 @@ TEST_F(Biff8, AFilterComesAndGoes) {
 TEST_F(Biff8, ViewAndPageStay) {
   const std::string added = open_biff8(empty_biff8())->with_sheet(other_sheet("One"));
   std::string stream = workbook_stream(added);
-  for (const RecordView& record : parts_of(stream).sheets.at(u"One")) {
+  const auto before_parts = parts_of(stream);
+  for (const RecordView& record : before_parts.sheets.at(u"One")) {
     if (record.type == kSetup) put<std::uint16_t>(stream, record.at + kRecordHead + 2, 77);
     if (record.type == kWindow2) put<std::uint16_t>(stream, record.at + kRecordHead, 0x06BE);
   }
   const std::string after = workbook_stream(exchanged(compound_file_of(u"Workbook", stream), other_sheet("One")));
-  for (const RecordView& record : parts_of(after).sheets.at(u"One")) {
+  const auto after_parts = parts_of(after);
+  for (const RecordView& record : after_parts.sheets.at(u"One")) {
     if (record.type == kSetup) {
       EXPECT_EQ(get<std::uint16_t>(record.body, 2), 77);
     }
