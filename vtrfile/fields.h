@@ -11,7 +11,7 @@ concept RecordType = requires {
 
 // Calls visit(name, member) for each field of the record, in file order.
 template <class Record, class Visit>
-constexpr void for_each_field(Record& record, Visit&& visit) {
+[[gnu::always_inline]] constexpr void for_each_field(Record& record, Visit&& visit) {
   std::remove_const_t<Record>::each_member(record, visit);
 }
 
@@ -29,7 +29,7 @@ constexpr void for_each_field(Record& record, Visit&& visit) {
   using ListedBase = Base;                                      \
   static constexpr const char* kListed = #__VA_ARGS__;          \
   template <class Self, class Visit>                            \
-  static constexpr void each_member(Self& self, Visit& visit) { \
+  [[gnu::always_inline]] static constexpr void each_member(Self& self, Visit& visit) { \
     visit_base VTR_EXPAND(VTR_EACH(__VA_ARGS__))                \
   }
 
