@@ -24,13 +24,13 @@ template <class Record, class Visit>
 // The same for a record that begins with all fields of `Base`.
 #define VTR_MORE_FIELDS(Base, Record, ...) VTR_LIST(Record, Base, Base::each_member(self, visit);, __VA_ARGS__)
 
-#define VTR_LIST(Record, Base, visit_base, ...)                 \
-  using Listed = Record;                                        \
-  using ListedBase = Base;                                      \
-  static constexpr const char* kListed = #__VA_ARGS__;          \
-  template <class Self, class Visit>                            \
+#define VTR_LIST(Record, Base, visit_base, ...)                                        \
+  using Listed = Record;                                                               \
+  using ListedBase = Base;                                                             \
+  static constexpr const char* kListed = #__VA_ARGS__;                                 \
+  template <class Self, class Visit>                                                   \
   [[gnu::always_inline]] static constexpr void each_member(Self& self, Visit& visit) { \
-    visit_base VTR_EXPAND(VTR_EACH(__VA_ARGS__))                \
+    visit_base VTR_EXPAND(VTR_EACH(__VA_ARGS__))                                       \
   }
 
 #define VTR_EACH(name, ...) \
