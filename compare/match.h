@@ -22,6 +22,7 @@ struct MatchKey {
   std::int32_t second_number = 0;
   std::string_view text;
   std::string_view second_text;
+  // NOLINTNEXTLINE(modernize-use-nullptr): what the compiler makes of it is taken for a comparison with 0
   auto operator<=>(const MatchKey&) const = default;
 };
 

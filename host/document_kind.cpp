@@ -32,7 +32,7 @@ vtrfile::HEADER_STRUCT read_header(const vtrfile::Image& image, std::pmr::memory
 
 bool begins_as_document(Files& files, const std::u16string& path) {
   // Four texts of at most 64 KiB each; those of a file that people keep take some hundred bytes.
-  for (const std::size_t most : {std::size_t{4096}, std::size_t{4 * 65538}}) {
+  for (const std::size_t most : {std::size_t{4096}, std::size_t{4} * 65538}) {
     const auto file = files.OpenBinary(path);
     vtrfile::Image image(std::min<std::size_t>(most, file->Size()));
     image.shorten(file->Read(image.writable()));
