@@ -54,7 +54,7 @@ class Command : public testing::Test {
   // Runs the commands and expects that they're refused, with the reason, and that all files stay as they are.
   Outcome expect_refused(const std::string& commands, const std::string& reason) const {
     const auto before = files();
-    const Outcome run = shell(commands);
+    Outcome run = shell(commands);
     EXPECT_EQ(run.status, 2) << commands;
     EXPECT_EQ(run.out, "") << commands;
     EXPECT_NE(run.err.find(reason), std::string::npos) << commands << run.err;
