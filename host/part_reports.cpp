@@ -80,7 +80,9 @@ ExitStatus PartReports::run(TarvelVtrOut_InOut& utility, const PartOperation& op
   bool all_whole = true;
   for (const Part* const part : parts_) {
     progress.show(std::string(operation.doing) + ' ' + part->name);
-    auto [path, whole] = write(utility, operation, *part, output);
+    const Written written = write(utility, operation, *part, output);
+    const std::u16string& path = written.path;
+    bool whole = written.whole;
     if (whole && workbook_) {
       whole = workbook_->take(utility, part->name, path,
                               [&](const std::u16string& target) { return operation.move(*part, target, path); });

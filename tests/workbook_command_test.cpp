@@ -11,7 +11,7 @@ class WorkbookCommand : public Command {
   }
   // Expects the status and hands the outcome on.
   Outcome expect(int status, const std::string& commands) const {
-    const Outcome run = shell(commands);
+    Outcome run = shell(commands);
     EXPECT_EQ(run.status, status) << commands << "\n" << run.err;
     return run;
   }

@@ -205,13 +205,9 @@ std::optional<Moment> parse_moment(Scanner scanner) {
   std::optional<int> day, second;
   while (!scanner.at_end()) {
     Scanner ahead = scanner;
-    if (!day && (day = take_date(ahead))) {
-      scanner = ahead;
-    } else if (!second && (second = take_time(ahead = scanner))) {
-      scanner = ahead;
-    } else {
-      return std::nullopt;
-    }
+    const bool taken = (!day && (day = take_date(ahead))) || (!second && (second = take_time(ahead = scanner)));
+    if (!taken) return std::nullopt;
+    scanner = ahead;
     if (!scanner.at_end() && !scanner.take_blanks()) return std::nullopt;
   }
   if (!day && !second) return std::nullopt;

@@ -101,7 +101,7 @@ class MemoryFiles : public Files {
       if (path_.empty()) refuse(ErrorNumber::kBadFileName, path_);
       return counted().files[path_];
     }
-    void close() {
+    void finish() {
       ++counted().closed;
       release();
     }
@@ -122,7 +122,7 @@ class MemoryFiles : public Files {
     using Object::Object;
     void WriteLine(std::string_view text) override { written().append(text).append("\r\n"); }
     void Write(std::string_view text) override { written().append(text); }
-    void Close() override { close(); }
+    void Close() override { finish(); }
 
    private:
     std::string& written() {
@@ -146,7 +146,7 @@ class MemoryFiles : public Files {
       position_ += length;
       return length;
     }
-    void Close() override { close(); }
+    void Close() override { finish(); }
 
    private:
     std::size_t readable_to() {
@@ -165,7 +165,7 @@ class MemoryFiles : public Files {
       all.replace(position_, std::min(text.size(), all.size() - position_), text);
       position_ += text.size();
     }
-    void Close() override { close(); }
+    void Close() override { finish(); }
 
    private:
     std::size_t position_ = 0;
