@@ -116,7 +116,7 @@ TEST_F(Biff8, AListOfDrawingsGoesOnInOtherRecords) {
     }
     return body;
   };
-  for (const std::uint32_t clusters : {1022, 1023, 1024, 1025, 1026, 2500}) {
+  for (const std::uint32_t clusters : {1022U, 1023U, 1024U, 1025U, 1026U, 2500U}) {
     for (const std::uint16_t type : {kContinue, kMsoDrawingGroup}) {
       SCOPED_TRACE(std::to_string(clusters) + " clusters, then " + std::to_string(type));
       const std::string before = with_clusters(clusters, type);

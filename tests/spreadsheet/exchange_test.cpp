@@ -34,7 +34,7 @@ std::size_t place_of(const WorkbookFile& book, const std::string& name) {
 std::string exchanged(const std::string& bytes, const Sheet& sheet) {
   const auto book = open_workbook(bytes);
   const std::vector<std::string> names = book->sheet_names();
-  const std::string after = book->with_content(place_of(*book, sheet.name), sheet, kMarks);
+  std::string after = book->with_content(place_of(*book, sheet.name), sheet, kMarks);
   EXPECT_EQ(open_workbook(after)->sheet_names(), names);
   return after;
 }
