@@ -1,5 +1,4 @@
 #include "host/commands.h"
-#include "host/workbook_target.h"
 #include "platform/files/path.h"
 #include "platform/program/open_books.h"
 
@@ -11,7 +10,6 @@ bool is_comma_text(const std::string& path) { return platform::is_comma_text(tex
 }  // namespace
 
 ExitStatus statistics(const Settings& settings, const StatisticsTask& task) {
-  require_workbook_path(task.workbook);
   if (!is_comma_text(task.report)) {
     complain(task.report + ": a report's name ends in .csv; rename it");
     return kTrouble;

@@ -40,16 +40,9 @@ platform::WorkbookRules workbook_rules(const Settings& settings) {
   return rules;
 }
 
-void require_workbook_path(const std::string& path) {
-  if (path.find('\\') == std::string::npos) return;
-  platform::refuse_file(ErrorNumber::kBadFileName, "change", path,
-                        "a workbook's path can't contain a backslash; rename it");
-}
-
 WorkbookTarget::WorkbookTarget(Machine& machine, const std::string& path,
                                const std::vector<std::u16string>& sheet_names)
     : path_(path) {
-  require_workbook_path(path);
   std::string bytes;
   if (platform::name_is_taken(path)) {
     const platform::WorkbookRules& rules = machine.spreadsheet().rules();

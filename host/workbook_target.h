@@ -42,7 +42,4 @@ class WorkbookTarget {
 
 platform::WorkbookRules workbook_rules(const Settings& settings);
 
-// Raises ServiceError for a path (of the machine) that the class can't name: one with a backslash.
-void require_workbook_path(const std::string& path);
-
 }  // namespace trvtrout::host
