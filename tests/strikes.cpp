@@ -1,0 +1,159 @@
+#include "tests/strikes.h"
+
+#include <algorithm>
+
+#include "vtrfile/layout_walk.h"
+#include "vtrfile/value_types.h"
+
+namespace trvtrout::tests {
+namespace {
+
+using namespace vtrfile;
+
+constexpr std::size_t kSector = 512;
+
+// The bytes of an item without its lists and their numbers; nothing for an unused one.
+std::optional<std::string> own_bytes(const Layout& layout, std::span<const unsigned char> image) {
+  const unsigned char* at = image.data();
+  const unsigned char* const end = at + image.size();
+  LayoutWalk walk(at, end, {});
+  std::string own;
+  LayoutWalk::Findings found;
+  for (std::uint32_t step = 0; step < layout.size(); ++step) {
+    const unsigned char* const next = walk.steps(layout, step, step + 1, at, end, found);
+    if (!next) break;
+    const bool number = layout.steps[step].role > Layout::Role::kKey;
+    if (layout.steps[step].form != Layout::Form::kList && !number) own.append(at, next);
+    at = next;
+  }
+  return found.has_key || !layout.has_key ? std::optional(own) : std::nullopt;
+}
+
+// Calls visit(item's path and own bytes, its bytes in the image) for each used item of each list.
+template <class Visit>
+void for_each_item(Value value, const std::string& path, const Visit& visit) {
+  if (value.kind() == Kind::kRecord) {
+    for (const MemberType& member : value.type().members) {
+      for_each_item(value.member(member), path + '/' + member.name, visit);
+    }
+  }
+  if (value.kind() != Kind::kArray && value.kind() != Kind::kRun) return;
+  for (std::uint32_t place = 0; place < value.elements(); ++place) {
+    const Value item = value.element(place);
+    if (value.kind() == Kind::kArray && item.kind() == Kind::kRecord) {
+      const auto image = value.image_of(place);
+      if (const auto own = own_bytes(layout_of(item.type(), "01.02.00"), image)) visit(path + '\0' + *own, image);
+    }
+    for_each_item(item, path, visit);
+  }
+}
+
+template <class Visit>
+void for_each_item(const DocumentSlots& document, const Visit& visit) {
+  for (const SectionValue& section : sections_of(document)) for_each_item(section.record, std::string(section.tag), visit);
+}
+
+}  // namespace
+
+namespace {
+
+// `at`: below the size.
+Struck strike_at(std::string& bytes, Strike how, std::size_t at, std::mt19937& random) {
+  const auto below = [&](std::size_t limit) { return random() % limit; };
+  const bool sector = how == Strike::kZeros || how == Strike::kNoise;
+  const std::size_t size = std::min(sector ? kSector : 1 + below(kSector), bytes.size() - at);
+  switch (how) {
+    case Strike::kBit:
+      bytes[at] = static_cast<char>(bytes[at] ^ (1 << below(8)));
+      return {at, at + 1, at, at + 1};
+    case Strike::kByte:
+      bytes[at] = static_cast<char>(static_cast<unsigned char>(bytes[at]) + 1 + below(255));
+      return {at, at + 1, at, at + 1};
+    case Strike::kZeros:
+      std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), size, '\0');
+      return {at, at + size, at, at + size};
+    case Strike::kNoise:
+      std::generate_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), size, [&] { return static_cast<char>(below(256)); });
+      return {at, at + size, at, at + size};
+    case Strike::kLost:
+      bytes.erase(at, size);
+      return {at, at + size, at, at};
+    case Strike::kDoubled:
+      bytes.insert(at, bytes.substr(at, size));
+      return {at, at + size, at, at + 2 * size};
+    case Strike::kCut:
+      bytes.resize(at);
+      return {at, std::string::npos, at, at};
+  }
+  return {};
+}
+
+}  // namespace
+
+std::vector<Struck> strike(std::string& bytes, Strike how, int times, std::mt19937& random) {
+  std::vector<std::size_t> places;
+  while (std::ssize(places) < times) places.push_back(random() % bytes.size());
+  std::ranges::sort(places, std::greater{});
+  std::vector<Struck> all;
+  for (const std::size_t place : places) {
+    const std::size_t before = bytes.size();
+    const Struck struck = strike_at(bytes, how, place, random);
+    // What stands behind has moved.
+    for (Struck& behind : all) {
+      behind.struck_begin += bytes.size() - before;
+      behind.struck_end += bytes.size() - before;
+    }
+    all.push_back(struck);
+  }
+  return all;
+}
+
+std::optional<Items> items_of(std::string_view bytes) {
+  Reading reading;
+  reading.read(bytes);
+  if (!reading.complete) return {};
+  Items items;
+  for_each_item(reading.current, [&](const std::string& item, auto) { ++items[item]; });
+  return items;
+}
+
+std::vector<std::string> invented(const Salvaged& salvaged, const Items& whole, const std::vector<Struck>& struck) {
+  Reading reading;
+  reading.read(std::string_view(reinterpret_cast<const char*>(salvaged.image->begin()), salvaged.image->size()));
+  std::vector<std::string> all;
+  for_each_item(reading.current, [&](const std::string& item, std::span<const unsigned char> image) {
+    if (whole.contains(item)) return;
+    // The reading has a copy of the image, and the texts of a small record stand in it too.
+    const auto begin = static_cast<std::size_t>(image.data() - reading.image->begin());
+    FileRange from{std::string::npos, 0};
+    for (const SalvagedPiece& piece : salvaged.pieces) {
+      const std::size_t first = std::max<std::size_t>(begin, piece.at);
+      const std::size_t last = std::min<std::size_t>(begin + image.size(), piece.at + piece.from.size());
+      if (first >= last) continue;
+      from.begin = std::min(from.begin, piece.from.begin + (first - piece.at));
+      from.end = std::max(from.end, piece.from.begin + (last - piece.at));
+    }
+    const auto touches = [&](const Struck& s) { return from.begin <= s.struck_end && s.struck_begin <= from.end; };
+    if (std::ranges::none_of(struck, touches)) {
+      all.push_back(item.substr(0, item.find('\0')) + " from " + std::to_string(from.begin) + " to " + std::to_string(from.end));
+    }
+  });
+  return all;
+}
+
+std::int64_t common(const Items& one, const Items& other) {
+  std::int64_t both = 0;
+  for (const auto& [item, number] : one) {
+    const auto found = other.find(item);
+    if (found != other.end()) both += std::min(number, found->second);
+  }
+  return both;
+}
+
+std::int64_t size_of(const Items& items) {
+  std::int64_t all = 0;
+  for (const auto& [item, number] : items) all += number;
+  return all;
+}
+
+}  // namespace trvtrout::tests
