@@ -42,7 +42,7 @@ void for_each_item(Value value, const std::string& path, const Visit& visit) {
     const Value item = value.element(place);
     if (value.kind() == Kind::kArray && item.kind() == Kind::kRecord) {
       const auto image = value.image_of(place);
-      if (const auto own = own_bytes(layout_of(item.type(), "01.02.00"), image)) visit(path + '\0' + *own, image);
+      if (const auto own = own_bytes(layout_of(item.type(), "01.02.00"), image)) visit(path + '\n' + *own, image);
     }
     for_each_item(item, path, visit);
   }
@@ -113,17 +113,27 @@ std::optional<Items> items_of(std::string_view bytes) {
   reading.read(bytes);
   if (!reading.complete) return {};
   Items items;
-  for_each_item(reading.current, [&](const std::string& item, auto) { ++items[item]; });
+  for_each_item(reading.current, [&](const std::string& item, std::span<const unsigned char> image) {
+    const auto begin = static_cast<std::size_t>(image.data() - reading.image->begin());
+    items[item].push_back({begin, begin + image.size()});
+  });
   return items;
 }
 
 std::vector<std::string> invented(const Salvaged& salvaged, const Items& whole, const std::vector<Struck>& struck) {
   Reading reading;
   reading.read(std::string_view(reinterpret_cast<const char*>(salvaged.image->begin()), salvaged.image->size()));
+  // Where the byte of the struck file stood in the whole one.
+  const auto whole_place = [&](std::size_t at) {
+    std::size_t moved = at;
+    for (const Struck& s : struck) {
+      if (at >= s.struck_end) moved += (s.end - s.begin) - (s.struck_end - s.struck_begin);
+    }
+    return moved;
+  };
   std::vector<std::string> all;
   for_each_item(reading.current, [&](const std::string& item, std::span<const unsigned char> image) {
     if (whole.contains(item)) return;
-    // The reading has a copy of the image, and the texts of a small record stand in it too.
     const auto begin = static_cast<std::size_t>(image.data() - reading.image->begin());
     FileRange from{std::string::npos, 0};
     for (const SalvagedPiece& piece : salvaged.pieces) {
@@ -133,26 +143,33 @@ std::vector<std::string> invented(const Salvaged& salvaged, const Items& whole, 
       from.begin = std::min(from.begin, piece.from.begin + (first - piece.at));
       from.end = std::max(from.end, piece.from.begin + (last - piece.at));
     }
+    const std::string path = item.substr(0, item.find('\n'));
     const auto touches = [&](const Struck& s) { return from.begin <= s.struck_end && s.struck_begin <= from.end; };
-    if (std::ranges::none_of(struck, touches)) {
-      all.push_back(item.substr(0, item.find('\0')) + " from " + std::to_string(from.begin) + " to " + std::to_string(from.end));
+    if (std::ranges::any_of(struck, touches)) return;
+    const std::size_t first = whole_place(from.begin), last = whole_place(from.end - 1) + 1;
+    for (auto known = whole.lower_bound(path + '\n'); known != whole.end() && known->first.starts_with(path + '\n'); ++known) {
+      for (const Place& place : known->second) {
+        const auto strikes = [&](const Struck& s) { return place.begin < s.end && s.begin < place.end; };
+        if (place.begin <= first && last <= place.end && std::ranges::any_of(struck, strikes)) return;
+      }
     }
+    all.push_back(path + " from " + std::to_string(from.begin) + " to " + std::to_string(from.end));
   });
   return all;
 }
 
 std::int64_t common(const Items& one, const Items& other) {
   std::int64_t both = 0;
-  for (const auto& [item, number] : one) {
+  for (const auto& [item, places] : one) {
     const auto found = other.find(item);
-    if (found != other.end()) both += std::min(number, found->second);
+    if (found != other.end()) both += std::min(std::ssize(places), std::ssize(found->second));
   }
   return both;
 }
 
 std::int64_t size_of(const Items& items) {
   std::int64_t all = 0;
-  for (const auto& [item, number] : items) all += number;
+  for (const auto& [item, places] : items) all += std::ssize(places);
   return all;
 }
 

@@ -30,14 +30,19 @@ struct Struck {
 // Damages `bytes` at random places.
 std::vector<Struck> strike(std::string& bytes, Strike how, int times, std::mt19937& random);
 
-// The items of all lists of a document by what they hold themselves, without the lists within them: the list's path,
-// then the bytes. How many there are of each.
-using Items = std::map<std::string, int>;
+// The used items of all lists of a document by what they hold themselves, without the lists within them: the list's path
+// and the bytes. Where each of them stands in the file.
+struct Place {
+  std::size_t begin, end;
+};
+using Items = std::map<std::string, std::vector<Place>>;
 
-// The document of a file; nothing when it doesn't read to its end.
+// The items of a file; nothing when it doesn't read to its end.
 std::optional<Items> items_of(std::string_view bytes);
-// The used items of a file that was salvaged which aren't among `whole`, and don't come from the struck bytes either.
-std::vector<std::string> invented(const vtrfile::Salvaged& salvaged, const Items& whole, const std::vector<Struck>& struck);
+// Those of a file that was salvaged which aren't among the `whole` one's, nor what is left of one that was struck. For
+// people.
+std::vector<std::string> invented(const vtrfile::Salvaged& salvaged, const Items& whole,
+                                  const std::vector<Struck>& struck);
 // Those of both.
 std::int64_t common(const Items& one, const Items& other);
 std::int64_t size_of(const Items& items);

@@ -13,6 +13,8 @@ using Form = Layout::Form;
 constexpr std::ptrdiff_t kLongestTag = 64;
 // So far in front of a place the values are looked for that lead to it.
 constexpr std::ptrdiff_t kLongestFront = 2048;
+// So often it may go on at the place at which it broke off: behind a list, in one around it.
+constexpr int kMostStalls = 4;
 // What stands behind the name of a tag as it's written.
 constexpr unsigned char kPlainTagEnd[] = {1, 0, 0, 0, 0, 0};
 
@@ -42,7 +44,7 @@ bool SalvageRun::resume() {
 
 std::optional<SalvageRun::Resumption> SalvageRun::find() {
   const Place tag = sight_->next_tag(at_);
-  for (Place at = at_; at < tag && !worn_out(); ++at) {
+  for (Place at = at_ + (stalls_ > kMostStalls ? 1 : 0); at < tag && !worn_out(); ++at) {
     std::optional<Resumption> best;
     try_place(at, best);
     if (best) return best;
@@ -150,6 +152,7 @@ void SalvageRun::try_sections(Place at, std::optional<Resumption>& best) {
 }
 
 void SalvageRun::go_on(const Resumption& resumption) {
+  stalls_ = resumption.at == at_ ? stalls_ + 1 : 0;
   if (!in_header_ && !open_.empty()) note_loss(resumption);
   const bool new_section = resumption.where == Where::kTag || resumption.where == Where::kRecord;
   if (new_section) {
@@ -157,7 +160,7 @@ void SalvageRun::go_on(const Resumption& resumption) {
       while (open_.size() > 1) close_struck(nullptr);
       close_struck(resumption.at);
     }
-    if (resumption.where == Where::kRecord) open_section(resumption.section, nullptr, resumption.at);
+    if (resumption.where == Where::kRecord) open_section(resumption.section, {.content = resumption.at});
     at_ = resumption.at;
     return;
   }

@@ -128,6 +128,7 @@ bool SalvageRun::enter_section(const TagPlace& tag) {
   bool whole = is_whole(taken, end);
   if (!whole && tag.count != 1) {
     taken.count = 1;
+    taken.kept = false;
     whole = is_whole(taken, end);
   }
   if (!whole && !tag.plain) {
@@ -137,43 +138,40 @@ bool SalvageRun::enter_section(const TagPlace& tag) {
     TagPlace plain = taken;
     plain.content = tag.at + std::min(name + kCountAndTexts, static_cast<std::size_t>(end_ - tag.at));
     whole = is_whole(plain, end);
+    plain.kept = false;
     if (whole) taken = plain;
   }
-  if (!whole) {
-    open_section(tag.section, tag.at, taken.content);
-    return true;
-  }
-  if (taken.content == tag.content && taken.count == tag.count) {
-    open_section(tag.section, tag.at, taken.content);
-    new_.copy(taken.content, end);
-  } else {
-    open_section(tag.section, nullptr, taken.content);
-    new_.copy(taken.content, end);
-  }
+  open_section(tag.section, taken);
+  if (!whole) return true;
+  new_.copy(taken.content, end);
   at_ = end;
   open_.clear();
   end_section(true);
   return true;
 }
 
-void SalvageRun::open_section(int section, Place tag_at, Place content) {
+void SalvageRun::open_section(int section, const TagPlace& tag) {
   const SectionLayout& found = sections_[static_cast<std::size_t>(section)];
   section_out_ = new_.size();
-  const Place begin = tag_at ? tag_at : content;
+  const Place name_end = tag.at ? tag.at + 2 + found.tag.size() : nullptr;
   result_.sections.push_back({.tag = std::string(found.tag),
-                              .bytes = {offset(begin), offset(begin)},
-                              .tag_struck = !tag_at,
+                              .bytes = {offset(tag.at ? tag.at : tag.content), 0},
+                              .tag_struck = !tag.at,
                               .behind_damage = broken_});
-  if (tag_at) {
-    new_.copy(tag_at, content);
+  if (tag.at) {
+    new_.copy(tag.at, name_end);
   } else {
     new_.add_text(found.tag);
+  }
+  if (tag.at && tag.kept) {
+    new_.copy(name_end, tag.content);
+  } else {
     new_.add_number(std::int16_t{1});
     new_.add_text("");
     new_.add_text("");
   }
-  at_ = content;
-  open_.push_back({found.layout, content, new_.size(), std::string(found.tag)});
+  at_ = tag.content;
+  open_.push_back({found.layout, at_, new_.size(), std::string(found.tag)});
 }
 
 bool SalvageRun::goes_on_behind(Place next) {

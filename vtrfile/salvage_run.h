@@ -68,7 +68,7 @@ class SalvageRun {
   bool next_section();  // false behind the end
   bool enter_section(const TagPlace& tag);
   bool is_whole(const TagPlace& tag, Place& end);
-  void open_section(int section, Place tag_at, Place content);
+  void open_section(int section, const TagPlace& tag);
   bool advance();       // false when it breaks off at at_
   bool advance_list(Open& top);
   bool goes_on_behind(Place next);
@@ -116,6 +116,7 @@ class SalvageRun {
   Place limit_;  // of the section
   std::vector<Open> open_;
   bool in_header_ = false;
+  int stalls_ = 0;  // places at which it went on without having come further
   bool broken_ = false;  // reading has broken off somewhere before
   std::size_t section_out_ = 0;
   struct Piece {

@@ -26,6 +26,7 @@ struct TagPlace {
   const unsigned char* content = nullptr;  // behind the tag
   int section = kEnd;                      // place in the section layouts
   std::int16_t count = 0;
+  bool kept = true;    // count and texts can be taken as they are
   bool plain = false;  // one record and no texts, as every tag is written
 };
 
