@@ -44,20 +44,46 @@ bool SalvageRun::resume() {
 
 std::optional<SalvageRun::Resumption> SalvageRun::find() {
   const Place tag = sight_->next_tag(at_);
+  // One that some items speak for, but neither its end nor a long list of them. A better one among them takes its place.
+  std::optional<Resumption> possible;
   for (Place at = at_ + (stalls_ > kMostStalls ? 1 : 0); at < tag && !worn_out(); ++at) {
+    if (possible && at > possible->evidence.reached) return possible;
     std::optional<Resumption> best;
     try_place(at, best);
-    if (best) return best;
+    if (!best) continue;
+    if (best->evidence.enough()) return best;
+    if (!possible) possible = best;
   }
-  if (tag == end_) return {};
+  if (possible || tag == end_) return possible;
   return Resumption{tag, Where::kTag};
 }
 
 void SalvageRun::try_place(Place at, std::optional<Resumption>& best) {
   if (!in_header_) {
-    for (std::size_t level = open_.size(); level-- > 0;) try_level(level, at, best);
+    for (std::size_t level = open_.size(); level-- > 0;) {
+      const bool top = level + 1 == open_.size();
+      try_record(open_[level], {at, Where::kItem, level}, at == (top ? at_ : open_[level + 1].begin), best);
+    }
   }
   if (!best) try_sections(at, best);
+  if (!best) try_struck_sections(at, best);
+}
+
+// A section of which the tag is struck, and the beginning of its record.
+void SalvageRun::try_struck_sections(Place at, std::optional<Resumption>& best) {
+  for (std::size_t number = 0; number < sections_.size(); ++number) {
+    if (is_elsewhere(number)) continue;
+    const Open record{sections_[number].layout, at, 0, {}};
+    std::optional<Resumption> found;
+    try_record(record, {at, Where::kItem, 0, 0, static_cast<int>(number)}, false, found);
+    if (found && found->evidence.exact && found->evidence.items > 1) best = found;
+  }
+}
+
+bool SalvageRun::is_elsewhere(std::size_t section) {
+  const auto is_this = [&](const TagPlace& place) { return place.section == static_cast<int>(section); };
+  return std::ranges::any_of(sight_->tags(), is_this) ||
+         std::ranges::find(result_.sections, sections_[section].tag, &SalvagedSection::tag) != result_.sections.end();
 }
 
 std::vector<Spot> SalvageRun::spots_to(std::size_t level) const {
@@ -79,19 +105,24 @@ void SalvageRun::consider(Resumption resumption, std::vector<Spot> spots, std::o
     at = walk_.descriptor(at, limit_, spot.layout->steps[spot.step].item->least_bytes).items;
   }
   resumption.evidence = sight_->look(std::move(spots), at, limit_);
-  if (!resumption.evidence.strong()) return;
+  if (!resumption.evidence.some()) return;
   if (!best || resumption.evidence.better_than(best->evidence)) best = resumption;
 }
 
-void SalvageRun::try_level(std::size_t level, Place at, std::optional<Resumption>& best) {
-  const Open& record = open_[level];
+// `fails_here`: what would come next in the record, and doesn't.
+void SalvageRun::try_record(const Open& record, const Resumption& like, bool fails_here,
+                            std::optional<Resumption>& best) {
   const Layout& layout = *record.layout;
-  const bool top = level + 1 == open_.size();
-  const bool fails_here = top ? at == at_ : at == open_[level + 1].begin;
+  const Place at = like.at;
+  const bool open = like.section == TagPlace::kEnd;
+  const bool top = open && like.level + 1 == open_.size();
   const auto try_spot = [&](Where where, std::uint32_t step, Spot spot) {
-    auto spots = spots_to(level);
+    auto spots = open ? spots_to(like.level) : std::vector<Spot>(1);
     spots.back() = spot;
-    consider({at, where, level, step}, std::move(spots), best);
+    Resumption resumption = like;
+    resumption.where = where;
+    resumption.step = step;
+    consider(resumption, std::move(spots), best);
   };
 
   // The list in which it breaks off, or behind which.
@@ -107,7 +138,19 @@ void SalvageRun::try_level(std::size_t level, Place at, std::optional<Resumption
     const Layout& item = *layout.steps[step].item;
     if (!walk_.item(item, at, limit_, found) || !found.sound() || found.texts == 0) return;
     if (item.has_key && !found.has_key) return;
+    std::optional<Resumption> found_here;
+    std::swap(found_here, best);
     try_spot(Where::kItem, step, {&layout, step, true, true, left});
+    std::swap(found_here, best);
+    if (!found_here) return;
+    if (record.in_list) {
+      // A single item that happens to end where the list does is no evidence, unless it's the one that is still to
+      // come; and of a list that has lost one there can't be as many as before.
+      const std::uint32_t items = found_here->evidence.list_items;
+      if (items == 1 && left != 1) return;
+      if (items == left + 1 && !record.lists.back().struck) return;
+    }
+    if (!best || found_here->evidence.better_than(best->evidence)) best = found_here;
   };
   if (current != Layout::kNoStep) {
     if (!(fails_here && record.in_list)) {
@@ -125,7 +168,7 @@ void SalvageRun::try_level(std::size_t level, Place at, std::optional<Resumption
   }
   std::uint32_t last = next_list;
   while (last < layout.size() && layout.list_from(last + 1) < layout.size()) last = layout.list_from(last + 1);
-  if (last < layout.size() && last + 1 < layout.size()) try_spot(Where::kBehindList, last, {&layout, last + 1});
+  if (open && last + 1 < layout.size()) try_spot(Where::kBehindList, last, {&layout, last + 1});
 }
 
 void SalvageRun::try_sections(Place at, std::optional<Resumption>& best) {
@@ -135,12 +178,10 @@ void SalvageRun::try_sections(Place at, std::optional<Resumption>& best) {
     const auto [tag, layout] = sections_[number];
     const std::size_t left = name_left(tag, begin_, at);
     if (left == 0 && !near) continue;
-    const auto is_this = [&](const TagPlace& place) { return place.section == static_cast<int>(number); };
-    const bool elsewhere = std::ranges::any_of(sight_->tags(), is_this) ||
-                           std::ranges::find(result_.sections, tag, &SalvagedSection::tag) != result_.sections.end();
+    const bool elsewhere = is_elsewhere(number);
     if (left == 0 && elsewhere) continue;
     const Evidence evidence = sight_->look({{layout}}, at, end_);
-    if (!evidence.strong() || (left < 2 && !evidence.exact)) continue;
+    if (!evidence.some() || (left < 2 && !evidence.exact)) continue;
     const bool next_in_order = !result_.sections.empty() && number > 0 &&
                                result_.sections.back().tag == sections_[number - 1].tag;
     const int score = 8 * static_cast<int>(left) + (elsewhere ? 0 : 4) + (next_in_order ? 2 : 0) +
@@ -154,15 +195,19 @@ void SalvageRun::try_sections(Place at, std::optional<Resumption>& best) {
 void SalvageRun::go_on(const Resumption& resumption) {
   stalls_ = resumption.at == at_ ? stalls_ + 1 : 0;
   if (!in_header_ && !open_.empty()) note_loss(resumption);
-  const bool new_section = resumption.where == Where::kTag || resumption.where == Where::kRecord;
-  if (new_section) {
+  const bool new_section = resumption.section != TagPlace::kEnd;
+  if (new_section || resumption.where == Where::kTag) {
     if (!open_.empty()) {
       while (open_.size() > 1) close_struck(nullptr);
       close_struck(resumption.at);
     }
-    if (resumption.where == Where::kRecord) open_section(resumption.section, {.content = resumption.at});
     at_ = resumption.at;
-    return;
+    if (new_section) {
+      open_section(resumption.section, {.content = resumption.at});
+      limit_ = sight_->next_tag(at_);
+    }
+    if (resumption.where == Where::kTag || resumption.where == Where::kRecord) return;
+    note_loss(resumption);
   }
   while (open_.size() > resumption.level + 1) {
     const bool last = open_.size() == resumption.level + 2;
@@ -309,7 +354,7 @@ void SalvageRun::note_loss(const Resumption& resumption) {
     loss.list = record.path + '/' + step.path;
     loss.before = list.last ? label_at(*step.item, list.last) : "";
   }
-  if (resumption.where == Where::kItem) {
+  if (resumption.where == Where::kItem && (resumption.section == TagPlace::kEnd || at_ == resumption.at)) {
     loss.behind = label_at(*open_[resumption.level].layout->steps[resumption.step].item, resumption.at);
   }
   result_.sections.back().losses.push_back(std::move(loss));

@@ -142,7 +142,10 @@ bool SalvageRun::enter_section(const TagPlace& tag) {
     if (whole) taken = plain;
   }
   open_section(tag.section, taken);
-  if (!whole) return true;
+  if (!whole) {
+    limit_ = sight_->next_tag(at_);
+    return true;
+  }
   new_.copy(taken.content, end);
   at_ = end;
   open_.clear();
@@ -175,12 +178,11 @@ void SalvageRun::open_section(int section, const TagPlace& tag) {
 }
 
 bool SalvageRun::goes_on_behind(Place next) {
-  return sight_->look(spots_to(open_.size() - 1), next, limit_).strong();
+  return sight_->look(spots_to(open_.size() - 1), next, limit_).some();
 }
 
 bool SalvageRun::advance() {
   Open& top = open_.back();
-  if (open_.size() == 1 && top.step == 0 && !in_header_) limit_ = sight_->next_tag(at_);
   if (top.in_list) return advance_list(top);
   const Layout& layout = *top.layout;
   const std::uint32_t list = layout.list_from(top.step);

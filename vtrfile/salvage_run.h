@@ -58,7 +58,7 @@ class SalvageRun {
     Where where;
     std::size_t level = 0;        // of the open record in which it goes on
     std::uint32_t step = 0;       // the list's
-    int section = TagPlace::kEnd;  // of a kRecord
+    int section = TagPlace::kEnd;  // the one that begins here, if one does
     Evidence evidence;
   };
 
@@ -81,8 +81,10 @@ class SalvageRun {
   bool resume();
   std::optional<Resumption> find();
   void try_place(Place at, std::optional<Resumption>& best);
-  void try_level(std::size_t level, Place at, std::optional<Resumption>& best);
+  void try_record(const Open& record, const Resumption& like, bool fails_here, std::optional<Resumption>& best);
   void try_sections(Place at, std::optional<Resumption>& best);
+  void try_struck_sections(Place at, std::optional<Resumption>& best);
+  bool is_elsewhere(std::size_t section);
   void consider(Resumption resumption, std::vector<Spot> spots, std::optional<Resumption>& best);
   std::vector<Spot> spots_to(std::size_t level) const;
   bool worn_out() const { return walk_.work() > allowed_work_; }

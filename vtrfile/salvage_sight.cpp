@@ -11,9 +11,6 @@ namespace {
 
 using Place = Sight::Place;
 
-// So many items that hold a text are enough of what speaks for a place.
-constexpr std::uint32_t kEnoughItems = 4;
-
 std::uint64_t left(Place at, Place end) { return static_cast<std::uint64_t>(end - at); }
 
 // The text at `at`; nothing when it doesn't end in front of `end`.
@@ -79,6 +76,7 @@ Evidence Sight::look(std::vector<Spot> spots, Place at, Place limit) const {
     Evidence behind = ended(spots, end, limit, items);
     if (spots.size() != depth) behind.list_items = evidence.list_items;
     behind.items += evidence.items;
+    behind.unused += evidence.unused;
     return behind;
   };
   while (!spots.empty()) {
@@ -92,14 +90,16 @@ Evidence Sight::look(std::vector<Spot> spots, Place at, Place limit) const {
           ++top.step;
           continue;
         }
-        if (Evidence end = with_end(at, passed); end.exact || end.items > evidence.items) return end;
+        if (passed > 0 || !outermost_list) {
+          if (Evidence end = with_end(at, passed); end.exact || end.items > evidence.items) return end;
+        }
       }
       LayoutWalk::Findings found;
       const Place next = walk_.item(*top.layout->steps[top.step].item, at, limit, found);
       if (!next || found.odd) {
         if (!top.loose) return evidence;
         Evidence end = top.left == 0 ? Evidence{} : with_end(at, passed);
-        if (!end.strong() && one_back) {
+        if (!end.some() && one_back) {
           if (Evidence earlier = with_end(one_back, passed - 1); earlier.better_than(end)) return earlier;
         }
         return end.better_than(evidence) ? end : evidence;
@@ -107,9 +107,11 @@ Evidence Sight::look(std::vector<Spot> spots, Place at, Place limit) const {
       one_back = outermost_list ? at : nullptr;
       if (outermost_list) ++passed;
       if (found.texts > 0) ++evidence.items;
+      if (found.texts == 0) ++evidence.unused;
       if (top.left > 0) --top.left;
       at = next;
-      if (evidence.items >= kEnoughItems) return evidence;
+      evidence.reached = at;
+      if (evidence.items >= Evidence::kEnoughItems) return evidence;
       continue;
     }
     const std::uint32_t list = top.layout->list_from(top.step);
@@ -130,13 +132,14 @@ Evidence Sight::look(std::vector<Spot> spots, Place at, Place limit) const {
     top.left = items.count;
   }
   evidence.exact = is_border(at);
+  evidence.reached = at;
   return evidence;
 }
 
 bool Sight::can_rely(const TagPlace& tag) const {
   if (tag.section == TagPlace::kEnd) return tag.plain || tag.content == end_;
   const Layout& layout = *sections_[static_cast<std::size_t>(tag.section)].layout;
-  return tag.plain && look({{&layout}}, tag.content, end_).strong();
+  return tag.plain && look({{&layout}}, tag.content, end_).some();
 }
 
 const std::vector<TagPlace>& Sight::tags() {

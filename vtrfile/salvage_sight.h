@@ -44,11 +44,17 @@ struct Evidence {
   static constexpr std::uint32_t kNoEnd = ~std::uint32_t{0};
 
   std::uint32_t items = 0;             // whole items, one after the other, that hold a text
+  std::uint32_t unused = 0;            // unused slots among them, for which zeros may be taken
   bool exact = false;                  // the record ended where a known tag stands or the file ends
   std::uint32_t list_items = kNoEnd;   // items up to the end of the list in which the walk began; kNoEnd: not reached
-  bool strong() const noexcept { return exact || items >= 3; }
+  const unsigned char* reached = nullptr;  // where it breaks off, or was enough
+
+  static constexpr std::uint32_t kSomeItems = 3, kEnoughItems = 12;
+  bool some() const noexcept { return exact || items >= kSomeItems; }
+  bool enough() const noexcept { return exact ? unused == 0 : items >= kEnoughItems; }
   bool better_than(const Evidence& other) const noexcept {
-    return exact != other.exact ? exact : items > other.items;
+    if (exact != other.exact) return exact;
+    return unused != other.unused ? unused < other.unused : items > other.items;
   }
 };
 
