@@ -78,8 +78,11 @@ LayoutWalk::Place LayoutWalk::text(Place at, Place limit, bool key, Findings& fo
   if (length == 0) return at + 2;
   if (length > left(at, limit) - 2) return nullptr;
   const Place behind = at + 2 + length;
-  work_ += length / 16;
-  if (!found.odd && std::any_of(at + 2, behind, is_control)) found.odd = at;
+  if (!found.odd) {
+    const Place control = std::find_if(at + 2, behind, is_control);
+    if (control != behind) found.odd = at;
+    work_ += left(at, control) / 16;
+  }
   ++found.texts;
   found.has_key = found.has_key || key;
   return behind;

@@ -29,6 +29,8 @@ class LayoutWalk {
     std::uint32_t texts = 0;     // texts that aren't empty
     bool has_key = false;        // a key on the way isn't empty
     bool sound() const noexcept { return !odd && !broken; }
+    // An unused slot holds no text.
+    bool plausible(const Layout& item) const noexcept { return sound() && (has_key || !item.has_key || texts == 0); }
   };
 
   // `unreadable`: ranges of which nothing is known, in their order. All of it must outlive the walk.

@@ -31,6 +31,7 @@ std::size_t name_left(std::string_view name, Place begin, Place content) {
 }  // namespace
 
 bool SalvageRun::resume() {
+  give_back_unused();
   const auto resumption = find();
   broken_ = true;
   if (!resumption) {
@@ -42,6 +43,18 @@ bool SalvageRun::resume() {
   return true;
 }
 
+// Unused slots in front of a break are what zeros were taken for.
+void SalvageRun::give_back_unused() {
+  if (open_.empty() || !open_.back().in_list) return;
+  Open& top = open_.back();
+  OpenList& list = top.lists.back();
+  if (list.used == list.kept) return;
+  new_.shrink(list.unused_at);
+  at_ = list.unused;
+  top.left += list.kept - list.used;
+  list.kept = list.used;
+}
+
 std::optional<SalvageRun::Resumption> SalvageRun::find() {
   const Place tag = sight_->next_tag(at_);
   // One that some items speak for, but neither its end nor a long list of them. A better one among them takes its place.
@@ -51,7 +64,8 @@ std::optional<SalvageRun::Resumption> SalvageRun::find() {
     std::optional<Resumption> best;
     try_place(at, best);
     if (!best) continue;
-    if (best->evidence.enough()) return best;
+    const bool better = !possible || best->evidence.better_than(possible->evidence);
+    if (better && best->evidence.enough()) return best;
     if (!possible) possible = best;
   }
   if (possible || tag == end_) return possible;
@@ -61,8 +75,16 @@ std::optional<SalvageRun::Resumption> SalvageRun::find() {
 void SalvageRun::try_place(Place at, std::optional<Resumption>& best) {
   if (!in_header_) {
     for (std::size_t level = open_.size(); level-- > 0;) {
+      const Open& record = open_[level];
       const bool top = level + 1 == open_.size();
-      try_record(open_[level], {at, Where::kItem, level}, at == (top ? at_ : open_[level + 1].begin), best);
+      try_record(record, {at, Where::kItem, level}, at == (top ? at_ : open_[level + 1].begin), best);
+      if (!record.in_list || !record.layout->steps[record.step].item->has_lists) continue;
+      // An item of the list that has lost its beginning.
+      const Open item{record.layout->steps[record.step].item, at, 0, {}};
+      std::optional<Resumption> inside;
+      try_record(item, {.at = at, .where = Where::kItem, .level = level + 1, .new_item = true}, false, inside);
+      if (!inside || inside->evidence.items < Evidence::kSomeItems) continue;
+      if (!best || inside->evidence.better_than(best->evidence)) best = inside;
     }
   }
   if (!best) try_sections(at, best);
@@ -114,10 +136,12 @@ void SalvageRun::try_record(const Open& record, const Resumption& like, bool fai
                             std::optional<Resumption>& best) {
   const Layout& layout = *record.layout;
   const Place at = like.at;
-  const bool open = like.section == TagPlace::kEnd;
+  const bool open = like.section == TagPlace::kEnd && !like.new_item;
   const bool top = open && like.level + 1 == open_.size();
   const auto try_spot = [&](Where where, std::uint32_t step, Spot spot) {
-    auto spots = open ? spots_to(like.level) : std::vector<Spot>(1);
+    std::vector<Spot> spots;
+    if (like.section == TagPlace::kEnd && like.level + (open ? 1 : 0) > 0) spots = spots_to(open ? like.level : like.level - 1);
+    if (!open) spots.emplace_back();
     spots.back() = spot;
     Resumption resumption = like;
     resumption.where = where;
@@ -149,6 +173,12 @@ void SalvageRun::try_record(const Open& record, const Resumption& like, bool fai
       const std::uint32_t items = found_here->evidence.list_items;
       if (items == 1 && left != 1) return;
       if (items == left + 1 && !record.lists.back().struck) return;
+      const OpenList& list = record.lists.back();
+      found_here->evidence.over = items != Evidence::kNoEnd && list.kept + std::uint64_t{items} + 1 > list.announced;
+    } else if (!record.lists.empty() && record.lists.back().step == step) {
+      found_here->evidence.over = true;
+    } else if (!found_here->evidence.exact) {
+      return;  // a list of which not even the beginning is there
     }
     if (!best || found_here->evidence.better_than(best->evidence)) best = found_here;
   };
@@ -209,20 +239,24 @@ void SalvageRun::go_on(const Resumption& resumption) {
     if (resumption.where == Where::kTag || resumption.where == Where::kRecord) return;
     note_loss(resumption);
   }
-  while (open_.size() > resumption.level + 1) {
-    const bool last = open_.size() == resumption.level + 2;
+  const std::size_t staying = resumption.level + (resumption.new_item ? 0 : 1);
+  while (open_.size() > staying) {
+    const bool last = open_.size() == staying + 1;
     close_struck(last && resumption.where == Where::kItem ? resumption.at : nullptr);
+  }
+  if (resumption.new_item) {
+    Open& list = open_.back();
+    list.lists.back().struck = true;
+    if (list.left > 0) --list.left;
+    at_ = resumption.at;
+    Open item{list.layout->steps[list.step].item, at_, new_.size(), list.path + '/' + list.layout->steps[list.step].path + "[?]"};
+    open_.push_back(std::move(item));
   }
   Open& record = open_.back();
   const bool same_list = record.in_list && record.step == resumption.step;
   if (record.in_list) {
-    // Unused slots in front of the damage are what zeros were taken for.
     OpenList& list = record.lists.back();
     list.struck = true;
-    if (list.used < list.kept && list.unused_at > 0) {
-      new_.shrink(list.unused_at);
-      list.kept = list.used;
-    }
     list.behind = new_.size();
   }
   const auto& step = record.layout->steps[resumption.step];
@@ -272,14 +306,7 @@ void SalvageRun::leave_list(Open& record) {
 
 void SalvageRun::close_struck(Place behind) {
   Open& top = open_.back();
-  if (top.in_list) {
-    OpenList& list = top.lists.back();
-    list.struck = true;
-    if (list.used < list.kept && list.unused_at > 0) {
-      new_.shrink(list.unused_at);
-      list.kept = list.used;
-    }
-  }
+  if (top.in_list) top.lists.back().struck = true;
   leave_list(top);
   skip_to(top, top.layout->size(), behind);
   if (open_.size() > 1) {
@@ -354,7 +381,7 @@ void SalvageRun::note_loss(const Resumption& resumption) {
     loss.list = record.path + '/' + step.path;
     loss.before = list.last ? label_at(*step.item, list.last) : "";
   }
-  if (resumption.where == Where::kItem && (resumption.section == TagPlace::kEnd || at_ == resumption.at)) {
+  if (resumption.where == Where::kItem && !resumption.new_item && (resumption.section == TagPlace::kEnd || at_ == resumption.at)) {
     loss.behind = label_at(*open_[resumption.level].layout->steps[resumption.step].item, resumption.at);
   }
   result_.sections.back().losses.push_back(std::move(loss));

@@ -225,7 +225,7 @@ bool SalvageRun::advance_list(Open& top) {
   Findings found;
   const Place next = walk_.item(*list.item, at_, limit_, found);
   const std::uint32_t left = top.left--;
-  if (next && (found.sound() || goes_on_behind(next))) {
+  if (next && (found.plausible(*list.item) || goes_on_behind(next))) {
     take_item(top, next, found);
     return true;
   }
@@ -242,7 +242,10 @@ bool SalvageRun::advance_list(Open& top) {
 void SalvageRun::take_item(Open& top, Place next, const Findings& found) {
   OpenList& list = top.lists.back();
   const bool used = found.has_key || !top.layout->steps[top.step].item->has_key;
-  if (!used && list.used == list.kept) list.unused_at = new_.size();
+  if (!used && list.used == list.kept) {
+    list.unused_at = new_.size();
+    list.unused = at_;
+  }
   ++list.kept;
   if (used) {
     list.used = list.kept;
@@ -293,6 +296,7 @@ void SalvageRun::close_top() {
     list.last = done.begin;
   } else if (list.used + 1 == list.kept) {
     list.unused_at = done.out;
+    list.unused = done.begin;
   }
 }
 

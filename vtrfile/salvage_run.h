@@ -32,7 +32,8 @@ class SalvageRun {
     std::uint32_t announced;
     std::uint32_t kept = 0, used = 0;
     bool struck = false;         // items are missing
-    std::size_t unused_at = 0;   // where the unused slots at its end begin in the new file
+    std::size_t unused_at = 0;   // where the unused slots at its end begin in the new file,
+    Place unused = nullptr;      // and in the old one
     std::size_t behind = 0;      // where the list ends in the new file
     Place last = nullptr;        // the last item in the old one
   };
@@ -60,6 +61,7 @@ class SalvageRun {
     std::uint32_t step = 0;       // the list's
     int section = TagPlace::kEnd;  // the one that begins here, if one does
     Evidence evidence;
+    bool new_item = false;         // `level` is that of an item that isn't open yet
   };
 
   void choose_version();
@@ -79,6 +81,7 @@ class SalvageRun {
   void set_numbers(Open& record);
 
   bool resume();
+  void give_back_unused();
   std::optional<Resumption> find();
   void try_place(Place at, std::optional<Resumption>& best);
   void try_record(const Open& record, const Resumption& like, bool fails_here, std::optional<Resumption>& best);

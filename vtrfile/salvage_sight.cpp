@@ -95,8 +95,9 @@ Evidence Sight::look(std::vector<Spot> spots, Place at, Place limit) const {
         }
       }
       LayoutWalk::Findings found;
-      const Place next = walk_.item(*top.layout->steps[top.step].item, at, limit, found);
-      if (!next || found.odd) {
+      const Layout& item = *top.layout->steps[top.step].item;
+      const Place next = walk_.item(item, at, limit, found);
+      if (!next || !found.plausible(item)) {
         if (!top.loose) return evidence;
         Evidence end = top.left == 0 ? Evidence{} : with_end(at, passed);
         if (!end.some() && one_back) {
