@@ -94,31 +94,45 @@ class SubscriptOutOfRange : public std::out_of_range {
             "a list is shorter than its count says, or too long to be walked; a recount of the lists shows which") {}
 };
 
+// What an array was made of, whatever its elements are.
+struct ArrayBlock {
+  std::uint32_t count;   // elements that the array has
+  std::int32_t lower;    // index of the first one
+  std::uint32_t stored;  // elements that the file held; those behind them are empty
+  const void* elements;
+  // Of records that were read: where in the image each stored element begins, and where the last one ends; null there
+  // when it broke off, and null for all other arrays.
+  const unsigned char* const* places = nullptr;
+};
+
 // A one-dimensional array with the lower bound that the file gave it; null when unallocated. Elements that a file
 // announces behind its end are there and empty, and take no memory.
-template <class Element>
-class Array {
+class AnyArray {
  public:
   static constexpr std::size_t kLeastBytes = 2;
 
-  struct Block {
-    std::uint32_t count;   // elements that the array has
-    std::int32_t lower;    // index of the first one
-    std::uint32_t stored;  // elements that the file held; those behind them are empty
-    const Element* elements;
-  };
-
-  constexpr Array() noexcept = default;
-  explicit constexpr Array(const Block* block) noexcept : block_(block) {}
+  constexpr AnyArray() noexcept = default;
+  explicit constexpr AnyArray(const ArrayBlock* block) noexcept : block_(block) {}
 
   bool allocated() const noexcept { return block_ != nullptr; }
   std::int64_t size() const noexcept { return block_ ? block_->count : 0; }
   std::int64_t lower() const noexcept { return block_ ? block_->lower : 0; }
   std::int64_t upper() const noexcept { return lower() + size() - 1; }
   // What the array was made of; only for one that is allocated.
-  const Block& block() const noexcept { return *block_; }
+  const ArrayBlock& block() const noexcept { return *block_; }
 
   bool contains(std::int64_t index) const noexcept { return index >= lower() && index <= upper(); }
+
+ protected:
+  const ArrayBlock* block_ = nullptr;
+};
+
+template <class Element>
+class Array : public AnyArray {
+ public:
+  using Block = ArrayBlock;
+  using AnyArray::AnyArray;
+
   // The element with this index, counted from lower(). Raises SubscriptOutOfRange.
   const Element& at(std::int64_t index) const {
     if (!contains(index)) throw SubscriptOutOfRange();
@@ -127,11 +141,8 @@ class Array {
   // The element at this place, counted from 0 and below size().
   const Element& position(std::uint32_t place) const noexcept {
     static constexpr Element kEmpty{};
-    return place < block_->stored ? block_->elements[place] : kEmpty;
+    return place < block_->stored ? static_cast<const Element*>(block_->elements)[place] : kEmpty;
   }
-
- private:
-  const Block* block_ = nullptr;
 };
 
 }  // namespace trvtrout::vtrfile

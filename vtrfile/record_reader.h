@@ -49,7 +49,7 @@ class RecordReader {
   template <class Element>
   Place array(Place at, Array<Element>& array);
   template <class Element>
-  Place elements(Place at, typename Array<Element>::Block& block, std::uint32_t room);
+  Place elements(Place at, ArrayBlock& block, std::uint32_t room);
   template <std::size_t Slots>
   Place var_run(Place at, VarRun<Slots>& run);
 

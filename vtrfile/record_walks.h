@@ -5,66 +5,13 @@
 #include <string>
 #include <utility>
 
-#include "vtrfile/field_check.h"
-#include "vtrfile/format_version.h"
+#include "vtrfile/element_traits.h"
 #include "vtrfile/record_reader.h"
 #include "vtrfile/record_writer.h"
 
 // The two walks over a record's field list that turn bytes into records and back. Only the .cpp of a record family
 // includes this, so that a change elsewhere compiles none of it.
 namespace trvtrout::vtrfile {
-
-template <class Type>
-constexpr bool kIsNumber = std::is_arithmetic_v<Type>;
-template <class Type>
-constexpr bool kIsVarRun = false;
-template <std::size_t Slots>
-constexpr bool kIsVarRun<VarRun<Slots>> = true;
-template <class Type>
-constexpr bool kIsArray = false;
-template <class Element>
-constexpr bool kIsArray<Array<Element>> = true;
-template <class Type>
-constexpr bool kIsRaw = false;
-template <std::size_t Width>
-constexpr bool kIsRaw<Raw<Width>> = true;
-template <class Type>
-constexpr bool kIsFixedArray = false;
-template <class Element, std::size_t Size>
-constexpr bool kIsFixedArray<std::array<Element, Size>> = true;
-
-template <class Type>
-constexpr bool kIsSince = false;
-template <FormatVersion version, class Value>
-constexpr bool kIsSince<Since<version, Value>> = true;
-
-// A value that has as many bytes in the file as in memory, whatever it holds.
-template <class Type>
-constexpr bool kIsPlain = kIsNumber<Type> || kIsRaw<Type> || std::is_same_v<Type, Flag>;
-
-// A plain value or a text is read whatever the bytes are; only in front of the others a step of the path is due.
-template <class Type>
-constexpr bool kCanFail = !kIsPlain<Type> && !std::is_same_v<Type, Text>;
-template <FormatVersion version, class Value>
-constexpr bool kCanFail<Since<version, Value>> = kCanFail<Value>;
-
-// The fewest bytes that a value takes in the file.
-template <class Type>
-consteval std::size_t least_bytes() {
-  if constexpr (kIsNumber<Type>) {
-    return sizeof(Type);
-  } else if constexpr (kIsFixedArray<Type>) {
-    return std::tuple_size_v<Type> * least_bytes<typename Type::value_type>();
-  } else if constexpr (RecordType<Type>) {
-    static_assert(names_all_members<Type>(), "the field list of this record doesn't name each of its members once");
-    std::size_t bytes = 0;
-    Type record{};
-    for_each_field(record, [&]<class Member>(const char*, Member&) { bytes += least_bytes<Member>(); });
-    return bytes;
-  } else {
-    return Type::kLeastBytes;
-  }
-}
 
 template <class Record>
 void RecordReader::read(Record& into, std::pmr::memory_resource& memory) {
@@ -173,8 +120,8 @@ RecordReader::Place RecordReader::array(Place at, Array<Element>& into) {
   const auto lower = load<std::int32_t>(at + 6);
   at += kDescriptorBytes;
 
-  using Block = typename Array<Element>::Block;
-  auto* const block = new (memory_->allocate(sizeof(Block), alignof(Block))) Block{count, lower, 0, nullptr};
+  auto* const block =
+      new (memory_->allocate(sizeof(ArrayBlock), alignof(ArrayBlock))) ArrayBlock{count, lower, 0, nullptr};
   into = Array<Element>(block);
   // No more elements than that can begin in what is left of the file, so no count makes us reserve more.
   const std::size_t room = std::min<std::size_t>(count, left(at) / least_bytes<Element>() + 1);
@@ -196,7 +143,7 @@ RecordReader::Place RecordReader::array(Place at, Array<Element>& into) {
 }
 
 template <class Element>
-RecordReader::Place RecordReader::elements(Place at, typename Array<Element>::Block& block, std::uint32_t room) {
+RecordReader::Place RecordReader::elements(Place at, ArrayBlock& block, std::uint32_t room) {
   if constexpr (std::is_same_v<Element, unsigned char>) {
     block.elements = at;
     block.stored = static_cast<std::uint32_t>(std::min<std::size_t>(room, left(at)));
@@ -204,15 +151,23 @@ RecordReader::Place RecordReader::elements(Place at, typename Array<Element>::Bl
   } else {
     auto* const items = static_cast<Element*>(memory_->allocate(room * sizeof(Element), alignof(Element)));
     block.elements = items;
+    Place* places = nullptr;
+    if constexpr (RecordType<Element>) {
+      places = static_cast<Place*>(memory_->allocate((room + std::size_t{1}) * sizeof(Place), alignof(Place)));
+      places[0] = at;
+      block.places = places;
+    }
     while (block.stored < room && at != end_) {
       Element& item = *new (items + block.stored) Element{};
       ++block.stored;
+      if constexpr (RecordType<Element>) places[block.stored] = nullptr;
       try {
         at = value(at, item);
       } catch (ReadError& error) {
         error.enter(block.stored);
         throw;
       }
+      if constexpr (RecordType<Element>) places[block.stored] = at;
     }
     return at;
   }

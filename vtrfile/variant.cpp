@@ -91,6 +91,16 @@ const unsigned char* VariantWalk::array(std::uint16_t element_tag, const unsigne
   return at;
 }
 
+void append_variants(std::string& out, const unsigned char* at, std::size_t count) {
+  std::vector<const unsigned char*> odd_flags;
+  VariantWalk walk(&odd_flags);
+  const unsigned char* behind = at;
+  for (std::size_t slot = 0; slot < count; ++slot) behind = walk.skip(behind);
+  const std::size_t start = out.size();
+  out.append(reinterpret_cast<const char*>(at), static_cast<std::size_t>(behind - at));
+  for (const unsigned char* flag : odd_flags) out.replace(start + static_cast<std::size_t>(flag - at), 2, "\xFF\xFF");
+}
+
 VariantValue value_of(Var variant) noexcept {
   if (variant.empty()) return {kVariantEmpty, nullptr};
   return {load<std::uint16_t>(variant.at()), variant.at() + kTagBytes};

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <vector>
 
 #include "vtrfile/elements.h"
@@ -58,6 +59,9 @@ class VariantWalk {
   Allowance allowance_ = 0;
   std::vector<const unsigned char*>* odd_flags_ = nullptr;
 };
+
+// Appends the `count` variants that stand from `at` on, as they are written: a True is -1, whatever value stood for it.
+void append_variants(std::string& out, const unsigned char* at, std::size_t count);
 
 // A variant's type and where its body stands.
 struct VariantValue {
