@@ -1,15 +1,21 @@
 #include "host/page/differences_page.h"
 
+#include <span>
+
 #include "host/json.h"
 #include "host/page/escaping_buffer.h"
 #include "host/page/page_parts.h"
 #include "platform/files/file_handle.h"
 #include "platform/files/sha256.h"
+#include "reports/columns.h"
 #include "vtrfile/lists.h"
 #include "vtrfile/sections.h"
 
 namespace trvtrout::host {
 namespace {
+
+// A text for each, in the last columns of the report.
+constexpr std::size_t kLanguages = decltype(vtrfile::LANGUAGE_ITEM_STRUCT::Texts){}.size();
 
 // Texts of the command and the names of files, for HTML outside the scripts.
 std::string as_html(std::string_view text) {
@@ -53,6 +59,15 @@ Json sections() {
   return all;
 }
 
+// The names that the values of fixed runs have for users, by the path of the run without the places of items.
+Json names_of_runs() {
+  Json languages = Json::array();
+  for (const auto& column : std::span(kLanguageColumns).last<kLanguages>()) {
+    languages.push_back(column.head);
+  }
+  return {{std::string(vtrfile::kSection<&vtrfile::DocumentSlots::Language>.tag) + "/Items/Texts", languages}};
+}
+
 Json file_json(const PageFile& file) {
   return {{"name", file.name},
           {"size", file.size},
@@ -76,7 +91,8 @@ std::string info_json(const PageInfo& info) {
                     {"compared", moment(info.compared)},
                     {"old", file_json(info.old_file)},
                     {"new", file_json(info.new_file)},
-                    {"sections", sections()}};
+                    {"sections", sections()},
+                    {"runs", names_of_runs()}};
   // A file's name can hold bytes that are no UTF-8.
   return all.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

@@ -14,6 +14,7 @@ class RowList {
     this.onPart = onPart;
     this.rows = make('div', {className: 'rows'});
     this.rows.setAttribute('role', 'presentation');
+    this.isOnPaper = false;
     element.append(this.rows);
     this.setSize(0);
   }
@@ -75,6 +76,7 @@ class RowList {
 
   // Makes the rows near the window and takes the others out.
   update() {
+    if (this.isOnPaper) return;
     if (this.size === 0) {
       this.element.style.height = '0px';
       return;
@@ -128,6 +130,7 @@ class RowList {
 
   // Makes these rows anew, or all of them: their content or the list's width is another one.
   renew(position) {
+    this.isOnPaper = false;
     if (position === undefined) {
       const [part, at] = [this.part, this.begin];
       this.made.clear();
@@ -144,6 +147,12 @@ class RowList {
 
   partOf(position) {
     return this.parts.findIndex((begin, part) => position >= begin && position < this.parts[part + 1]);
+  }
+
+  // Shows so many of the first rows, all at once, until they are made anew.
+  showForPaper(count) {
+    this.isOnPaper = true;
+    this.rows.replaceChildren(...Array.from({length: count}, (_, position) => this.makeRow(position)));
   }
 
   // Scrolls to a row, `space` pixels below the top of the window, and returns it.

@@ -6,10 +6,14 @@ const differences = JSON.parse(document.getElementById('differences').textConten
 const kinds = ['changed', 'removed', 'added', 'moved'];
 const kindMarks = {changed: '~', removed: '−', added: '+', moved: '↕'};
 
-// Members that only keep the books of a list.
-const bookkeepingMembers = new Set(['Max', 'Current', 'Spare']);
+// Numbers that only keep the books of a list.
+const slotNumbers = new Set(['Max', 'Current']);
+
+// Members that are a fixed run of values. Only arrays have items with keys.
+const runs = new Set(['Texts', 'Columns', 'Spare']);
 
 const sectionTitles = new Map(info.sections.map(({tag, title}) => [tag, title]));
+const runNames = new Map(Object.entries(info.runs));
 const titleOf = (tag) => sectionTitles.get(tag) ?? tag;
 
 // "Items[3]" is the third of "Items"; a segment without a place has none.
@@ -27,27 +31,28 @@ function keysOf(key, count) {
 // The names on the way to a change, from the section to the item that holds it, and its own name there: of a member of
 // a record within the item, the names of both.
 function placeOf(change) {
-  const [tag, ...rest] = (change.path ?? change.newPath).split('/');
+  const path = change.path ?? change.newPath;
+  const [tag, ...rest] = path.split('/');
   const segments = rest.map(segmentOf);
-  const keys = keysOf(change.key, segments.filter(({place}) => place).length);
-  const isItem = change.kind !== 'changed';
+  const isBookkeeping = segments.some(({name}) => name === 'Spare') || slotNumbers.has(segments[segments.length - 1]?.name);
+  const keys = keysOf(change.key, segments.filter(({name, place}) => place && !runs.has(name)).length);
+  const nameOf = ({name, place}) => (!runs.has(name) && keys.shift()) || `place ${place}`;
   const last = segments.pop() ?? {name: tag, place: ''};
   const names = [titleOf(tag)];
   let inner = 0;  // names since the last item
-  const nameOf = (place) => keys.shift() || `place ${place}`;
-  for (const {name, place} of segments) {
+  for (const segment of segments) {
     // The items of a list stand under the list's own name.
-    if (!place || name !== 'Items') names.push(name);
-    if (place) names.push(nameOf(place));
-    inner = place ? 0 : inner + 1;
+    if (segment.name !== 'Items') names.push(segment.name);
+    if (segment.place) names.push(nameOf(segment));
+    inner = segment.place ? 0 : inner + 1;
   }
-  if (isItem && last.place) {
+  if (change.kind !== 'changed' && last.place) {
     if (last.name !== 'Items') names.push(last.name);
-    return {tag, names, member: nameOf(last.place), isBookkeeping: false};
+    return {tag, names, member: nameOf(last), isBookkeeping};
   }
   const within = inner > 0 && inner < segments.length ? names.splice(-inner) : [];
-  const member = [...within, last.name + (last.place && `[${last.place}]`)].join(' / ');
-  return {tag, names, member, isBookkeeping: !isItem && bookkeepingMembers.has(last.name)};
+  const own = runNames.get(path.replace(/\[\d+\]/g, ''))?.[last.place - 1] ?? last.name + (last.place && `[${last.place}]`);
+  return {tag, names, member: [...within, own].join(' / '), isBookkeeping};
 }
 
 // The path of the item that a value or an item stands in, empty in front of all lists.
@@ -85,6 +90,7 @@ function entriesOf(changes) {
 }
 
 const entries = entriesOf(differences.changes);
+const bookkeepingSize = entries.filter(({isBookkeeping}) => isBookkeeping).length;
 
 // A place in OLD, or in NEW of what OLD doesn't have; two changes never have the same.
 const linkOf = ({change}) => change.path ?? `new:${change.newPath}`;
@@ -121,8 +127,6 @@ function wordsOf(entry) {
 
 const filter = {kinds: new Set(kinds), section: '', search: '', hasBookkeeping: false};
 
-const isFiltered = () => filter.kinds.size < kinds.length || filter.section !== '' || filter.search !== '';
-
 // The numbers of the changes that pass the filter.
 function filtered() {
   const needles = filter.search.toLowerCase().split(/\s+/).filter(Boolean);
@@ -157,17 +161,17 @@ function countsBySection() {
 // The sections and items of these changes; `first` is the number of the first change within a node.
 function treeOf(numbers) {
   const root = {name: '', first: -1, size: 0, nodes: new Map()};
-  const enter = (node, name, number) => {
+  const enter = (node, name, at) => {
     let inner = node.nodes.get(name);
-    if (!inner) node.nodes.set(name, inner = {name, first: number, size: 0, nodes: new Map()});
+    if (!inner) node.nodes.set(name, inner = {name, first: at, size: 0, nodes: new Map()});
     ++inner.size;
     return inner;
   };
-  for (const number of numbers) {
-    const {names, member, change} = entries[number];
+  for (const at of numbers) {
+    const {names, member, change} = entries[at];
     let node = root;
-    for (const name of names) node = enter(node, name, number);
-    if (change.kind !== 'changed') enter(node, member, number);
+    for (const name of names) node = enter(node, name, at);
+    if (change.kind !== 'changed') enter(node, member, at);
   }
   return root;
 }

@@ -62,8 +62,9 @@ function showCounts() {
     byId('totals').append(make('span', {className: `total ${kind}`, 'data-count': counts[kind]},
       make('span', {className: 'kind', 'aria-hidden': 'true'}, kindMarks[kind]), make('b', {}, number(counts[kind])), ` ${kind}`));
   }
-  const books = entries.filter(({isBookkeeping}) => isBookkeeping).length;
-  if (books > 0) byId('totals').append(make('span', {className: 'total books'}, `${number(books)} of them bookkeeping, hidden at first`));
+  if (bookkeepingSize > 0) {
+    byId('totals').append(make('span', {className: 'total books'}, `${number(bookkeepingSize)} of them bookkeeping, hidden at first`));
+  }
   const bySection = countsBySection();
   const most = Math.max(1, ...bySection.map(([, {all: size}]) => size));
   for (const [tag, sizes] of bySection) {
@@ -111,10 +112,9 @@ function makeFilters() {
     filter.section = byId('section').value;
     refresh();
   });
-  const books = entries.filter(({isBookkeeping}) => isBookkeeping).length;
-  byId('bookkeeping-label').textContent = `Bookkeeping (${number(books)})`;
+  byId('bookkeeping-label').textContent = `Bookkeeping (${number(bookkeepingSize)})`;
   byId('bookkeeping').parentElement.title = 'Unused slots, and the members Max, Current and Spare';
-  byId('bookkeeping').parentElement.hidden = books === 0;
+  byId('bookkeeping').parentElement.hidden = bookkeepingSize === 0;
   byId('bookkeeping').addEventListener('change', () => {
     filter.hasBookkeeping = byId('bookkeeping').checked;
     refresh();
@@ -145,10 +145,9 @@ function showNone() {
   const none = byId('none');
   none.hidden = shown.length > 0;
   if (shown.length > 0) return;
-  const hidden = entries.length > 0 && !filter.hasBookkeeping && entries.every(({isBookkeeping}) => isBookkeeping);
   if (entries.length === 0) {
     none.textContent = 'Nothing differs.';
-  } else if (hidden) {
+  } else if (!filter.hasBookkeeping && bookkeepingSize === entries.length) {
     none.textContent = 'Only bookkeeping differs. The switch above shows it.';
   } else {
     const all = make('button', {type: 'button'}, 'Show all');
@@ -168,10 +167,8 @@ function refresh() {
   }
   byId('section').value = filter.section;
   byId('bookkeeping').checked = filter.hasBookkeeping;
-  const hidden = filter.hasBookkeeping ? 0 : entries.filter(({isBookkeeping}) => isBookkeeping).length;
-  const seenAll = shown.length === entries.length - hidden;
-  byId('shown').textContent = seenAll ? counted(shown.length, 'change')
-    : `${number(shown.length)} of ${counted(entries.length - hidden, 'change')}`;
+  const most = entries.length - (filter.hasBookkeeping ? 0 : bookkeepingSize);
+  byId('shown').textContent = (shown.length < most ? `${number(shown.length)} of ` : '') + counted(most, 'change');
   showNone();
   list.setSize(shown.length);
   const start = byId('changes').getBoundingClientRect().top + window.scrollY - covered();
@@ -236,13 +233,14 @@ function goTo(at) {
     refresh();
   }
   if (!shown.includes(at)) clearFilter();
-  const before = current;
-  current = at;
   const row = list.goTo(shown.indexOf(at), covered());
-  for (const made of byId('list').querySelectorAll('.row.current')) made.classList.remove('current');
-  row.classList.add('current');
+  setCurrent(row);
   row.querySelector('.change').focus({preventScroll: true});
-  return before !== at;
+}
+
+function setCurrent(row) {
+  current = Number(row.dataset.number);
+  for (const made of list.rows.children) made.classList.toggle('current', made === row);
 }
 
 function step(by) {
@@ -276,6 +274,8 @@ function tell(words) {
 function listenToRows() {
   onResize = () => list.update();
   byId('list').addEventListener('click', async (event) => {
+    const row = event.target.closest('.row');
+    if (row) setCurrent(row);
     const fold = event.target.closest('[data-fold]');
     if (fold) toggle(Number(fold.dataset.fold));
     if (!event.target.closest('a.link') || event.ctrlKey || event.metaKey || event.shiftKey) return;
@@ -343,21 +343,17 @@ function makeTheme() {
 // Paper has all rows that are shown, up to a number that a printer can bear.
 function listenToPrint() {
   window.addEventListener('beforeprint', () => {
-    const rows = shown.slice(0, mostPrinted).map((_, position) => list.makeRow(position));
-    const left = shown.length - rows.length;
-    byId('printed').textContent = left > 0
-      ? `Printed are the first ${number(rows.length)} of ${counted(shown.length, 'change')}; filters make the choice smaller.`
+    const printed = Math.min(shown.length, mostPrinted);
+    byId('printed').textContent = printed < shown.length
+      ? `Printed are the first ${number(printed)} of ${counted(shown.length, 'change')}; filters make the choice smaller.`
       : `Printed: ${byId('shown').textContent}.`;
-    byId('list').classList.add('on-paper');
-    list.rows.replaceChildren(...rows);
+    list.showForPaper(printed);
   });
-  window.addEventListener('afterprint', () => {
-    byId('list').classList.remove('on-paper');
-    list.renew();
-  });
+  window.addEventListener('afterprint', () => list.renew());
 }
 
 function start() {
+  document.body.classList.remove('waiting');
   makeTheme();
   showFiles();
   showCounts();
@@ -368,6 +364,9 @@ function start() {
   listenToRows();
   listenToKeys();
   listenToPrint();
+  // The contents stand below the bar, which has two lines on some screens.
+  const showBar = () => document.documentElement.style.setProperty('--bar', `${covered()}px`);
+  showBar();
   let width = window.innerWidth;
   let isAsked = false;
   const update = () => {
@@ -375,9 +374,9 @@ function start() {
     isAsked = true;
     requestAnimationFrame(() => {
       isAsked = false;
-      if (byId('list').classList.contains('on-paper')) return;
-      if (window.innerWidth === width) return list.update();
+      if (window.innerWidth === width || list.isOnPaper) return list.update();
       width = window.innerWidth;
+      showBar();
       list.renew();
     });
   };
