@@ -1,10 +1,13 @@
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <functional>
 #include <ostream>
 #include <string>
+
+#include "differences/differences.h"
 
 namespace trvtrout::host {
 
@@ -20,11 +23,10 @@ struct PageFile {
 PageFile page_file(const std::string& path);
 
 struct PageInfo {
-  std::string version;  // of the command
   std::chrono::sys_seconds compared;
   PageFile old_file, new_file;
-  // By kind; for readers whose browser runs no scripts.
-  std::uint64_t changed = 0, removed = 0, added = 0, moved = 0;
+  // For readers whose browser runs no scripts.
+  std::array<std::size_t, differences::kKinds> of_kind = {};
 };
 
 // Writes one HTML page that shows differences and needs nothing else: it fetches nothing, and its content security
