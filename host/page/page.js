@@ -174,6 +174,7 @@ function refresh() {
   const start = byId('changes').getBoundingClientRect().top + window.scrollY - covered();
   if (window.scrollY > start) window.scrollTo(0, start);
   list.update();
+  showWhere();
   showTree();
 }
 
@@ -271,6 +272,14 @@ function tell(words) {
   telling = setTimeout(() => byId('told').replaceChildren(), 2500);
 }
 
+// The item of the first row that is seen, when its names are scrolled away.
+function showWhere() {
+  const below = window.scrollY + covered() - list.top();
+  const position = list.firstSeen(covered());
+  const isAway = shown.length > 0 && below > 0 && !(isFirstOfGroup(position) && list.offset(position) >= below - 12);
+  byId('where').replaceChildren(...(isAway ? crumbs(entries[shown[position]].names) : []));
+}
+
 function listenToRows() {
   onResize = () => list.update();
   byId('list').addEventListener('click', async (event) => {
@@ -340,16 +349,35 @@ function makeTheme() {
   apply();
 }
 
-// Paper has all rows that are shown, up to a number that a printer can bear.
+// What the rows on paper are, and which are left out.
+function printedWords(printed) {
+  const left = [];
+  if (filter.kinds.size < kinds.length) left.push(`kinds: ${kinds.filter((kind) => filter.kinds.has(kind)).join(', ') || 'none'}`);
+  if (filter.section) left.push(`section: ${titleOf(filter.section)}`);
+  if (filter.search) left.push(`search: ${filter.search}`);
+  if (bookkeepingSize > 0 && !filter.hasBookkeeping) left.push(`without ${number(bookkeepingSize)} of bookkeeping`);
+  const size = printed < shown.length ? `the first ${number(printed)} of ${counted(shown.length, 'change')}` : counted(printed, 'change');
+  return `Printed: ${[size, ...left].join('; ')}.`;
+}
+
+// Paper has all rows that are shown, up to a number that a printer can bear, and items in whole.
 function listenToPrint() {
+  const header = byId('header-changes');
+  let wasOpen = false;
   window.addEventListener('beforeprint', () => {
+    if (isOnPaper) return;
+    isOnPaper = true;
+    wasOpen = header.open;
+    header.open = true;
     const printed = Math.min(shown.length, mostPrinted);
-    byId('printed').textContent = printed < shown.length
-      ? `Printed are the first ${number(printed)} of ${counted(shown.length, 'change')}; filters make the choice smaller.`
-      : `Printed: ${byId('shown').textContent}.`;
-    list.showForPaper(printed);
+    byId('printed').textContent = printedWords(printed);
+    list.showFirst(printed);
   });
-  window.addEventListener('afterprint', () => list.renew());
+  window.addEventListener('afterprint', () => {
+    isOnPaper = false;
+    header.open = wasOpen;
+    list.renew();
+  });
 }
 
 function start() {
@@ -374,10 +402,14 @@ function start() {
     isAsked = true;
     requestAnimationFrame(() => {
       isAsked = false;
-      if (window.innerWidth === width || list.isOnPaper) return list.update();
-      width = window.innerWidth;
-      showBar();
-      list.renew();
+      if (window.innerWidth === width || isOnPaper) {
+        list.update();
+      } else {
+        width = window.innerWidth;
+        showBar();
+        list.renew();
+      }
+      showWhere();
     });
   };
   window.addEventListener('scroll', update, {passive: true});

@@ -25,7 +25,8 @@ const foldedLine = 600;
 // What is unfolded, by the number of the change; all is, when the reader wants it so.
 const unfolded = new Set();
 let unfoldsAll = false;
-const isUnfolded = (number) => unfoldsAll !== unfolded.has(number);
+let isOnPaper = false;  // where nothing can be unfolded
+const isUnfolded = (at) => isOnPaper || unfoldsAll !== unfolded.has(at);
 
 // Called when a row's height has changed.
 let onResize = () => {};

@@ -270,7 +270,7 @@ class PageTest(unittest.TestCase):
         self.wait(lambda: self.size() == 100_000, "no search")
         self.js("window.dispatchEvent(new Event('beforeprint'));")
         self.assertEqual(rows(), 5000)
-        self.assertIn("first 5,000 of 100,000", self.js("return document.getElementById('printed').textContent"))
+        self.assertIn("Printed: the first 5,000 of 100,000 changes; search: ", self.js("return document.getElementById('printed').textContent"))
         self.js("window.dispatchEvent(new Event('afterprint'));")
         self.assertLess(rows(), 200)
 
