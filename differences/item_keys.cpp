@@ -9,7 +9,7 @@ namespace {
 using namespace vtrfile;
 
 // The names that keys have in the records of lists. A record with several of them is known by the first.
-constexpr std::array<std::string_view, 8> kKeyNames = {"CodePath", "Tid",  "Fid",      "Id",
+constexpr std::array<std::string_view, 8> kKeyNames = {"CodePath",   "Tid",  "Fid",      "Id",
                                                        "ControlTag", "Code", "FileName", "Key"};
 
 }  // namespace

@@ -8,7 +8,6 @@
 #include "platform/files/file_handle.h"
 #include "platform/files/sha256.h"
 #include "reports/columns.h"
-#include "vtrfile/lists.h"
 #include "vtrfile/sections.h"
 
 namespace trvtrout::host {
@@ -41,21 +40,10 @@ std::string moment(std::chrono::sys_seconds time) {
   return {text.data(), std::strftime(text.data(), text.size(), "%Y-%m-%dT%H:%M:%SZ", &parts)};
 }
 
-// A section that is one list has that list's title; any other has its tag.
-std::string_view title_of(std::string_view tag) {
-  std::string_view title = tag;
-  for (const vtrfile::DocumentList& list : vtrfile::document_lists()) {
-    if (list.section != tag) continue;
-    if (title != tag) return tag;
-    title = list.title;
-  }
-  return title;
-}
-
 Json sections() {
   Json all = Json::array();
   vtrfile::for_each_section(
-      [&](const auto& section) { all.push_back({{"tag", section.tag}, {"title", title_of(section.tag)}}); });
+      [&](const auto& section) { all.push_back({{"tag", section.tag}, {"title", section.title}}); });
   return all;
 }
 
