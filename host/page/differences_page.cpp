@@ -2,6 +2,7 @@
 
 #include <span>
 
+#include "differences/item_keys.h"
 #include "host/json.h"
 #include "host/page/escaping_buffer.h"
 #include "host/page/page_parts.h"
@@ -9,6 +10,7 @@
 #include "platform/files/sha256.h"
 #include "reports/columns.h"
 #include "vtrfile/sections.h"
+#include "vtrfile/value_types.h"
 
 namespace trvtrout::host {
 namespace {
@@ -47,6 +49,20 @@ Json sections() {
   return all;
 }
 
+// Of each list within a value whether its items have keys, by its path without the places of items.
+void add_lists(const std::string& path, const vtrfile::ValueType& type, Json& lists) {
+  for (const vtrfile::MemberType& member : type.members) add_lists(path + '/' + member.name, *member.type, lists);
+  if (!type.element || type.kind == vtrfile::Kind::kVariantRun) return;
+  if (type.kind == vtrfile::Kind::kArray) lists[path] = differences::key_member(*type.element) != nullptr;
+  add_lists(path, *type.element, lists);
+}
+
+Json lists() {
+  Json all = Json::object();
+  for (const auto& [tag, record] : vtrfile::sections_of({})) add_lists(std::string(tag), record.type(), all);
+  return all;
+}
+
 // The names that the values of fixed runs have for users, by the path of the run without the places of items.
 Json names_of_runs() {
   Json languages = Json::array();
@@ -80,6 +96,7 @@ std::string info_json(const PageInfo& info) {
                     {"old", file_json(info.old_file)},
                     {"new", file_json(info.new_file)},
                     {"sections", sections()},
+                    {"lists", lists()},
                     {"runs", names_of_runs()}};
   // A file's name can hold bytes that are no UTF-8.
   return all.dump(-1, ' ', false, Json::error_handler_t::replace);

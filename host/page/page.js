@@ -275,7 +275,8 @@ function tell(words) {
 // The item of the first row that is seen, when its names are scrolled away.
 function showWhere() {
   const below = window.scrollY + covered() - list.top();
-  const position = list.firstSeen(covered());
+  // Of a row that is nearly gone nothing is told.
+  const position = list.firstSeen(covered() + 12);
   const isAway = shown.length > 0 && below > 0 && !(isFirstOfGroup(position) && list.offset(position) >= below - 12);
   byId('where').replaceChildren(...(isAway ? crumbs(entries[shown[position]].names) : []));
 }

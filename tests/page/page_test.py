@@ -46,6 +46,7 @@ SMALL = differences([
     {"kind": "added", "newPath": "Schema/Tables/Items[5]", "key": "T050", "new": TABLE},
     {"kind": "added", "newPath": "Schema/Tables/Items[6]", "key": "6", "new": {"Tid": ""}, "unused": True},
     {"kind": "moved", "path": "TreeHierarchy/Items[2]", "newPath": "TreeHierarchy/Items[7]", "key": "A/B"},
+    changed("TarvelDefinitionHeader/Items[1]/Nodes[2]/Description", "1/2", "", "Node"),
     changed("Language/Items[9]/Texts[4]", "MSG/1", "Ventil", "Ventile"),
     changed("Module/Items[1]/Var1", "M", {"type": 6, "value": "-15000"}, {"type": 8, "value": "\u2028" * 30000}),
 ], header=[changed("Header/Modified", "", "then", "now")])
@@ -75,6 +76,7 @@ class PageTest(unittest.TestCase):
         cls.driver.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {"source": """
             window.violations = [];
             addEventListener('securitypolicyviolation', (event) => violations.push(event.violatedDirective));
+            addEventListener('error', (event) => violations.push(event.message));
             window.alert = () => violations.push('alert');"""})
 
     @classmethod
@@ -142,13 +144,13 @@ class PageTest(unittest.TestCase):
         digests = [subprocess.run(["sha256sum", f"{SAMPLES}/{name}"], capture_output=True, check=True).stdout[:64].decode()
                    for name in ["plant.vtr", "plant-next.vtr"]]
         self.assertEqual([cell.text for cell in self.all("#files code")], digests)
-        self.assertIn("6 changed, 1 removed, 2 added, 1 moved", self.js("return document.querySelector('noscript').textContent"))
+        self.assertIn("7 changed, 1 removed, 2 added, 1 moved", self.js("return document.querySelector('noscript').textContent"))
 
     def test_names_are_those_that_users_know(self):
         self.open(SMALL)
-        self.assertEqual(self.members(), ["Description", "Lenght", "Filter / FilterText", "T005", "T050", "A/B", "German", "Var1"])
+        self.assertEqual(self.members(), ["Description", "Lenght", "Filter / FilterText", "T005", "T050", "A/B", "Description", "German", "Var1"])
         self.assertEqual([element.text.replace(" ", "") for element in self.all("#list h3")],
-                         ["Schema/Product", "Schema/Tables/T003/Fields/F004", "Schema/Tables", "Treenodes",
+                         ["Schema/Product", "Schema/Tables/T003/Fields/F004", "Schema/Tables", "Tree", "Datasend/#1/Nodes/#2",
                           "Languagetexts/MSG/1", "Modules/M"])
         self.assertIn("-1.5", self.all("#list .old")[-1].text)
 
@@ -165,7 +167,7 @@ class PageTest(unittest.TestCase):
         self.search("&amp;", 1)
         self.search("nowhere", 0)
         self.one("#none button").click()
-        self.assertEqual(self.size(), 8)
+        self.assertEqual(self.size(), 9)
 
     def test_texts_stay_texts_and_nothing_is_fetched(self):
         self.driver.get_log("performance")
@@ -229,7 +231,7 @@ class PageTest(unittest.TestCase):
         self.keys("np")
         self.wait(lambda: self.size() == 0, "keys go into the search")
         self.keys(Keys.ESCAPE)
-        self.assertEqual(self.size(), 8)
+        self.assertEqual(self.size(), 9)
         # A link leads to what a filter hides, too; an item that was added isn't the one that was removed at its place.
         for place, member in [("Schema/Tables/Items[5]", "T005"), ("new:Schema/Tables/Items[5]", "T050"),
                               ("TreeHierarchy", "A/B"), ("Schema/Tables/Max", "Max")]:
