@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "host/commands.h"
+#include "host/exchange_options.h"
 #include "host/nearest.h"
 #include "host/part_reports.h"
 #include "platform/files/path.h"
@@ -42,6 +43,8 @@ struct Request {
   StatisticsTask statistics;
   DiffTask diff;
   TextTask text;
+  ExportTask exported;
+  ImportTask imported;
 };
 
 void add_code_page(CLI::App& command, Settings& settings) {
@@ -209,6 +212,17 @@ void add_statistics(CLI::App& command, Request& request) {
   add_wait(command, request.settings);
 }
 
+void add_export(CLI::App& command, Request& request) {
+  add_export_options(command, request.exported, check_path);
+  add_overwrite(command, request.settings);
+  add_code_page(command, request.settings);
+}
+
+void add_import(CLI::App& command, Request& request) {
+  add_import_options(command, request.imported, check_path);
+  add_overwrite(command, request.settings);
+}
+
 struct Subcommand {
   const char* name;
   const char* description;
@@ -282,6 +296,21 @@ constexpr Subcommand kSubcommands[] = {
      {"vtrout recover damaged.vtr", "vtrout recover old.vtr --output new.vtr --log lost.txt"},
      {"nothing was lost", "something was lost, or may have been",
       "nothing was written; a line on stderr says why and what to do"}},
+    {"export",
+     "Write the content of files for other programs: as JSON, or in a database",
+     add_export,
+     [](const Request& request) { return export_documents(request.settings, request.exported); },
+     {"docs/json.md tells the forms of JSON, docs/queries.md what can be asked of a database.\n"},
+     {"vtrout export plant.vtr --json plant.json", "vtrout export plant.vtr plant-next.vtr --sqlite plants.db"},
+     {"fine", "something of a file in the old format has no place in the current one",
+      "nothing was exported; a line on stderr says why and what to do"}},
+    {"import",
+     "Write the VTR file that a document's JSON describes",
+     add_import,
+     [](const Request& request) { return import_document(request.settings, request.imported); },
+     {"The file is read back and compared before it takes its place.\n"},
+     {"vtrout import plant.json plant.vtr"},
+     {"the file was written", nullptr, "nothing was written; a line on stderr says why and what to do"}},
     {"statistics",
      "Add an existing detail report to an existing workbook, as a sheet",
      add_statistics,
@@ -302,7 +331,9 @@ std::string footer_of(const Subcommand& subcommand) {
   std::string text;
   for (const char* const note : subcommand.notes) text += note == nullptr ? "" : note;
   text += text.empty() ? "Examples:\n" : "\nExamples:\n";
-  for (const char* const example : subcommand.examples) text += std::string("  ") + example + '\n';
+  for (const char* const example : subcommand.examples) {
+    if (example != nullptr) text += std::string("  ") + example + '\n';
+  }
   text += "\nExit status:\n";
   for (std::size_t status = 0; status < std::size(subcommand.statuses); ++status) {
     const char* const meaning = subcommand.statuses[status];

@@ -86,4 +86,26 @@ struct RecoveryTask {
 // kRemarkable when something was lost, kTrouble when nothing was written.
 ExitStatus recover(const Settings& settings, const RecoveryTask& task);
 
+enum class ExportForm { kNone, kJson, kLines, kDatabase };
+
+struct ExportTask {
+  std::vector<std::string> files;  // one of them for kJson
+  ExportForm form = ExportForm::kNone;
+  std::string output;  // empty for stdout
+  bool pretty = false;
+};
+
+// `vtrout export`: documents for other programs, as JSON, as lines of JSON or in a database. A damaged document is
+// refused. kRemarkable when something of one in the old format has no place in what was exported.
+ExitStatus export_documents(const Settings& settings, const ExportTask& task);
+
+struct ImportTask {
+  std::string document;
+  std::string output;
+};
+
+// `vtrout import`: writes the file that a document's JSON describes. One that stands there is replaced only when the
+// new one is complete and was read back.
+ExitStatus import_document(const Settings& settings, const ImportTask& task);
+
 }  // namespace trvtrout::host

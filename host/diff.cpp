@@ -9,11 +9,15 @@
 #include "host/diff_json.h"
 #include "host/difference_counts.h"
 #include "host/exchanged_texts.h"
+#include "host/new_file.h"
+#include "host/output_buffer.h"
+#include "host/page/differences_page.h"
 #include "host/path_filter.h"
 #include "host/read_whole.h"
 #include "host/terminal/differences_text.h"
 #include "host/terminal/paged_output.h"
 #include "platform/files/path.h"
+#include "platform/files/staged_files.h"
 #include "vtrfile/sections.h"
 
 namespace trvtrout::host {
@@ -58,8 +62,8 @@ struct FilePair {
   bool for_git = false;
 };
 
-// git gives: path, old file, its object and mode, new file, its object and mode; of a renamed file also the new path and
-// a text about the renaming.
+// git gives: path, old file, its object and mode, new file, its object and mode; of a renamed file also the new path
+// and a text about the renaming.
 std::optional<FilePair> files_of(const std::vector<std::string>& arguments) {
   switch (arguments.size()) {
     case 2:
@@ -81,10 +85,11 @@ bool colors_wanted(ColorWhen when) {
   return isatty(STDOUT_FILENO) != 0 && !(no_color && *no_color) && terminal && std::string_view(terminal) != "dumb";
 }
 
-PathFilter filter_of(const DiffTask& task) {
+// What is asked for, one pattern each; none when all is.
+std::vector<std::string> patterns_of(const DiffTask& task) {
   std::vector<std::string> only = task.only;
   for (const std::string& part : task.parts) std::ranges::copy(patterns_of_part(part), std::back_inserter(only));
-  return {only, task.ignore};
+  return only;
 }
 
 void show_text(std::ostream& out, Locale& locale, const Painter& painter, const Documents& documents, bool all) {
@@ -136,15 +141,52 @@ std::string counts_line(const Counted& counted) {
   return (counted.of_document.all() == 0 ? "no differences" : counted.of_document.text()) + header;
 }
 
-void show(const Settings& settings, const DiffTask& task, Machine& machine, const Documents& documents,
+PageInfo page_info(const DiffTask& task, const FilePair& files, const DifferenceCounts& counts) {
+  PageInfo info{.compared = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now()),
+                .old_file = page_file(files.old_file),
+                .new_file = page_file(files.new_file),
+                .of_kind = counts.of_kind,
+                .only = patterns_of(task),
+                .ignored = task.ignore};
+  info.old_file.name = files.old_name;
+  info.new_file.name = files.new_name;
+  return info;
+}
+
+// The page is put in its place when it's whole.
+bool write_page(Machine& machine, const DiffTask& task, const FilePair& files, const DifferenceCounts& counts,
+                const std::function<void(std::ostream&)>& write_json) {
+  const HostServices services = machine.services();
+  const auto target = target_for(services, {files.old_file, "the old document", task.html, u"Differences"});
+  if (!target) return false;
+  if (services.files.SameFile(target->path, platform::class_path(files.new_file))) {
+    complain(task.html + ": that's the new document, which is never overwritten; name another file" + kNothingWritten);
+    return false;
+  }
+  platform::StagedFiles staged(services.files, files.old_file);
+  OutputBuffer buffer(staged.OpenBinaryOutput(target->path));
+  std::ostream out(&buffer);
+  write_differences_page(out, page_info(task, files, counts), write_json);
+  buffer.close();
+  staged.commit(target->replaces);
+  std::cout << platform::machine_path(target->path) << '\n';
+  return true;
+}
+
+// False when nothing could be shown, of which the user has been told.
+bool show(const Settings& settings, const DiffTask& task, Machine& machine, const Documents& documents,
           const FilePair& files, const Counted& counted) {
   const auto of_header = [&](const Tell& tell) { documents.of_header(tell); };
   const auto of_document = [&](const Tell& tell) { documents.of_document(tell); };
   const DifferencesHead head{files.old_name, files.new_name, counted.of_document};
-  if (task.json) {
+  const auto write_json = [&](std::ostream& out) {
     exchange::Texts texts = texts_of(settings.code_page);
-    write_differences_json(std::cout, texts, head, of_header, of_document);
-  } else if (task.html.empty()) {
+    write_differences_json(out, texts, head, of_header, of_document);
+  };
+  if (!task.html.empty()) return write_page(machine, task, files, counted.of_document, write_json);
+  if (task.json) {
+    write_json(std::cout);
+  } else {
     PagedOutput paged;
     std::ostream& out = paged.stream();
     const Painter painter(colors_wanted(task.color));
@@ -156,6 +198,7 @@ void show(const Settings& settings, const DiffTask& task, Machine& machine, cons
     }
     out << counts_line(counted) << '\n';
   }
+  return true;
 }
 
 }  // namespace
@@ -166,7 +209,7 @@ ExitStatus diff(const Settings& settings, const DiffTask& task) {
     complain("diff takes two files, OLD and NEW; see vtrout help diff");
     return kTrouble;
   }
-  const PathFilter filter = filter_of(task);
+  const PathFilter filter(patterns_of(task), task.ignore);
   Machine machine(settings);
   Documents documents(machine, filter);
   if (!documents.read(machine, files->old_file, files->new_file)) {
@@ -176,7 +219,7 @@ ExitStatus diff(const Settings& settings, const DiffTask& task) {
     return kFine;
   }
   const Counted counted = count(documents);
-  show(settings, task, machine, documents, *files, counted);
+  if (!show(settings, task, machine, documents, *files, counted)) return kTrouble;
   return files->for_git || counted.of_document.all() == 0 ? kFine : kRemarkable;
 }
 

@@ -19,8 +19,8 @@ struct DifferencesHead {
 // Calls its argument for each difference.
 using DifferenceSource = std::function<void(const differences::Tell& tell)>;
 
-// Writes the form "vtr-differences" (docs/json.md) as the differences come. Whether all could be written is the state of
-// `out`.
+// Writes the form "vtr-differences" (docs/json.md) as the differences come. Whether all could be written is the state
+// of `out`.
 void write_differences_json(std::ostream& out, exchange::Texts& texts, const DifferencesHead& head,
                             const DifferenceSource& of_header, const DifferenceSource& of_document);
 

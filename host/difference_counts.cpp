@@ -47,8 +47,8 @@ const Place& within(const Place& place, const Place& item) {
 bool tells_apart(const ComparedList& list, const Place& item, const Place& place) {
   const Place& changed = within(place, item);
   const std::size_t size = item.old_value.type().size;
-  const auto offset = static_cast<const std::byte*>(changed.old_value.at()) -
-                      static_cast<const std::byte*>(item.old_value.at());
+  const auto offset =
+      static_cast<const std::byte*>(changed.old_value.at()) - static_cast<const std::byte*>(item.old_value.at());
   std::vector<std::max_align_t> other(size / sizeof(std::max_align_t) + 1);
   std::memcpy(other.data(), item.old_value.at(), size);
   std::memcpy(reinterpret_cast<std::byte*>(other.data()) + offset, changed.new_value.at(),

@@ -61,18 +61,12 @@ Match match(std::span<const std::string> pattern, std::span<const std::string> p
   if (pattern.empty()) return Match::kFull;
   if (path.empty()) {
     return std::ranges::all_of(pattern, [](const auto& step) { return step == kAnySteps; }) ? Match::kFull
-                                                                                             : Match::kContains;
+                                                                                            : Match::kContains;
   }
   if (pattern.front() == kAnySteps) {
     return std::max(match(pattern.subspan(1), path), match(pattern, path.subspan(1)));
   }
   return step_matches(pattern.front(), path.front()) ? match(pattern.subspan(1), path.subspan(1)) : Match::kNone;
-}
-
-Match best_match(const std::vector<Steps>& patterns, const Steps& path) {
-  Match best = Match::kNone;
-  for (const Steps& pattern : patterns) best = std::max(best, match(pattern, path));
-  return best;
 }
 
 // Numbers in brackets are left out: "Items[3]" and "Items[*]" become "Items[]".
@@ -94,13 +88,19 @@ bool is_possible(const Steps& pattern, const vtrfile::ValueType& type, Steps& pa
   });
 }
 
+Steps without_numbers(const Steps& steps) {
+  Steps numberless;
+  std::ranges::transform(steps, std::back_inserter(numberless),
+                         [](const std::string& step) { return without_numbers(step); });
+  return numberless;
+}
+
 std::vector<Steps> checked(const std::vector<std::string>& patterns) {
   const vtrfile::DocumentSlots empty;
   std::vector<Steps> all;
   for (const std::string& pattern : patterns) {
     Steps steps = steps_of(pattern);
-    Steps numberless;
-    std::ranges::transform(steps, std::back_inserter(numberless), without_numbers);
+    const Steps numberless = without_numbers(steps);
     const bool known = !steps.empty() && std::ranges::any_of(vtrfile::sections_of(empty), [&](const auto& section) {
       Steps path{std::string(section.tag)};
       return is_possible(numberless, section.record.type(), path);
@@ -123,8 +123,20 @@ PathFilter::PathFilter(std::vector<std::string> only, std::vector<std::string> i
 bool PathFilter::chooses(const differences::Difference& difference) const {
   if (only_.empty() && ignore_.empty()) return true;
   const bool in_old = difference.kind != differences::Kind::kAdded;
-  const Steps path = steps_of(in_old ? old_path(difference.place) : new_path(difference.place));
-  return (only_.empty() || best_match(only_, path) != Match::kNone) && best_match(ignore_, path) != Match::kFull;
+  const differences::Place& place = difference.place;
+  const Steps path = steps_of(in_old ? old_path(place) : new_path(place));
+  const vtrfile::ValueType& type = (in_old ? place.old_value : place.new_value).type();
+  const auto contains = [&](const Pattern& pattern) {
+    Steps above = without_numbers(path);
+    if (type.element) above.back() = above.back().substr(0, above.back().find('['));
+    return is_possible(without_numbers(pattern), type, above);
+  };
+  const auto is_full = [&](const Pattern& pattern) { return match(pattern, path) == Match::kFull; };
+  const auto wanted = [&](const Pattern& pattern) {
+    const Match found = match(pattern, path);
+    return found == Match::kFull || (found == Match::kContains && contains(pattern));
+  };
+  return (only_.empty() || std::ranges::any_of(only_, wanted)) && std::ranges::none_of(ignore_, is_full);
 }
 
 std::vector<std::string> patterns_of_part(const std::string& part) {

@@ -13,8 +13,8 @@ namespace trvtrout::host {
 // steps; it matches a value with all that is in it.
 class PathFilter {
  public:
-  // All when `only` is empty, but for those that `ignore` names. Raises UnknownPath for a pattern that no document has a
-  // path for.
+  // All when `only` is empty, but for those that `ignore` names. Raises UnknownPath for a pattern that no document has
+  // a path for.
   PathFilter(std::vector<std::string> only, std::vector<std::string> ignore);
 
   // An item that was removed, added or moved is chosen, too, when it contains what `only` names.

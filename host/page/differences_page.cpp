@@ -23,11 +23,20 @@ std::string as_html(std::string_view text) {
   std::string all;
   for (const char character : text) {
     switch (character) {
-      case '<': all += "&lt;"; break;
-      case '>': all += "&gt;"; break;
-      case '&': all += "&amp;"; break;
-      case '"': all += "&quot;"; break;
-      default: all += character;
+      case '<':
+        all += "&lt;";
+        break;
+      case '>':
+        all += "&gt;";
+        break;
+      case '&':
+        all += "&amp;";
+        break;
+      case '"':
+        all += "&quot;";
+        break;
+      default:
+        all += character;
     }
   }
   return all;
@@ -44,8 +53,9 @@ std::string moment(std::chrono::sys_seconds time) {
 
 Json sections() {
   Json all = Json::array();
-  vtrfile::for_each_section(
-      [&](const auto& section) { all.push_back({{"tag", section.tag}, {"title", section.title}}); });
+  vtrfile::for_each_section([&](const auto& section) {
+    all.push_back({{"tag", section.tag}, {"title", section.title}});
+  });
   return all;
 }
 
@@ -73,10 +83,8 @@ Json names_of_runs() {
 }
 
 Json file_json(const PageFile& file) {
-  return {{"name", file.name},
-          {"size", file.size},
-          {"sha256", file.sha256},
-          {"lastChanged", moment(file.last_changed)}};
+  return {
+      {"name", file.name}, {"size", file.size}, {"sha256", file.sha256}, {"lastChanged", moment(file.last_changed)}};
 }
 
 // Calls write_json with a stream whose bytes can stand in a script element of the page.
@@ -91,27 +99,30 @@ void embed(std::ostream& page, const std::function<void(std::ostream&)>& write_j
 std::string title_of_page(const PageInfo& info) { return info.old_file.name + " → " + info.new_file.name; }
 
 std::string info_json(const PageInfo& info) {
-  const Json all = {{"version", info.version},
-                    {"compared", moment(info.compared)},
-                    {"old", file_json(info.old_file)},
-                    {"new", file_json(info.new_file)},
-                    {"sections", sections()},
-                    {"lists", lists()},
-                    {"runs", names_of_runs()}};
+  Json all = {{"version", VTROUT_VERSION},
+              {"compared", moment(info.compared)},
+              {"old", file_json(info.old_file)},
+              {"new", file_json(info.new_file)},
+              {"only", info.only},
+              {"ignored", info.ignored},
+              {"sections", sections()},
+              {"lists", lists()},
+              {"runs", names_of_runs()}};
   // A file's name can hold bytes that are no UTF-8.
   return all.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
 std::string counts(const PageInfo& info) {
-  return std::to_string(info.changed) + " changed, " + std::to_string(info.removed) + " removed, " +
-         std::to_string(info.added) + " added, " + std::to_string(info.moved) + " moved";
+  std::string text;
+  for (std::size_t kind = 0; kind < info.of_kind.size(); ++kind) {
+    text += (kind == 0 ? "" : ", ") + std::to_string(info.of_kind[kind]) + ' ' + differences::kKindNames[kind];
+  }
+  return text;
 }
 
 // Nothing may be fetched; of scripts and styles those with these digests alone are used.
 std::string policy() {
-  const auto source = [](std::string_view text) {
-    return "'sha256-" + platform::base64(platform::sha256(text)) + "'";
-  };
+  const auto source = [](std::string_view text) { return "'sha256-" + platform::base64(platform::sha256(text)) + "'"; };
   return "default-src 'none'; script-src " + source(kPageScript) + "; style-src " + source(kPageStyle) +
          "; base-uri 'none'; form-action 'none'";
 }

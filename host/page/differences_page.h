@@ -1,10 +1,14 @@
 #pragma once
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <functional>
 #include <ostream>
 #include <string>
+#include <vector>
+
+#include "differences/differences.h"
 
 namespace trvtrout::host {
 
@@ -20,11 +24,12 @@ struct PageFile {
 PageFile page_file(const std::string& path);
 
 struct PageInfo {
-  std::string version;  // of the command
   std::chrono::sys_seconds compared;
   PageFile old_file, new_file;
-  // By kind; for readers whose browser runs no scripts.
-  std::uint64_t changed = 0, removed = 0, added = 0, moved = 0;
+  // For readers whose browser runs no scripts.
+  std::array<std::size_t, differences::kKinds> of_kind = {};
+  // The patterns that chose what was compared; none when all was.
+  std::vector<std::string> only, ignored;
 };
 
 // Writes one HTML page that shows differences and needs nothing else: it fetches nothing, and its content security

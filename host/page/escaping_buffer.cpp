@@ -9,9 +9,12 @@ constexpr std::string_view kSpecial = "<>&\xE2";
 
 std::string_view escape_of(char character) {
   switch (character) {
-    case '<': return "\\u003c";
-    case '>': return "\\u003e";
-    default: return "\\u0026";
+    case '<':
+      return "\\u003c";
+    case '>':
+      return "\\u003e";
+    default:
+      return "\\u0026";
   }
 }
 

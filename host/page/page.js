@@ -31,6 +31,9 @@ function momentText(moment) { return moment.replace('T', ' ').replace('Z', ' UTC
 function showFiles() {
   byId('title').replaceChildren(...seen(info.old.name), make('span', {className: 'then'}, ' → '), ...seen(info.new.name));
   byId('compared').textContent = `Compared ${momentText(info.compared)} by vtrout ${info.version}`;
+  const patterns = (words, all) => all.length ? `${words} ${all.join(', ')}` : '';
+  const chosen = [patterns('only', info.only), patterns('without', info.ignored)].filter(Boolean).join('; ');
+  byId('chosen').textContent = chosen && `A part of the documents was compared: ${chosen}`;
   for (const [word, file] of [['Old', info.old], ['New', info.new]]) {
     const cell = (heading, ...content) => make('td', {'data-heading': heading}, ...content);
     byId('files').append(make('tr', {}, make('th', {scope: 'row'}, word), cell('File', ...seen(file.name)),
@@ -56,8 +59,9 @@ function barOf(counts, most) {
 
 function showCounts() {
   const {counts} = differences;
+  const isWhole = info.only.length + info.ignored.length === 0;
   const all = kinds.reduce((sum, kind) => sum + counts[kind], 0);
-  byId('verdict').textContent = all ? `${counted(all, 'difference')}` : 'The documents are the same';
+  byId('verdict').textContent = all ? counted(all, 'difference') : isWhole ? 'The documents are the same' : 'No differences';
   for (const kind of all ? kinds : []) {
     byId('totals').append(make('span', {className: `total ${kind}`, 'data-count': counts[kind]},
       make('span', {className: 'kind', 'aria-hidden': 'true'}, kindMarks[kind]), make('b', {}, number(counts[kind])), ` ${kind}`));
@@ -79,7 +83,7 @@ function showCounts() {
   byId('sections').parentElement.hidden = bySection.length === 0;
   const met = new Set(bySection.map(([tag]) => tag));
   const equal = info.sections.filter(({tag}) => !met.has(tag)).map(({title}) => title);
-  byId('equal-sections').textContent = equal.length && all ? `Nothing differs in: ${equal.join(', ')}` : '';
+  byId('equal-sections').textContent = equal.length && all && isWhole ? `Nothing differs in: ${equal.join(', ')}` : '';
 }
 
 function showHeaderChanges() {

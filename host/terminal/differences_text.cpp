@@ -75,8 +75,8 @@ class Gist {
 
 // Whether the place is in the list, or is one of its numbers.
 bool is_within(const Label& label, const std::string& list) {
-  const std::string whole = label.item.empty() || label.member.empty() ? label.item + label.member
-                                                                       : label.item + " / " + label.member;
+  const std::string whole =
+      label.item.empty() || label.member.empty() ? label.item + label.member : label.item + " / " + label.member;
   return whole.starts_with(list) &&
          (list.empty() || whole.size() == list.size() || whole[list.size()] == ' ' || whole[list.size()] == '/');
 }
@@ -132,13 +132,15 @@ void DifferencesText::end_item() {
 void DifferencesText::show_item(const Label& label, const Difference& difference) {
   const differences::Place& place = difference.place;
   if (difference.kind == Kind::kMoved) {
-    return line(painter_.changed(">").c_str(),
-                painter_.changed(label.item) + ": moved from place " + std::to_string(place.old_number) + " to " +
-                    std::to_string(place.new_number));
+    return line(painter_.changed(">").c_str(), painter_.changed(label.item) + ": moved from place " +
+                                                   std::to_string(place.old_number) + " to " +
+                                                   std::to_string(place.new_number));
   }
   const bool removed = difference.kind == Kind::kRemoved;
   const Value item = removed ? place.old_value : place.new_value;
-  const auto in_color = [&](const std::string& text) { return removed ? painter_.removed(text) : painter_.added(text); };
+  const auto in_color = [&](const std::string& text) {
+    return removed ? painter_.removed(text) : painter_.added(text);
+  };
   const std::string what = difference.unused() ? "an unused slot" : all_ ? "" : Gist(locale_).of(item);
   line(in_color(removed ? "-" : "+").c_str(), in_color(label.item + (what.empty() ? "" : ": " + what)));
   if (!all_) return;

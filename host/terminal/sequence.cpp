@@ -12,8 +12,7 @@ using In = Piece::In;
 // How long the longest sequence is that both have from each two places on.
 class CommonLengths {
  public:
-  CommonLengths(const Parts& one, const Parts& other)
-      : width_(other.size() + 1), lengths_((one.size() + 1) * width_) {
+  CommonLengths(const Parts& one, const Parts& other) : width_(other.size() + 1), lengths_((one.size() + 1) * width_) {
     for (std::size_t at = one.size(); at-- > 0;) {
       for (std::size_t beside = other.size(); beside-- > 0;) {
         lengths_[at * width_ + beside] = one[at] == other[beside]

@@ -11,8 +11,8 @@ struct Piece {
   std::string_view text;
 };
 
-// What both sequences have in common, and what one has alone, in order; of long ones that differ much, more than need be
-// is told as different. What both have is the longest there is up to then.
+// What both sequences have in common, and what one has alone, in order; of long ones that differ much, more than need
+// be is told as different. What both have is the longest there is up to then.
 std::vector<Piece> pieces_of(const std::vector<std::string_view>& old_parts,
                              const std::vector<std::string_view>& new_parts);
 

@@ -32,8 +32,7 @@ std::size_t end_of_run(const std::vector<Piece>& pieces, std::size_t begin) {
 std::string around(Locale& locale, const std::vector<Piece>& pieces, std::size_t begin, std::size_t end) {
   const std::size_t first = begin == 0 ? 0 : kAround, last = end == pieces.size() ? 0 : kAround;
   if (end - begin <= first + last + 1) return shown(locale, joined(pieces, begin, end));
-  return shown(locale, joined(pieces, begin, begin + first)) + "... " +
-         shown(locale, joined(pieces, end - last, end));
+  return shown(locale, joined(pieces, begin, begin + first)) + "... " + shown(locale, joined(pieces, end - last, end));
 }
 
 std::string word_change(Locale& locale, const Painter& painter, std::string_view old_text, std::string_view new_text) {

@@ -69,7 +69,7 @@ class PageTest(unittest.TestCase):
         options.binary_location = shutil.which("chromium")
         for option in ["headless=new", "no-sandbox", "disable-gpu", "disable-quic", "no-first-run", "disable-sync",
                        "disable-background-networking", "disable-component-update", "disable-dev-shm-usage",
-                       "window-size=1280,900", f"user-data-dir={cls.folder}/profile"]:
+                       "window-size=1280,1600", f"user-data-dir={cls.folder}/profile"]:
             options.add_argument("--" + option)
         options.set_capability("goog:loggingPrefs", {"performance": "ALL", "browser": "ALL"})
         cls.driver = webdriver.Chrome(service=Service(shutil.which("chromedriver")), options=options)
