@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The page of differences in a real browser: page_test.py MAKE_PAGE SAMPLES. Ends with 77 where there is none."""
+"""The page of differences in a real browser: page_test.py VTROUT MAKE_PAGE SAMPLES. Ends with 77 where there is none."""
 
 import collections
 import json
@@ -145,6 +145,28 @@ class PageTest(unittest.TestCase):
                    for name in ["plant.vtr", "plant-next.vtr"]]
         self.assertEqual([cell.text for cell in self.all("#files code")], digests)
         self.assertIn("7 changed, 1 removed, 2 added, 1 moved", self.js("return document.querySelector('noscript').textContent"))
+
+    def test_the_command_writes_it(self):
+        page = self.folder / "of-command.html"
+        for old, new, *options in [("plant", "plant-next"), ("dense", "dense-next"), ("plant-old-format", "plant"),
+                                   ("plant", "plant"), ("plant", "plant-next", "--only", "Schema/**")]:
+            command = [VTROUT, "diff", f"{SAMPLES}/{old}.vtr", f"{SAMPLES}/{new}.vtr", *options]
+            told = json.loads(subprocess.run([*command, "--json"], capture_output=True).stdout)
+            subprocess.run([*command, "--yes", "--html", page], capture_output=True)
+            self.driver.get("about:blank")
+            self.driver.get(page.as_uri())
+            self.assertEqual(self.js("return JSON.parse(document.getElementById('differences').textContent)"), told)
+            counts = {kind: int(self.one(f"#totals .{kind}").get_attribute("data-count")) for kind in KINDS
+                      if told["different"]}
+            self.assertEqual(counts, told["counts"] if told["different"] else {})
+            if told["different"]:
+                for box in self.all("#bookkeeping, #unfold"):
+                    self.js("if (arguments[0].offsetParent) arguments[0].click()", box)
+                self.assertEqual(self.size(), len(told["changes"]))
+                self.js("window.dispatchEvent(new Event('beforeprint'));")
+                self.assertEqual(len(self.all("#list article")), len(told["changes"]))
+            self.assertEqual("A part of the documents" in self.one(".head").text, bool(options))
+            self.assertEqual(self.js("return violations"), [])
 
     def test_names_are_those_that_users_know(self):
         self.open(SMALL)
@@ -311,5 +333,5 @@ class PageTest(unittest.TestCase):
 if __name__ == "__main__":
     if not (shutil.which("chromium") and shutil.which("chromedriver")):
         sys.exit(77)
-    MAKE_PAGE, SAMPLES = sys.argv[1:3]
-    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
+    VTROUT, MAKE_PAGE, SAMPLES = sys.argv[1:4]
+    unittest.main(argv=sys.argv[:1] + sys.argv[4:])
