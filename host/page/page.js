@@ -31,6 +31,9 @@ function momentText(moment) { return moment.replace('T', ' ').replace('Z', ' UTC
 function showFiles() {
   byId('title').replaceChildren(...seen(info.old.name), make('span', {className: 'then'}, ' → '), ...seen(info.new.name));
   byId('compared').textContent = `Compared ${momentText(info.compared)} by vtrout ${info.version}`;
+  const patterns = (words, all) => all.length ? `${words} ${all.join(', ')}` : '';
+  const chosen = [patterns('only', info.only), patterns('without', info.ignored)].filter(Boolean).join('; ');
+  byId('chosen').textContent = chosen && `A part of the documents was compared: ${chosen}`;
   for (const [word, file] of [['Old', info.old], ['New', info.new]]) {
     const cell = (heading, ...content) => make('td', {'data-heading': heading}, ...content);
     byId('files').append(make('tr', {}, make('th', {scope: 'row'}, word), cell('File', ...seen(file.name)),
@@ -56,8 +59,9 @@ function barOf(counts, most) {
 
 function showCounts() {
   const {counts} = differences;
+  const isWhole = info.only.length + info.ignored.length === 0;
   const all = kinds.reduce((sum, kind) => sum + counts[kind], 0);
-  byId('verdict').textContent = all ? `${counted(all, 'difference')}` : 'The documents are the same';
+  byId('verdict').textContent = all ? counted(all, 'difference') : isWhole ? 'The documents are the same' : 'No differences';
   for (const kind of all ? kinds : []) {
     byId('totals').append(make('span', {className: `total ${kind}`, 'data-count': counts[kind]},
       make('span', {className: 'kind', 'aria-hidden': 'true'}, kindMarks[kind]), make('b', {}, number(counts[kind])), ` ${kind}`));
@@ -79,7 +83,7 @@ function showCounts() {
   byId('sections').parentElement.hidden = bySection.length === 0;
   const met = new Set(bySection.map(([tag]) => tag));
   const equal = info.sections.filter(({tag}) => !met.has(tag)).map(({title}) => title);
-  byId('equal-sections').textContent = equal.length && all ? `Nothing differs in: ${equal.join(', ')}` : '';
+  byId('equal-sections').textContent = equal.length && all && isWhole ? `Nothing differs in: ${equal.join(', ')}` : '';
 }
 
 function showHeaderChanges() {
@@ -174,6 +178,7 @@ function refresh() {
   const start = byId('changes').getBoundingClientRect().top + window.scrollY - covered();
   if (window.scrollY > start) window.scrollTo(0, start);
   list.update();
+  showWhere();
   showTree();
 }
 
@@ -271,6 +276,15 @@ function tell(words) {
   telling = setTimeout(() => byId('told').replaceChildren(), 2500);
 }
 
+// The item of the first row that is seen, when its names are scrolled away.
+function showWhere() {
+  const below = window.scrollY + covered() - list.top();
+  // Of a row that is nearly gone nothing is told.
+  const position = list.firstSeen(covered() + 12);
+  const isAway = shown.length > 0 && below > 0 && !(isFirstOfGroup(position) && list.offset(position) >= below - 12);
+  byId('where').replaceChildren(...(isAway ? crumbs(entries[shown[position]].names) : []));
+}
+
 function listenToRows() {
   onResize = () => list.update();
   byId('list').addEventListener('click', async (event) => {
@@ -340,16 +354,35 @@ function makeTheme() {
   apply();
 }
 
-// Paper has all rows that are shown, up to a number that a printer can bear.
+// What the rows on paper are, and which are left out.
+function printedWords(printed) {
+  const left = [];
+  if (filter.kinds.size < kinds.length) left.push(`kinds: ${kinds.filter((kind) => filter.kinds.has(kind)).join(', ') || 'none'}`);
+  if (filter.section) left.push(`section: ${titleOf(filter.section)}`);
+  if (filter.search) left.push(`search: ${filter.search}`);
+  if (bookkeepingSize > 0 && !filter.hasBookkeeping) left.push(`without ${number(bookkeepingSize)} of bookkeeping`);
+  const size = printed < shown.length ? `the first ${number(printed)} of ${counted(shown.length, 'change')}` : counted(printed, 'change');
+  return `Printed: ${[size, ...left].join('; ')}.`;
+}
+
+// Paper has all rows that are shown, up to a number that a printer can bear, and items in whole.
 function listenToPrint() {
+  const header = byId('header-changes');
+  let wasOpen = false;
   window.addEventListener('beforeprint', () => {
+    if (isOnPaper) return;
+    isOnPaper = true;
+    wasOpen = header.open;
+    header.open = true;
     const printed = Math.min(shown.length, mostPrinted);
-    byId('printed').textContent = printed < shown.length
-      ? `Printed are the first ${number(printed)} of ${counted(shown.length, 'change')}; filters make the choice smaller.`
-      : `Printed: ${byId('shown').textContent}.`;
-    list.showForPaper(printed);
+    byId('printed').textContent = printedWords(printed);
+    list.showFirst(printed);
   });
-  window.addEventListener('afterprint', () => list.renew());
+  window.addEventListener('afterprint', () => {
+    isOnPaper = false;
+    header.open = wasOpen;
+    list.renew();
+  });
 }
 
 function start() {
@@ -374,10 +407,14 @@ function start() {
     isAsked = true;
     requestAnimationFrame(() => {
       isAsked = false;
-      if (window.innerWidth === width || list.isOnPaper) return list.update();
-      width = window.innerWidth;
-      showBar();
-      list.renew();
+      if (window.innerWidth === width || isOnPaper) {
+        list.update();
+      } else {
+        width = window.innerWidth;
+        showBar();
+        list.renew();
+      }
+      showWhere();
     });
   };
   window.addEventListener('scroll', update, {passive: true});

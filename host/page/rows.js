@@ -25,7 +25,8 @@ const foldedLine = 600;
 // What is unfolded, by the number of the change; all is, when the reader wants it so.
 const unfolded = new Set();
 let unfoldsAll = false;
-const isUnfolded = (number) => unfoldsAll !== unfolded.has(number);
+let isOnPaper = false;  // where nothing can be unfolded
+const isUnfolded = (at) => isOnPaper || unfoldsAll !== unfolded.has(at);
 
 // Called when a row's height has changed.
 let onResize = () => {};
@@ -84,7 +85,7 @@ function markedLine(parts, mark) {
 }
 
 const endOf = (line) => /(?:\r\n|\r|\n)?$/.exec(line)[0];
-const endNames = {'\r\n': 'CR LF', '\r': 'CR', '\n': 'LF', '': 'no line end'};
+const endNames = {'\r\n': 'CR LF', '\r': 'CR', '\n': 'LF'};
 
 // Both sides of one line. Line ends are told where they differ.
 function linePair({a, b, differs}) {
@@ -100,7 +101,7 @@ function linePair({a, b, differs}) {
   }
   const [endA, endB] = [endOf(a), endOf(b)];
   const parts = wordParts(a.slice(0, a.length - endA.length), b.slice(0, b.length - endB.length));
-  const endMark = (mark, end) => endA === endB ? [] : [make(mark, {className: 'end'}, endNames[end])];
+  const endMark = (mark, end) => endA === endB || end === '' ? [] : [make(mark, {className: 'end'}, endNames[end])];
   return [side('old', [...markedLine(parts.a, 'del'), ...endMark('del', endA)]),
     side('new', [...markedLine(parts.b, 'ins'), ...endMark('ins', endB)])];
 }
@@ -137,7 +138,7 @@ const noteOf = (note) => note ? [make('span', {className: 'note'}, note)] : [];
 
 // The value of a change, old beside new.
 function changedCells({change, member}) {
-  const name = segmentOf(member).name;
+  const name = member.split(' / ').pop();
   if (hasMembers(change.old) || hasMembers(change.new)) {
     return lineCells(linePairs(outlineOf(change.old, name), outlineOf(change.new, name)));
   }

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""The page of differences in a real browser: page_test.py MAKE_PAGE SAMPLES. Ends with 77 where there is none."""
+"""The page of differences in a real browser: page_test.py VTROUT MAKE_PAGE SAMPLES. Ends with 77 where there is none."""
 
 import collections
 import json
@@ -46,6 +46,7 @@ SMALL = differences([
     {"kind": "added", "newPath": "Schema/Tables/Items[5]", "key": "T050", "new": TABLE},
     {"kind": "added", "newPath": "Schema/Tables/Items[6]", "key": "6", "new": {"Tid": ""}, "unused": True},
     {"kind": "moved", "path": "TreeHierarchy/Items[2]", "newPath": "TreeHierarchy/Items[7]", "key": "A/B"},
+    changed("TarvelDefinitionHeader/Items[1]/Nodes[2]/Description", "1/2", "", "Node"),
     changed("Language/Items[9]/Texts[4]", "MSG/1", "Ventil", "Ventile"),
     changed("Module/Items[1]/Var1", "M", {"type": 6, "value": "-15000"}, {"type": 8, "value": "\u2028" * 30000}),
 ], header=[changed("Header/Modified", "", "then", "now")])
@@ -68,13 +69,14 @@ class PageTest(unittest.TestCase):
         options.binary_location = shutil.which("chromium")
         for option in ["headless=new", "no-sandbox", "disable-gpu", "disable-quic", "no-first-run", "disable-sync",
                        "disable-background-networking", "disable-component-update", "disable-dev-shm-usage",
-                       "window-size=1280,900", f"user-data-dir={cls.folder}/profile"]:
+                       "window-size=1280,1600", f"user-data-dir={cls.folder}/profile"]:
             options.add_argument("--" + option)
         options.set_capability("goog:loggingPrefs", {"performance": "ALL", "browser": "ALL"})
         cls.driver = webdriver.Chrome(service=Service(shutil.which("chromedriver")), options=options)
         cls.driver.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {"source": """
             window.violations = [];
             addEventListener('securitypolicyviolation', (event) => violations.push(event.violatedDirective));
+            addEventListener('error', (event) => violations.push(event.message));
             window.alert = () => violations.push('alert');"""})
 
     @classmethod
@@ -142,13 +144,35 @@ class PageTest(unittest.TestCase):
         digests = [subprocess.run(["sha256sum", f"{SAMPLES}/{name}"], capture_output=True, check=True).stdout[:64].decode()
                    for name in ["plant.vtr", "plant-next.vtr"]]
         self.assertEqual([cell.text for cell in self.all("#files code")], digests)
-        self.assertIn("6 changed, 1 removed, 2 added, 1 moved", self.js("return document.querySelector('noscript').textContent"))
+        self.assertIn("7 changed, 1 removed, 2 added, 1 moved", self.js("return document.querySelector('noscript').textContent"))
+
+    def test_the_command_writes_it(self):
+        page = self.folder / "of-command.html"
+        for old, new, *options in [("plant", "plant-next"), ("dense", "dense-next"), ("plant-old-format", "plant"),
+                                   ("plant", "plant"), ("plant", "plant-next", "--only", "Schema/**")]:
+            command = [VTROUT, "diff", f"{SAMPLES}/{old}.vtr", f"{SAMPLES}/{new}.vtr", *options]
+            told = json.loads(subprocess.run([*command, "--json"], capture_output=True).stdout)
+            subprocess.run([*command, "--yes", "--html", page], capture_output=True)
+            self.driver.get("about:blank")
+            self.driver.get(page.as_uri())
+            self.assertEqual(self.js("return JSON.parse(document.getElementById('differences').textContent)"), told)
+            counts = {kind: int(self.one(f"#totals .{kind}").get_attribute("data-count")) for kind in KINDS
+                      if told["different"]}
+            self.assertEqual(counts, told["counts"] if told["different"] else {})
+            if told["different"]:
+                for box in self.all("#bookkeeping, #unfold"):
+                    self.js("if (arguments[0].offsetParent) arguments[0].click()", box)
+                self.assertEqual(self.size(), len(told["changes"]))
+                self.js("window.dispatchEvent(new Event('beforeprint'));")
+                self.assertEqual(len(self.all("#list article")), len(told["changes"]))
+            self.assertEqual("A part of the documents" in self.one(".head").text, bool(options))
+            self.assertEqual(self.js("return violations"), [])
 
     def test_names_are_those_that_users_know(self):
         self.open(SMALL)
-        self.assertEqual(self.members(), ["Description", "Lenght", "Filter / FilterText", "T005", "T050", "A/B", "German", "Var1"])
+        self.assertEqual(self.members(), ["Description", "Lenght", "Filter / FilterText", "T005", "T050", "A/B", "Description", "German", "Var1"])
         self.assertEqual([element.text.replace(" ", "") for element in self.all("#list h3")],
-                         ["Schema/Product", "Schema/Tables/T003/Fields/F004", "Schema/Tables", "Treenodes",
+                         ["Schema/Product", "Schema/Tables/T003/Fields/F004", "Schema/Tables", "Tree", "Datasend/#1/Nodes/#2",
                           "Languagetexts/MSG/1", "Modules/M"])
         self.assertIn("-1.5", self.all("#list .old")[-1].text)
 
@@ -165,7 +189,7 @@ class PageTest(unittest.TestCase):
         self.search("&amp;", 1)
         self.search("nowhere", 0)
         self.one("#none button").click()
-        self.assertEqual(self.size(), 8)
+        self.assertEqual(self.size(), 9)
 
     def test_texts_stay_texts_and_nothing_is_fetched(self):
         self.driver.get_log("performance")
@@ -229,7 +253,7 @@ class PageTest(unittest.TestCase):
         self.keys("np")
         self.wait(lambda: self.size() == 0, "keys go into the search")
         self.keys(Keys.ESCAPE)
-        self.assertEqual(self.size(), 8)
+        self.assertEqual(self.size(), 9)
         # A link leads to what a filter hides, too; an item that was added isn't the one that was removed at its place.
         for place, member in [("Schema/Tables/Items[5]", "T005"), ("new:Schema/Tables/Items[5]", "T050"),
                               ("TreeHierarchy", "A/B"), ("Schema/Tables/Max", "Max")]:
@@ -270,7 +294,7 @@ class PageTest(unittest.TestCase):
         self.wait(lambda: self.size() == 100_000, "no search")
         self.js("window.dispatchEvent(new Event('beforeprint'));")
         self.assertEqual(rows(), 5000)
-        self.assertIn("first 5,000 of 100,000", self.js("return document.getElementById('printed').textContent"))
+        self.assertIn("Printed: the first 5,000 of 100,000 changes; search: ", self.js("return document.getElementById('printed').textContent"))
         self.js("window.dispatchEvent(new Event('afterprint'));")
         self.assertLess(rows(), 200)
 
@@ -309,5 +333,5 @@ class PageTest(unittest.TestCase):
 if __name__ == "__main__":
     if not (shutil.which("chromium") and shutil.which("chromedriver")):
         sys.exit(77)
-    MAKE_PAGE, SAMPLES = sys.argv[1:3]
-    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
+    VTROUT, MAKE_PAGE, SAMPLES = sys.argv[1:4]
+    unittest.main(argv=sys.argv[:1] + sys.argv[4:])
