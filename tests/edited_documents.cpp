@@ -94,7 +94,8 @@ std::string word(std::mt19937& random) { return "word " + std::to_string(random(
 Json other_value(const ValueType& type, std::mt19937& random) {
   const auto number = static_cast<int>(random() % 20'000) + 1;
   std::string digits;
-  for (std::size_t nth = 0; nth < std::max<std::size_t>(type.count, 1); ++nth) digits += random() % 2 == 0 ? "a1" : "7c";
+  for (std::size_t nth = 0; nth < std::max<std::size_t>(type.count, 1); ++nth)
+    digits += random() % 2 == 0 ? "a1" : "7c";
   switch (type.kind) {
     case Kind::kInt16:
     case Kind::kInt32:
@@ -161,7 +162,8 @@ Json differences_between(const vtrfile::DocumentSlots& old_document, const vtrfi
 
 Json applied(Json document, const Json& differences) {
   auto out = items_of(differences, "path", {"removed", "moved"});
-  std::ranges::stable_sort(out, std::greater(), [](const Item& item) { return std::pair(item.list.size(), item.number); });
+  std::ranges::stable_sort(out, std::greater(),
+                           [](const Item& item) { return std::pair(item.list.size(), item.number); });
   std::map<const Json*, Json> moved;
   for (const Item& item : out) {
     Json& items = elements_of(at(document, item.list));
