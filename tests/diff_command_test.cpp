@@ -27,7 +27,8 @@ std::string page_to_approve(std::string page) {
 }
 
 TEST_F(Diff, TheSamplesInAllForms) {
-  for (const auto& [one, other] : {std::pair("plant.vtr", "plant-next.vtr"), {"dense.vtr", "dense-next.vtr"},
+  for (const auto& [one, other] : {std::pair("plant.vtr", "plant-next.vtr"),
+                                   {"dense.vtr", "dense-next.vtr"},
                                    {"plant-old-format.vtr", "plant.vtr"}}) {
     put(one, sample(one));
     put(other, sample(other));
@@ -63,12 +64,15 @@ TEST_F(Diff, TheStatusSaysWhetherAnythingDiffersOutsideTheHeader) {
   expect_refused("vtrout diff a.vtr d.vtr", "it can't be compared: see `vtrout info`, and `vtrout recover`");
   expect_refused("vtrout diff a.vtr", "");
   expect_refused("vtrout diff a.vtr b.vtr c.vtr", "diff takes two files, OLD and NEW");
-  expect_refused("vtrout diff --yes a.vtr b.vtr --html a.vtr", "that's the old document itself, which is never overwritten");
+  expect_refused("vtrout diff --yes a.vtr b.vtr --html a.vtr",
+                 "that's the old document itself, which is never overwritten");
   expect_refused("vtrout diff --yes a.vtr b.vtr --html b.vtr", "that's the new document, which is never overwritten");
 }
 
 TEST_F(Diff, PathsAreChosen) {
-  const auto last_line = [&](const std::string& options) { return lines(vtrout("diff a.vtr b.vtr " + options).out).back(); };
+  const auto last_line = [&](const std::string& options) {
+    return lines(vtrout("diff a.vtr b.vtr " + options).out).back();
+  };
   EXPECT_EQ(last_line("--only '**/Fid'"), "2 differences: 1 removed, 1 added");  // the items that have one
   EXPECT_EQ(last_line("--only 'Schema/Tables/Items[1]' --only 'Module/Count'"), "4 differences: 3 changed, 1 removed");
   EXPECT_EQ(last_line("--only Schema --ignore 'Schema/**/Fields' --ignore 'Schema/Pro?uct'"),
@@ -187,10 +191,11 @@ TEST_F(Diff, GitShowsDifferencesBetweenVersions) {
   EXPECT_NE(run("git config diff.vtr.command 'vtrout diff' && git diff --cached -M10 HEAD").find("can't be compared"),
             std::string::npos);
 
-  const std::string by_text = run(
-      "git config --unset diff.vtr.command; git config diff.vtr.textconv 'vtrout text' && git diff HEAD~1 HEAD");
-  EXPECT_NE(by_text.find("\n-Schema/Tables/T001/Fields/F004/Lenght: 12.5\n+Schema/Tables/T001/Fields/F004/Lenght: 40\n"),
-            std::string::npos)
+  const std::string by_text =
+      run("git config --unset diff.vtr.command; git config diff.vtr.textconv 'vtrout text' && git diff HEAD~1 HEAD");
+  EXPECT_NE(
+      by_text.find("\n-Schema/Tables/T001/Fields/F004/Lenght: 12.5\n+Schema/Tables/T001/Fields/F004/Lenght: 40\n"),
+      std::string::npos)
       << by_text;
 }
 
