@@ -1,7 +1,8 @@
 // How the items of two lists find each other:
 //
 // 1. Equal items at the beginning and at the end of both lists are partners.
-// 2. In between, both lists are walked side by side. Equal items are partners; where two differ, the walk goes on behind
+// 2. In between, both lists are walked side by side. Equal items are partners; where two differ, the walk goes on
+// behind
 //    them, or behind some items that one list has more, whichever finds more equal ones.
 // 3. Of what is left over, items with a key that occurs once in both are partners; of a key that occurs several times,
 //    equal items first, then the others in order.
@@ -23,8 +24,8 @@
 #include <tuple>
 #include <utility>
 
-#include "differences/item_keys.h"
 #include "differences/likeness.h"
+#include "vtrfile/item_keys.h"
 
 namespace trvtrout::differences {
 namespace {
@@ -112,7 +113,7 @@ class Pairing {
   // From here on places are counted from 0 behind the items in front.
   Places partner_of_old_, partner_of_new_;
   std::vector<bool> same_;
-  std::vector<bool> moved_;  // of the new items
+  std::vector<bool> moved_;           // of the new items
   std::vector<std::string> written_;  // items as they'd be written, where no image has them
 };
 
@@ -260,8 +261,8 @@ void Pairing::pair_by_content(const Places& old_places, const Places& new_places
 // By a longest increasing subsequence of the old places, in the order of the new ones.
 void Pairing::find_moved() {
   moved_.assign(partner_of_new_.size(), false);
-  Places last_of_length;                            // the new place that ends the best run of each length
-  Places before(partner_of_new_.size(), kNone);     // the new place in front of it in that run
+  Places last_of_length;                         // the new place that ends the best run of each length
+  Places before(partner_of_new_.size(), kNone);  // the new place in front of it in that run
   const auto old_of = [&](std::uint32_t new_place) { return partner_of_new_[new_place]; };
   for (std::uint32_t place = 0; place < partner_of_new_.size(); ++place) {
     if (partner_of_new_[place] == kNone) continue;
@@ -311,7 +312,8 @@ void Pairing::pair_alike_within(const Places& old_gap, const Places& new_gap) {
     std::pair best(at_old, at_new);
     const auto attempt = [&](std::size_t old_nth, std::size_t new_nth) {
       if (old_nth >= old_gap.size() || new_nth >= new_gap.size()) return;
-      const auto changes = changes_between(old_.element(front_ + old_gap[old_nth]), new_.element(front_ + new_gap[new_nth]));
+      const auto changes =
+          changes_between(old_.element(front_ + old_gap[old_nth]), new_.element(front_ + new_gap[new_nth]));
       if (!changes || (fewest && *fewest <= *changes)) return;
       fewest = changes;
       best = {old_nth, new_nth};
