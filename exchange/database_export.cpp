@@ -195,11 +195,19 @@ std::int64_t DatabaseExport::put_file(const DocumentFile& file, const vtrfile::D
   return put.run();
 }
 
+void DatabaseExport::delete_rows(std::int64_t document) {
+  // Without its only document a database begins anew, which is faster than to take row by row out of each index.
+  const bool is_only_one = database_.number("SELECT count(*) FROM documents") == 1;
+  if (is_only_one) database_.execute(drop_indexes());
+  for (const auto& table : table_types()) {
+    database_.execute("DELETE FROM " + table->name +
+                      (is_only_one ? "" : " WHERE document = " + std::to_string(document)));
+  }
+}
+
 void DatabaseExport::put(const DocumentFile& file, const vtrfile::DocumentSlots& document) {
   const std::int64_t number = put_file(file, document);
-  for (const auto& table : table_types()) {
-    database_.execute("DELETE FROM " + table->name + " WHERE document = " + std::to_string(number));
-  }
+  delete_rows(number);
   for_each_row(document, [&](const Row& row) {
     auto& inserter = inserters_[&row.table];
     if (!inserter) inserter = std::make_unique<RowInserter>(database_, row.table, texts_);

@@ -39,6 +39,7 @@ class DatabaseExport {
 
   void require_ours();
   std::int64_t put_file(const DocumentFile& file, const vtrfile::DocumentSlots& document);
+  void delete_rows(std::int64_t document);
   std::string text_of(std::string_view bytes);
 
   Database database_;

@@ -29,7 +29,6 @@ FROM (SELECT f.document, f."row" AS field, t.Tid, f.Fid, f.Lookups, f.LookupsID,
              END AS lookup
       FROM fields f JOIN tables t ON t."row" = f.parent_row
       WHERE f.Lookups <> '' OR f.LookupsID <> '');
-CREATE INDEX IF NOT EXISTS lookups_by_code ON lookups (document, Code);
 )";
 
 const char* type_of(const Column& column) {
@@ -60,12 +59,19 @@ std::string create_table(const TableType& table) {
   return sql + ");\n";
 }
 
-std::string create_indexes(const TableType& table) {
-  const std::string create = "CREATE INDEX IF NOT EXISTS ";
-  std::string sql = create + table.name + "_by_document ON " + table.name + " (document" +
-                    (table.key ? ", \"" + table.key->name + '"' : "") + ");\n";
-  if (table.parent) sql += create + table.name + "_by_parent ON " + table.name + " (parent_row, place);\n";
-  return sql;
+struct Index {
+  std::string name, table, columns;
+};
+
+// Of the rows of a document, of the items with a key, of the items of one list.
+std::vector<Index> all_indexes() {
+  std::vector<Index> indexes{{"lookups_by_code", "lookups", "document, Code"}};
+  for (const auto& table : table_types()) {
+    const std::string key = table->key ? ", \"" + table->key->name + '"' : "";
+    indexes.push_back({table->name + "_by_document", table->name, "document" + key});
+    if (table->parent) indexes.push_back({table->name + "_by_parent", table->name, "parent_row, place"});
+  }
+  return indexes;
 }
 
 // A language is one of a document when some text of it is.
@@ -104,8 +110,16 @@ std::string create_tables() {
 
 std::string create_indexes_and_views() {
   std::string sql;
-  for (const auto& table : table_types()) sql += create_indexes(*table);
+  for (const Index& index : all_indexes()) {
+    sql += "CREATE INDEX IF NOT EXISTS " + index.name + " ON " + index.table + " (" + index.columns + ");\n";
+  }
   return sql + kLookupUses + texts_missing();
+}
+
+std::string drop_indexes() {
+  std::string sql;
+  for (const Index& index : all_indexes()) sql += "DROP INDEX IF EXISTS " + index.name + ";\n";
+  return sql;
 }
 
 }  // namespace trvtrout::exchange
