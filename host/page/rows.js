@@ -84,26 +84,22 @@ function markedLine(parts, mark) {
     : equalRun(text, at === 0, at === parts.length - 1, length > foldedLine));
 }
 
-const endOf = (line) => /(?:\r\n|\r|\n)?$/.exec(line)[0];
 const endNames = {'\r\n': 'CR LF', '\r': 'CR', '\n': 'LF'};
 
 // Both sides of one line. Line ends are told where they differ.
-function linePair({a, b, differs}) {
+function linePair({a, b, differs, endsDiffer}) {
   const side = (className, content) => make('div', {className}, ...content);
   if (!differs) {
-    const text = a.slice(0, a.length - endOf(a).length);
-    return [side('old same', seenUpTo(text, mostCharacters)), side('new same', seenUpTo(text, mostCharacters))];
+    return [side('old same', seenUpTo(a.text, mostCharacters)), side('new same', seenUpTo(b.text, mostCharacters))];
   }
   if (a === null || b === null) {
-    const line = a ?? b;
-    const mark = make(b === null ? 'del' : 'ins', {}, ...seenUpTo(line.slice(0, line.length - endOf(line).length) || ' ', mostCharacters));
+    const mark = make(b === null ? 'del' : 'ins', {}, ...seenUpTo((a ?? b).text || ' ', mostCharacters));
     return b === null ? [side('old whole', [mark]), side('new absent', [])] : [side('old absent', []), side('new whole', [mark])];
   }
-  const [endA, endB] = [endOf(a), endOf(b)];
-  const parts = wordParts(a.slice(0, a.length - endA.length), b.slice(0, b.length - endB.length));
-  const endMark = (mark, end) => endA === endB || end === '' ? [] : [make(mark, {className: 'end'}, endNames[end])];
-  return [side('old', [...markedLine(parts.a, 'del'), ...endMark('del', endA)]),
-    side('new', [...markedLine(parts.b, 'ins'), ...endMark('ins', endB)])];
+  const parts = wordParts(a.text, b.text);
+  const endMark = (mark, {end}) => endsDiffer && end ? [make(mark, {className: 'end'}, endNames[end])] : [];
+  return [side('old', [...markedLine(parts.a, 'del'), ...endMark('del', a)]),
+    side('new', [...markedLine(parts.b, 'ins'), ...endMark('ins', b)])];
 }
 
 // Lines side by side; equal ones far from a difference are folded.
@@ -144,7 +140,7 @@ function changedCells({change, member}) {
   }
   const [a, b] = [singleText(change.old, name), singleText(change.new, name)];
   const lines = /[\r\n]/.test(a.text) || /[\r\n]/.test(b.text);
-  const cells = lines ? lineCells(linePairs(a.text, b.text)) : linePair({a: a.text, b: b.text, differs: true});
+  const cells = lines ? lineCells(linePairs(a.text, b.text)) : linePair({a, b, differs: true});
   const isBare = a.note === b.note && !lines;
   cells[0].append(...noteOf(lines && a.text ? '' : a.note));
   cells[1]?.append?.(...noteOf(lines && b.text ? '' : b.note));
