@@ -1,5 +1,7 @@
 // A change as elements. Texts are only ever set as text.
 
+const byId = (id) => document.getElementById(id);
+
 function make(name, properties = {}, ...content) {
   const element = document.createElement(name);
   for (const [key, value] of Object.entries(properties)) {
@@ -53,7 +55,8 @@ function seen(text) {
   let at = 0;
   for (const match of text.matchAll(unseen)) {
     const code = match[0].codePointAt(0).toString(16).toUpperCase().padStart(4, '0');
-    parts.push(text.slice(at, match.index), make('span', {className: 'unseen', title: 'a character that can\'t be seen'}, `U+${code}`));
+    const sign = make('span', {className: 'unseen', title: 'a character that can\'t be seen'}, `U+${code}`);
+    parts.push(text.slice(at, match.index), sign);
     at = match.index + match[0].length;
   }
   parts.push(text.slice(at));
@@ -62,7 +65,8 @@ function seen(text) {
 
 function seenUpTo(text, most) {
   if (text.length <= most || unfoldsAll) return seen(text);
-  return [...seen(text.slice(0, most)), moreButton(`… ${number(text.length - most)} more characters`, () => seen(text.slice(most)))];
+  const rest = moreButton(`… ${number(text.length - most)} more characters`, () => seen(text.slice(most)));
+  return [...seen(text.slice(0, most)), rest];
 }
 
 // An equal run between two differences, without its middle when it's long.
@@ -94,7 +98,7 @@ function linePair({a, b, differs, endsDiffer}) {
   }
   if (a === null || b === null) {
     const mark = make(b === null ? 'del' : 'ins', {}, ...seenUpTo((a ?? b).text || ' ', mostCharacters));
-    return b === null ? [side('old whole', [mark]), side('new absent', [])] : [side('old absent', []), side('new whole', [mark])];
+    return b === null ? [side('old', [mark]), side('new absent', [])] : [side('old absent', []), side('new', [mark])];
   }
   const parts = wordParts(a.text, b.text);
   const endMark = (mark, {end}) => endsDiffer && end ? [make(mark, {className: 'end'}, endNames[end])] : [];
@@ -184,7 +188,7 @@ function preview(value, key) {
 function itemCells({change, member}, at) {
   const isAdded = change.kind === 'added';
   const value = isAdded ? change.new : change.old;
-  const cell = make('div', {className: `${isAdded ? 'new' : 'old'} whole`});
+  const cell = make('div', {className: `${isAdded ? 'new' : 'old'}`});
   const other = make('div', {className: `${isAdded ? 'old' : 'new'} absent`});
   if (!hasMembers(value)) {
     const {text, note} = singleText(value, '');
@@ -225,11 +229,13 @@ function rowOf(at, {isFirst, position, size}) {
   const {change, names, member} = entry;
   const link = make('a', {className: 'link', href: `#${linkOf(entry)}`, title: pathsOf(change)}, '#');
   link.setAttribute('aria-label', `Link to ${[...names, member].join(' / ')}`);
-  const kind = make('span', {className: 'kind', title: change.kind}, kindMarks[change.kind], hiddenWord(` ${change.kind} `));
+  const kind = make('span', {className: 'kind', title: change.kind}, kindMarks[change.kind]);
+  kind.append(hiddenWord(` ${change.kind} `));
   const what = make('div', {className: 'what'}, kind, make('span', {className: 'member'}, ...seen(member)), link);
   const cells = change.kind === 'changed' ? changedCells(entry)
     : change.kind === 'moved' ? movedCells(entry) : itemCells(entry, at);
-  const row = make('div', {className: `change ${change.kind}`, tabIndex: -1}, what, make('div', {className: 'values'}, ...cells));
+  const values = make('div', {className: 'values'}, ...cells);
+  const row = make('div', {className: `change ${change.kind}`, tabIndex: -1}, what, values);
   const article = make('article', {className: 'row'}, ...(isFirst ? [make('h3', {}, ...crumbs(names))] : []), row);
   article.setAttribute('aria-posinset', position + 1);
   article.setAttribute('aria-setsize', size);
