@@ -157,12 +157,12 @@ PageInfo page_info(const DiffTask& task, const FilePair& files, const Difference
 bool write_page(Machine& machine, const DiffTask& task, const FilePair& files, const DifferenceCounts& counts,
                 const std::function<void(std::ostream&)>& write_json) {
   const HostServices services = machine.services();
-  const auto target = target_for(services, {files.old_file, "the old document", task.html, u"Differences"});
-  if (!target) return false;
-  if (services.files.SameFile(target->path, platform::class_path(files.new_file))) {
+  if (services.files.SameFile(platform::class_path(task.html), platform::class_path(files.new_file))) {
     complain(task.html + ": that's the new document, which is never overwritten; name another file" + kNothingWritten);
     return false;
   }
+  const auto target = target_for(services, {files.old_file, "the old document", task.html, u"Differences"});
+  if (!target) return false;
   platform::StagedFiles staged(services.files, files.old_file);
   OutputBuffer buffer(staged.OpenBinaryOutput(target->path));
   std::ostream out(&buffer);
