@@ -22,8 +22,7 @@ struct Documents {
   TarvelVtrOut_InOut old_document, new_document;
   std::size_t differences = 0;
 
-  Documents(Host& host, const ComparedFiles& files)
-      : old_document(host.services()), new_document(host.services()) {
+  Documents(Host& host, const ComparedFiles& files) : old_document(host.services()), new_document(host.services()) {
     read_into(old_document, files.primary);
     read_into(new_document, files.secondary);
   }

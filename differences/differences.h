@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -16,6 +17,7 @@ namespace trvtrout::differences {
 
 enum class Kind { kChanged, kRemoved, kAdded, kMoved };
 inline constexpr std::size_t kKinds = 4;
+inline constexpr std::array<const char*, kKinds> kKindNames = {"changed", "removed", "added", "moved"};
 
 // A step on the way from a document to one of its values. Lives as long as the call that tells it.
 struct Place {
@@ -52,8 +54,8 @@ void find_header_differences(const vtrfile::DocumentSlots& old_document, const v
 // have.
 std::string old_path(const Place& place);
 std::string new_path(const Place& place);
-// The keys of the items on the way, with "/" between them, in the code page of the document; of an item without one, its
-// place.
+// The keys of the items on the way, with "/" between them, in the code page of the document; of an item without one,
+// its place.
 std::string key_of(const Place& place);
 
 }  // namespace trvtrout::differences

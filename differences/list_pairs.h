@@ -18,7 +18,7 @@ struct ListPairs {
   };
   // Common to both lists at their beginning, equal; and what stands behind them, item by item.
   std::uint32_t same_in_front = 0, same_behind = 0;
-  std::vector<Partner> of_new;      // of the items of the new list between these
+  std::vector<Partner> of_new;       // of the items of the new list between these
   std::vector<bool> removed_of_old;  // of the items of the old list between these
 };
 

@@ -41,6 +41,8 @@ struct Request {
   ComparisonTask comparison;
   RecoveryTask recovery;
   StatisticsTask statistics;
+  DiffTask diff;
+  TextTask text;
   ExportTask exported;
   ImportTask imported;
 };
@@ -156,6 +158,41 @@ void add_compare(CLI::App& command, Request& request) {
   add_code_page(command, request.settings);
 }
 
+void add_diff(CLI::App& command, Request& request) {
+  DiffTask& task = request.diff;
+  command.add_option("FILE", task.arguments, "The VTR files OLD and NEW; or what git gives to such a command")
+      ->required()
+      ->expected(2, 9)
+      ->check(check_path);
+  add_parts(command, task.parts);
+  const auto add_patterns = [&](const char* name, std::vector<std::string>& patterns, const char* description) {
+    command.add_option(name, patterns, description)->option_text("GLOB")->take_all()->allow_extra_args(false);
+  };
+  add_patterns("--only", task.only, "Only what stands at these paths, like 'Schema/Tables/**/Name'; several times");
+  add_patterns("--ignore", task.ignore, "All but what stands at these paths; several times");
+  auto* const all =
+      command.add_flag("--all", task.all, "Also unused slots, their numbers and spare values, one by one");
+  auto* const summary = command.add_flag("--summary", task.summary, "Only the counts, by section")->excludes(all);
+  auto* const html = add_file(command, "--html", task.html, "Write a page that shows the differences in a browser")
+                         ->excludes(summary)
+                         ->excludes(all);
+  static const std::map<std::string, ColorWhen> kWhen = {
+      {"auto", ColorWhen::kAuto}, {"always", ColorWhen::kAlways}, {"never", ColorWhen::kNever}};
+  command.add_option("--color", task.color, "When to use colours: auto, always or never")
+      ->option_text("WHEN")
+      ->transform(CLI::Transformer(kWhen))
+      ->default_str("auto");
+  add_json(command, task.json, "The differences for programs");
+  command.get_option("--json")->excludes(all)->excludes(summary)->excludes(html);
+  add_overwrite(command, request.settings);
+  add_code_page(command, request.settings);
+}
+
+void add_text(CLI::App& command, Request& request) {
+  add_file_operand(command, "FILE", request.text.file, "A VTR file");
+  add_code_page(command, request.settings);
+}
+
 void add_recover(CLI::App& command, Request& request) {
   RecoveryTask& task = request.recovery;
   add_file_operand(command, "FILE", task.file, "A VTR file, damaged or of the old format; it's never changed");
@@ -208,6 +245,11 @@ constexpr const char* kCompared =
     "01.00.00, only table, field and lookup can be compared. In a workbook the labels of the last rows can stay\n"
     "plain; docs/workbooks.md says when.\n";
 
+constexpr const char* kDiffered =
+    "Compared are all values of all fourteen sections; vtrout compare looks at the columns of its reports alone.\n"
+    "Paths are those of --json: Schema/Tables/Items[3]/Name. In a GLOB \"*\" stands for any characters of a step,\n"
+    "\"**\" for any steps, and a list's name for all of its items. docs/git.md tells how git can call it.\n";
+
 constexpr Subcommand kSubcommands[] = {
     {"info",
      "Show what a file holds, and whether its lists hold together",
@@ -232,6 +274,20 @@ constexpr Subcommand kSubcommands[] = {
      {"vtrout compare old.vtr new.vtr --summary", "vtrout compare old.vtr new.vtr --workbook changes.xlsx"},
      {"no row differs", "a row changed, was deleted or was added",
       "trouble, explained on stderr; also when a part that was asked for\n     couldn't be compared to its end"}},
+    {"diff",
+     "Show every difference between two files, item by item",
+     add_diff,
+     [](const Request& request) { return diff(request.settings, request.diff); },
+     {kDiffered},
+     {"vtrout diff old.vtr new.vtr", "vtrout diff old.vtr new.vtr --html changes.html"},
+     {"nothing differs outside the header", "something differs", kTroubleStatus}},
+    {"text",
+     "Print all that a file holds as lines, to be compared line by line",
+     add_text,
+     [](const Request& request) { return text(request.settings, request.text); },
+     {},
+     {"vtrout text plant.vtr", "git config diff.vtr.textconv 'vtrout text'"},
+     {"the whole file was read", "the file is damaged; the lines are what could be read", kTroubleStatus}},
     {"recover",
      "Write what can be read of a file to a new one; print its path, and what became of each section",
      add_recover,
