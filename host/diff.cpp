@@ -85,10 +85,11 @@ bool colors_wanted(ColorWhen when) {
   return isatty(STDOUT_FILENO) != 0 && !(no_color && *no_color) && terminal && std::string_view(terminal) != "dumb";
 }
 
-PathFilter filter_of(const DiffTask& task) {
+// What is asked for, one pattern each; none when all is.
+std::vector<std::string> patterns_of(const DiffTask& task) {
   std::vector<std::string> only = task.only;
   for (const std::string& part : task.parts) std::ranges::copy(patterns_of_part(part), std::back_inserter(only));
-  return {only, task.ignore};
+  return only;
 }
 
 void show_text(std::ostream& out, Locale& locale, const Painter& painter, const Documents& documents, bool all) {
@@ -140,30 +141,32 @@ std::string counts_line(const Counted& counted) {
   return (counted.of_document.all() == 0 ? "no differences" : counted.of_document.text()) + header;
 }
 
-PageInfo page_info(const FilePair& files, const DifferenceCounts& counts) {
+PageInfo page_info(const DiffTask& task, const FilePair& files, const DifferenceCounts& counts) {
   PageInfo info{.compared = std::chrono::floor<std::chrono::seconds>(std::chrono::system_clock::now()),
                 .old_file = page_file(files.old_file),
                 .new_file = page_file(files.new_file),
-                .of_kind = counts.of_kind};
+                .of_kind = counts.of_kind,
+                .only = patterns_of(task),
+                .ignored = task.ignore};
   info.old_file.name = files.old_name;
   info.new_file.name = files.new_name;
   return info;
 }
 
 // The page is put in its place when it's whole.
-bool write_page(Machine& machine, const std::string& page, const FilePair& files, const DifferenceCounts& counts,
+bool write_page(Machine& machine, const DiffTask& task, const FilePair& files, const DifferenceCounts& counts,
                 const std::function<void(std::ostream&)>& write_json) {
   const HostServices services = machine.services();
-  const auto target = target_for(services, {files.old_file, "the old document", page, u"Differences"});
-  if (!target) return false;
-  if (services.files.SameFile(target->path, platform::class_path(files.new_file))) {
-    complain(page + ": that's the new document, which is never overwritten; name another file" + kNothingWritten);
+  if (services.files.SameFile(platform::class_path(task.html), platform::class_path(files.new_file))) {
+    complain(task.html + ": that's the new document, which is never overwritten; name another file" + kNothingWritten);
     return false;
   }
+  const auto target = target_for(services, {files.old_file, "the old document", task.html, u"Differences"});
+  if (!target) return false;
   platform::StagedFiles staged(services.files, files.old_file);
   OutputBuffer buffer(staged.OpenBinaryOutput(target->path));
   std::ostream out(&buffer);
-  write_differences_page(out, page_info(files, counts), write_json);
+  write_differences_page(out, page_info(task, files, counts), write_json);
   buffer.close();
   staged.commit(target->replaces);
   std::cout << platform::machine_path(target->path) << '\n';
@@ -180,7 +183,7 @@ bool show(const Settings& settings, const DiffTask& task, Machine& machine, cons
     exchange::Texts texts = texts_of(settings.code_page);
     write_differences_json(out, texts, head, of_header, of_document);
   };
-  if (!task.html.empty()) return write_page(machine, task.html, files, counted.of_document, write_json);
+  if (!task.html.empty()) return write_page(machine, task, files, counted.of_document, write_json);
   if (task.json) {
     write_json(std::cout);
   } else {
@@ -206,7 +209,7 @@ ExitStatus diff(const Settings& settings, const DiffTask& task) {
     complain("diff takes two files, OLD and NEW; see vtrout help diff");
     return kTrouble;
   }
-  const PathFilter filter = filter_of(task);
+  const PathFilter filter(patterns_of(task), task.ignore);
   Machine machine(settings);
   Documents documents(machine, filter);
   if (!documents.read(machine, files->old_file, files->new_file)) {

@@ -1,24 +1,18 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "tests/differences_json.h"
 #include "vtrfile/document.h"
 #include "vtrfile/value_types.h"
 
 // Documents as JSON that can be edited value by value, and the way back to records.
 namespace trvtrout::tests {
 
-using Json = nlohmann::ordered_json;
-
-Json json_of(const vtrfile::DocumentSlots& document);
+// The way back from json_of.
 vtrfile::DocumentSlots document_of(const Json& json);
-// The form "vtr-differences".
-Json differences_between(const vtrfile::DocumentSlots& old_document, const vtrfile::DocumentSlots& new_document);
-// What the changes make of the old document, step by step as docs/json.md tells it.
-Json applied(Json document, const Json& differences);
 
 // A value of a document that can be given another one.
 struct Leaf {

@@ -2,6 +2,7 @@
 
 #include <span>
 
+#include "differences/item_keys.h"
 #include "host/json.h"
 #include "host/page/escaping_buffer.h"
 #include "host/page/page_parts.h"
@@ -9,6 +10,7 @@
 #include "platform/files/sha256.h"
 #include "reports/columns.h"
 #include "vtrfile/sections.h"
+#include "vtrfile/value_types.h"
 
 namespace trvtrout::host {
 namespace {
@@ -57,6 +59,20 @@ Json sections() {
   return all;
 }
 
+// Of each list within a value whether its items have keys, by its path without the places of items.
+void add_lists(const std::string& path, const vtrfile::ValueType& type, Json& lists) {
+  for (const vtrfile::MemberType& member : type.members) add_lists(path + '/' + member.name, *member.type, lists);
+  if (!type.element || type.kind == vtrfile::Kind::kVariantRun) return;
+  if (type.kind == vtrfile::Kind::kArray) lists[path] = differences::key_member(*type.element) != nullptr;
+  add_lists(path, *type.element, lists);
+}
+
+Json lists() {
+  Json all = Json::object();
+  for (const auto& [tag, record] : vtrfile::sections_of({})) add_lists(std::string(tag), record.type(), all);
+  return all;
+}
+
 // The names that the values of fixed runs have for users, by the path of the run without the places of items.
 Json names_of_runs() {
   Json languages = Json::array();
@@ -83,9 +99,15 @@ void embed(std::ostream& page, const std::function<void(std::ostream&)>& write_j
 std::string title_of_page(const PageInfo& info) { return info.old_file.name + " → " + info.new_file.name; }
 
 std::string info_json(const PageInfo& info) {
-  const Json all = {{"version", VTROUT_VERSION},       {"compared", moment(info.compared)},
-                    {"old", file_json(info.old_file)}, {"new", file_json(info.new_file)},
-                    {"sections", sections()},          {"runs", names_of_runs()}};
+  Json all = {{"version", VTROUT_VERSION},
+              {"compared", moment(info.compared)},
+              {"old", file_json(info.old_file)},
+              {"new", file_json(info.new_file)},
+              {"only", info.only},
+              {"ignored", info.ignored},
+              {"sections", sections()},
+              {"lists", lists()},
+              {"runs", names_of_runs()}};
   // A file's name can hold bytes that are no UTF-8.
   return all.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

@@ -6,6 +6,7 @@
 #include <functional>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "differences/differences.h"
 
@@ -27,6 +28,8 @@ struct PageInfo {
   PageFile old_file, new_file;
   // For readers whose browser runs no scripts.
   std::array<std::size_t, differences::kKinds> of_kind = {};
+  // The patterns that chose what was compared; none when all was.
+  std::vector<std::string> only, ignored;
 };
 
 // Writes one HTML page that shows differences and needs nothing else: it fetches nothing, and its content security

@@ -14,7 +14,6 @@ class RowList {
     this.onPart = onPart;
     this.rows = make('div', {className: 'rows'});
     this.rows.setAttribute('role', 'presentation');
-    this.isOnPaper = false;
     element.append(this.rows);
     this.setSize(0);
   }
@@ -76,7 +75,7 @@ class RowList {
 
   // Makes the rows near the window and takes the others out.
   update() {
-    if (this.isOnPaper) return;
+    if (isOnPaper) return;
     if (this.size === 0) {
       this.element.style.height = '0px';
       return;
@@ -130,7 +129,6 @@ class RowList {
 
   // Makes these rows anew, or all of them: their content or the list's width is another one.
   renew(position) {
-    this.isOnPaper = false;
     if (position === undefined) {
       const [part, at] = [this.part, this.begin];
       this.made.clear();
@@ -150,8 +148,7 @@ class RowList {
   }
 
   // Shows so many of the first rows, all at once, until they are made anew.
-  showForPaper(count) {
-    this.isOnPaper = true;
+  showFirst(count) {
     this.rows.replaceChildren(...Array.from({length: count}, (_, position) => this.makeRow(position)));
   }
 

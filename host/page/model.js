@@ -9,17 +9,22 @@ const kindMarks = {changed: '~', removed: '−', added: '+', moved: '↕'};
 // Numbers that only keep the books of a list.
 const slotNumbers = new Set(['Max', 'Current']);
 
-// Members that are a fixed run of values. Only arrays have items with keys.
-const runs = new Set(['Texts', 'Columns', 'Spare']);
-
 const sectionTitles = new Map(info.sections.map(({tag, title}) => [tag, title]));
 const runNames = new Map(Object.entries(info.runs));
+// Whether the items of a list have keys, by the path of the list. What else has places is a fixed run.
+const lists = new Map(Object.entries(info.lists));
 const titleOf = (tag) => sectionTitles.get(tag) ?? tag;
 
-// "Items[3]" is the third of "Items"; a segment without a place has none.
-function segmentOf(text) {
-  const bracket = text.endsWith(']') ? text.lastIndexOf('[') : -1;
-  return bracket < 0 ? {name: text, place: ''} : {name: text.slice(0, bracket), place: text.slice(bracket + 1, -1)};
+// The steps of a path behind its section: "Items[3]" is the third of "Items"; what has no place is a member. `list` is
+// the path of the run or list as the lists of a document are known by it.
+function stepsOf(path) {
+  let list = path[0];
+  return path.slice(1).map((text) => {
+    const bracket = text.endsWith(']') ? text.lastIndexOf('[') : text.length;
+    const name = text.slice(0, bracket);
+    list += `/${name}`;
+    return {name, list, place: text.slice(bracket + 1, -1)};
+  });
 }
 
 // The keys of `count` items. A key may itself hold the sign that stands between two keys: then the last one has it.
@@ -31,28 +36,30 @@ function keysOf(key, count) {
 // The names on the way to a change, from the section to the item that holds it, and its own name there: of a member of
 // a record within the item, the names of both.
 function placeOf(change) {
-  const path = change.path ?? change.newPath;
-  const [tag, ...rest] = path.split('/');
-  const segments = rest.map(segmentOf);
-  const isBookkeeping = segments.some(({name}) => name === 'Spare') || slotNumbers.has(segments[segments.length - 1]?.name);
-  const keys = keysOf(change.key, segments.filter(({name, place}) => place && !runs.has(name)).length);
-  const nameOf = ({name, place}) => (!runs.has(name) && keys.shift()) || `place ${place}`;
-  const last = segments.pop() ?? {name: tag, place: ''};
-  const names = [titleOf(tag)];
+  const path = (change.path ?? change.newPath).split('/');
+  const steps = stepsOf(path);
+  const isBookkeeping = steps.some(({name}) => name === 'Spare') || slotNumbers.has(steps[steps.length - 1]?.name);
+  const keys = keysOf(change.key, steps.filter(({list, place}) => place && lists.has(list)).length);
+  const nameOf = ({list, place}) => {
+    const key = lists.has(list) ? keys.shift() : '';
+    return key && lists.get(list) ? key : `#${key || place}`;
+  };
+  const last = steps.pop() ?? {name: path[0], list: path[0], place: ''};
+  const names = [titleOf(path[0])];
   let inner = 0;  // names since the last item
-  for (const segment of segments) {
+  for (const step of steps) {
     // The items of a list stand under the list's own name.
-    if (segment.name !== 'Items') names.push(segment.name);
-    if (segment.place) names.push(nameOf(segment));
-    inner = segment.place ? 0 : inner + 1;
+    if (step.name !== 'Items') names.push(step.name);
+    if (step.place) names.push(nameOf(step));
+    inner = step.place ? 0 : inner + 1;
   }
   if (change.kind !== 'changed' && last.place) {
     if (last.name !== 'Items') names.push(last.name);
-    return {tag, names, member: nameOf(last), isBookkeeping};
+    return {tag: path[0], names, member: nameOf(last), isBookkeeping};
   }
-  const within = inner > 0 && inner < segments.length ? names.splice(-inner) : [];
-  const own = runNames.get(path.replace(/\[\d+\]/g, ''))?.[last.place - 1] ?? last.name + (last.place && `[${last.place}]`);
-  return {tag, names, member: [...within, own].join(' / '), isBookkeeping};
+  const within = inner > 0 && inner < steps.length ? names.splice(-inner) : [];
+  const own = runNames.get(last.list)?.[last.place - 1] ?? last.name + (last.place && `[${last.place}]`);
+  return {tag: path[0], names, member: [...within, own].join(' / '), isBookkeeping};
 }
 
 // The path of the item that a value or an item stands in, empty in front of all lists.

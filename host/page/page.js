@@ -1,8 +1,6 @@
-// The page around the list: what was compared, counts, filters, contents, ways through the changes, print.
+// The page around the list: filters, ways through the changes, print.
 
-const byId = (id) => document.getElementById(id);
 const mostPrinted = 5000;  // changes
-const mostNodes = 200;     // of the contents, made at once
 
 let shown = [];      // the numbers of the changes that pass the filter
 let current = -1;    // the number of the change that was gone to last
@@ -25,76 +23,6 @@ const list = new RowList(
 
 // What stands in front of the rows whatever is scrolled.
 const covered = () => getComputedStyle(byId('bar')).position === 'sticky' ? byId('bar').offsetHeight + 8 : 8;
-
-function momentText(moment) { return moment.replace('T', ' ').replace('Z', ' UTC'); }
-
-function showFiles() {
-  byId('title').replaceChildren(...seen(info.old.name), make('span', {className: 'then'}, ' → '), ...seen(info.new.name));
-  byId('compared').textContent = `Compared ${momentText(info.compared)} by vtrout ${info.version}`;
-  for (const [word, file] of [['Old', info.old], ['New', info.new]]) {
-    const cell = (heading, ...content) => make('td', {'data-heading': heading}, ...content);
-    byId('files').append(make('tr', {}, make('th', {scope: 'row'}, word), cell('File', ...seen(file.name)),
-      cell('Bytes', number(file.size)), cell('Last changed', momentText(file.lastChanged)),
-      cell('SHA-256', make('code', {}, file.sha256))));
-  }
-  const base = (name) => name.slice(name.lastIndexOf('/') + 1);
-  byId('old-name').append('Old ', make('span', {}, ...seen(base(info.old.name))));
-  byId('new-name').append('New ', make('span', {}, ...seen(base(info.new.name))));
-}
-
-// A bar whose parts are as long as the counts of their kinds; `most` is as long as the bar can be.
-function barOf(counts, most) {
-  const bar = make('div', {className: 'counts-bar', 'aria-hidden': 'true'});
-  for (const kind of kinds) {
-    if (!counts[kind]) continue;
-    const part = make('span', {className: kind});
-    part.style.width = `${100 * counts[kind] / most}%`;
-    bar.append(part);
-  }
-  return bar;
-}
-
-function showCounts() {
-  const {counts} = differences;
-  const all = kinds.reduce((sum, kind) => sum + counts[kind], 0);
-  byId('verdict').textContent = all ? `${counted(all, 'difference')}` : 'The documents are the same';
-  for (const kind of all ? kinds : []) {
-    byId('totals').append(make('span', {className: `total ${kind}`, 'data-count': counts[kind]},
-      make('span', {className: 'kind', 'aria-hidden': 'true'}, kindMarks[kind]), make('b', {}, number(counts[kind])), ` ${kind}`));
-  }
-  if (bookkeepingSize > 0) {
-    byId('totals').append(make('span', {className: 'total books'}, `${number(bookkeepingSize)} of them bookkeeping, hidden at first`));
-  }
-  const bySection = countsBySection();
-  const most = Math.max(1, ...bySection.map(([, {all: size}]) => size));
-  for (const [tag, sizes] of bySection) {
-    const button = make('button', {type: 'button', className: 'section', 'aria-pressed': 'false'}, titleOf(tag));
-    button.addEventListener('click', () => {
-      filter.section = filter.section === tag ? '' : tag;
-      refresh();
-    });
-    byId('sections').append(make('tr', {'data-section': tag}, make('th', {scope: 'row'}, button), make('td', {}, barOf(sizes, most)),
-      ...kinds.map((kind) => make('td', {className: sizes[kind] ? kind : 'zero', 'data-heading': kind}, number(sizes[kind])))));
-  }
-  byId('sections').parentElement.hidden = bySection.length === 0;
-  const met = new Set(bySection.map(([tag]) => tag));
-  const equal = info.sections.filter(({tag}) => !met.has(tag)).map(({title}) => title);
-  byId('equal-sections').textContent = equal.length && all ? `Nothing differs in: ${equal.join(', ')}` : '';
-}
-
-function showHeaderChanges() {
-  const changes = differences.header;
-  if (changes.length === 0) return;
-  byId('header-changes').hidden = false;
-  byId('header-changes').firstElementChild.textContent =
-    `${counted(changes.length, 'change')} in the header of the file, which ${changes.length === 1 ? 'doesn\'t' : 'don\'t'} count`;
-  for (const change of changes) {
-    const entry = {change, member: (change.path ?? change.newPath).split('/').pop()};
-    byId('header-rows').append(make('div', {className: 'change changed'},
-      make('div', {className: 'what'}, make('span', {className: 'member'}, entry.member)),
-      make('div', {className: 'values'}, ...changedCells(entry))));
-  }
-}
 
 function makeFilters() {
   for (const kind of kinds) {
@@ -159,7 +87,9 @@ function showNone() {
 // Shows what passes the filter.
 function refresh() {
   shown = filtered();
-  for (const button of byId('kinds').children) button.setAttribute('aria-pressed', filter.kinds.has(button.dataset.kind));
+  for (const button of byId('kinds').children) {
+    button.setAttribute('aria-pressed', filter.kinds.has(button.dataset.kind));
+  }
   for (const row of byId('sections').children) {
     const isChosen = row.dataset.section === filter.section;
     row.classList.toggle('chosen', isChosen);
@@ -174,55 +104,8 @@ function refresh() {
   const start = byId('changes').getBoundingClientRect().top + window.scrollY - covered();
   if (window.scrollY > start) window.scrollTo(0, start);
   list.update();
-  showTree();
-}
-
-function nodeElement(node) {
-  const item = make('li');
-  const name = make('a', {href: `#${linkOf(entries[node.first])}`}, ...seen(node.name));
-  const size = make('span', {className: 'size'}, number(node.size));
-  if (node.nodes.size === 0) {
-    item.append(make('span', {className: 'leaf'}), name, size);
-    return item;
-  }
-  const button = make('button', {type: 'button', className: 'branch', 'aria-expanded': 'false'});
-  button.setAttribute('aria-label', `Items of ${node.name}`);
-  button.addEventListener('click', () => {
-    const isOpen = button.getAttribute('aria-expanded') === 'true';
-    button.setAttribute('aria-expanded', String(!isOpen));
-    if (isOpen) item.lastElementChild.remove();
-    else item.append(nodeList(node));
-  });
-  item.append(button, name, size);
-  return item;
-}
-
-// The nodes within a node; more of them when they are asked for.
-function nodeList(node) {
-  const all = [...node.nodes.values()];
-  const items = make('ul');
-  const show = (begin) => {
-    items.append(...all.slice(begin, begin + mostNodes).map(nodeElement));
-    const left = all.length - begin - mostNodes;
-    if (left <= 0) return;
-    const button = make('button', {type: 'button', className: 'more'}, `… ${number(left)} more`);
-    button.addEventListener('click', () => {
-      button.parentElement.remove();
-      show(begin + mostNodes);
-    });
-    items.append(make('li', {}, button));
-  };
-  show(0);
-  return items;
-}
-
-function showTree() {
-  const root = treeOf(shown);
-  byId('tree').replaceChildren(nodeList(root));
-  // What is short is open at once.
-  if (root.nodes.size > 0 && shown.length <= 60) {
-    for (const button of byId('tree').querySelectorAll('.branch')) button.click();
-  }
+  showWhere();
+  showTree(shown);
 }
 
 // Shows a change, whatever the filter is.
@@ -269,6 +152,15 @@ function tell(words) {
   byId('told').textContent = words;
   clearTimeout(telling);
   telling = setTimeout(() => byId('told').replaceChildren(), 2500);
+}
+
+// The item of the first row that is seen, when its names are scrolled away.
+function showWhere() {
+  const below = window.scrollY + covered() - list.top();
+  // Of a row that is nearly gone nothing is told.
+  const position = list.firstSeen(covered() + 12);
+  const isAway = shown.length > 0 && below > 0 && !(isFirstOfGroup(position) && list.offset(position) >= below - 12);
+  byId('where').replaceChildren(...(isAway ? crumbs(entries[shown[position]].names) : []));
 }
 
 function listenToRows() {
@@ -340,16 +232,36 @@ function makeTheme() {
   apply();
 }
 
-// Paper has all rows that are shown, up to a number that a printer can bear.
+// What the rows on paper are, and which are left out.
+function printedWords(printed) {
+  const left = [];
+  const chosen = kinds.filter((kind) => filter.kinds.has(kind));
+  if (chosen.length < kinds.length) left.push(`kinds: ${chosen.join(', ') || 'none'}`);
+  if (filter.section) left.push(`section: ${titleOf(filter.section)}`);
+  if (filter.search) left.push(`search: ${filter.search}`);
+  if (bookkeepingSize > 0 && !filter.hasBookkeeping) left.push(`without ${number(bookkeepingSize)} of bookkeeping`);
+  const size = (printed < shown.length ? `the first ${number(printed)} of ` : '') + counted(shown.length, 'change');
+  return `Printed: ${[size, ...left].join('; ')}.`;
+}
+
+// Paper has all rows that are shown, up to a number that a printer can bear, and items in whole.
 function listenToPrint() {
+  const header = byId('header-changes');
+  let wasOpen = false;
   window.addEventListener('beforeprint', () => {
+    if (isOnPaper) return;
+    isOnPaper = true;
+    wasOpen = header.open;
+    header.open = true;
     const printed = Math.min(shown.length, mostPrinted);
-    byId('printed').textContent = printed < shown.length
-      ? `Printed are the first ${number(printed)} of ${counted(shown.length, 'change')}; filters make the choice smaller.`
-      : `Printed: ${byId('shown').textContent}.`;
-    list.showForPaper(printed);
+    byId('printed').textContent = printedWords(printed);
+    list.showFirst(printed);
   });
-  window.addEventListener('afterprint', () => list.renew());
+  window.addEventListener('afterprint', () => {
+    isOnPaper = false;
+    header.open = wasOpen;
+    list.renew();
+  });
 }
 
 function start() {
@@ -374,10 +286,14 @@ function start() {
     isAsked = true;
     requestAnimationFrame(() => {
       isAsked = false;
-      if (window.innerWidth === width || list.isOnPaper) return list.update();
-      width = window.innerWidth;
-      showBar();
-      list.renew();
+      if (window.innerWidth === width || isOnPaper) {
+        list.update();
+      } else {
+        width = window.innerWidth;
+        showBar();
+        list.renew();
+      }
+      showWhere();
     });
   };
   window.addEventListener('scroll', update, {passive: true});

@@ -1,5 +1,7 @@
 // A change as elements. Texts are only ever set as text.
 
+const byId = (id) => document.getElementById(id);
+
 function make(name, properties = {}, ...content) {
   const element = document.createElement(name);
   for (const [key, value] of Object.entries(properties)) {
@@ -25,7 +27,8 @@ const foldedLine = 600;
 // What is unfolded, by the number of the change; all is, when the reader wants it so.
 const unfolded = new Set();
 let unfoldsAll = false;
-const isUnfolded = (number) => unfoldsAll !== unfolded.has(number);
+let isOnPaper = false;  // where nothing can be unfolded
+const isUnfolded = (at) => isOnPaper || unfoldsAll !== unfolded.has(at);
 
 // Called when a row's height has changed.
 let onResize = () => {};
@@ -52,7 +55,8 @@ function seen(text) {
   let at = 0;
   for (const match of text.matchAll(unseen)) {
     const code = match[0].codePointAt(0).toString(16).toUpperCase().padStart(4, '0');
-    parts.push(text.slice(at, match.index), make('span', {className: 'unseen', title: 'a character that can\'t be seen'}, `U+${code}`));
+    const sign = make('span', {className: 'unseen', title: 'a character that can\'t be seen'}, `U+${code}`);
+    parts.push(text.slice(at, match.index), sign);
     at = match.index + match[0].length;
   }
   parts.push(text.slice(at));
@@ -61,7 +65,8 @@ function seen(text) {
 
 function seenUpTo(text, most) {
   if (text.length <= most || unfoldsAll) return seen(text);
-  return [...seen(text.slice(0, most)), moreButton(`… ${number(text.length - most)} more characters`, () => seen(text.slice(most)))];
+  const rest = moreButton(`… ${number(text.length - most)} more characters`, () => seen(text.slice(most)));
+  return [...seen(text.slice(0, most)), rest];
 }
 
 // An equal run between two differences, without its middle when it's long.
@@ -83,26 +88,22 @@ function markedLine(parts, mark) {
     : equalRun(text, at === 0, at === parts.length - 1, length > foldedLine));
 }
 
-const endOf = (line) => /(?:\r\n|\r|\n)?$/.exec(line)[0];
-const endNames = {'\r\n': 'CR LF', '\r': 'CR', '\n': 'LF', '': 'no line end'};
+const endNames = {'\r\n': 'CR LF', '\r': 'CR', '\n': 'LF'};
 
 // Both sides of one line. Line ends are told where they differ.
-function linePair({a, b, differs}) {
+function linePair({a, b, differs, endsDiffer}) {
   const side = (className, content) => make('div', {className}, ...content);
   if (!differs) {
-    const text = a.slice(0, a.length - endOf(a).length);
-    return [side('old same', seenUpTo(text, mostCharacters)), side('new same', seenUpTo(text, mostCharacters))];
+    return [side('old same', seenUpTo(a.text, mostCharacters)), side('new same', seenUpTo(b.text, mostCharacters))];
   }
   if (a === null || b === null) {
-    const line = a ?? b;
-    const mark = make(b === null ? 'del' : 'ins', {}, ...seenUpTo(line.slice(0, line.length - endOf(line).length) || ' ', mostCharacters));
-    return b === null ? [side('old whole', [mark]), side('new absent', [])] : [side('old absent', []), side('new whole', [mark])];
+    const mark = make(b === null ? 'del' : 'ins', {}, ...seenUpTo((a ?? b).text || ' ', mostCharacters));
+    return b === null ? [side('old', [mark]), side('new absent', [])] : [side('old absent', []), side('new', [mark])];
   }
-  const [endA, endB] = [endOf(a), endOf(b)];
-  const parts = wordParts(a.slice(0, a.length - endA.length), b.slice(0, b.length - endB.length));
-  const endMark = (mark, end) => endA === endB ? [] : [make(mark, {className: 'end'}, endNames[end])];
-  return [side('old', [...markedLine(parts.a, 'del'), ...endMark('del', endA)]),
-    side('new', [...markedLine(parts.b, 'ins'), ...endMark('ins', endB)])];
+  const parts = wordParts(a.text, b.text);
+  const endMark = (mark, {end}) => endsDiffer && end ? [make(mark, {className: 'end'}, endNames[end])] : [];
+  return [side('old', [...markedLine(parts.a, 'del'), ...endMark('del', a)]),
+    side('new', [...markedLine(parts.b, 'ins'), ...endMark('ins', b)])];
 }
 
 // Lines side by side; equal ones far from a difference are folded.
@@ -137,13 +138,13 @@ const noteOf = (note) => note ? [make('span', {className: 'note'}, note)] : [];
 
 // The value of a change, old beside new.
 function changedCells({change, member}) {
-  const name = segmentOf(member).name;
+  const name = member.split(' / ').pop();
   if (hasMembers(change.old) || hasMembers(change.new)) {
     return lineCells(linePairs(outlineOf(change.old, name), outlineOf(change.new, name)));
   }
   const [a, b] = [singleText(change.old, name), singleText(change.new, name)];
   const lines = /[\r\n]/.test(a.text) || /[\r\n]/.test(b.text);
-  const cells = lines ? lineCells(linePairs(a.text, b.text)) : linePair({a: a.text, b: b.text, differs: true});
+  const cells = lines ? lineCells(linePairs(a.text, b.text)) : linePair({a, b, differs: true});
   const isBare = a.note === b.note && !lines;
   cells[0].append(...noteOf(lines && a.text ? '' : a.note));
   cells[1]?.append?.(...noteOf(lines && b.text ? '' : b.note));
@@ -187,7 +188,7 @@ function preview(value, key) {
 function itemCells({change, member}, at) {
   const isAdded = change.kind === 'added';
   const value = isAdded ? change.new : change.old;
-  const cell = make('div', {className: `${isAdded ? 'new' : 'old'} whole`});
+  const cell = make('div', {className: `${isAdded ? 'new' : 'old'}`});
   const other = make('div', {className: `${isAdded ? 'old' : 'new'} absent`});
   if (!hasMembers(value)) {
     const {text, note} = singleText(value, '');
@@ -228,11 +229,13 @@ function rowOf(at, {isFirst, position, size}) {
   const {change, names, member} = entry;
   const link = make('a', {className: 'link', href: `#${linkOf(entry)}`, title: pathsOf(change)}, '#');
   link.setAttribute('aria-label', `Link to ${[...names, member].join(' / ')}`);
-  const kind = make('span', {className: 'kind', title: change.kind}, kindMarks[change.kind], hiddenWord(` ${change.kind} `));
+  const kind = make('span', {className: 'kind', title: change.kind}, kindMarks[change.kind]);
+  kind.append(hiddenWord(` ${change.kind} `));
   const what = make('div', {className: 'what'}, kind, make('span', {className: 'member'}, ...seen(member)), link);
   const cells = change.kind === 'changed' ? changedCells(entry)
     : change.kind === 'moved' ? movedCells(entry) : itemCells(entry, at);
-  const row = make('div', {className: `change ${change.kind}`, tabIndex: -1}, what, make('div', {className: 'values'}, ...cells));
+  const values = make('div', {className: 'values'}, ...cells);
+  const row = make('div', {className: `change ${change.kind}`, tabIndex: -1}, what, values);
   const article = make('article', {className: 'row'}, ...(isFirst ? [make('h3', {}, ...crumbs(names))] : []), row);
   article.setAttribute('aria-posinset', position + 1);
   article.setAttribute('aria-setsize', size);

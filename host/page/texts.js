@@ -117,25 +117,33 @@ function wordParts(oldText, newText) {
 }
 
 const lineForm = /[^\r\n]*(?:\r\n|\r|\n)|[^\r\n]+$/g;
-const linesOf = (text) => text.match(lineForm) ?? [];
 
-// Both texts line by line: {a, b, differs}, with an empty text on one side for a line that only the other has.
+// Of each line its text and its end; the last one may have none.
+const linesOf = (text) => (text.match(lineForm) ?? []).map((line) => {
+  const end = /(?:\r\n|\r|\n)?$/.exec(line)[0];
+  return {text: line.slice(0, line.length - end.length), end};
+});
+
+// Both texts line by line: {a, b, differs, endsDiffer}, null for a line that only the other has. That a line has an end
+// at all says nothing where another line follows.
 function linePairs(oldText, newText) {
   const a = linesOf(oldText);
   const b = linesOf(newText);
   const pairs = [];
   let [atA, atB] = [0, 0];
-  const putEqual = (end) => {
-    for (; atA < end; ++atA, ++atB) pairs.push({a: a[atA], b: b[atB], differs: false});
+  const endsDiffer = (lineA, lineB) => lineA.end !== lineB.end &&
+      ((lineA.end !== '' && lineB.end !== '') || (lineA.end ? lineA === a[a.length - 1] : lineB === b[b.length - 1]));
+  const put = (lineA, lineB, differs) => {
+    const ends = lineA !== null && lineB !== null && endsDiffer(lineA, lineB);
+    pairs.push({a: lineA, b: lineB, differs: differs || ends, endsDiffer: ends});
   };
-  for (const range of differingRanges(a, b)) {
+  const putEqual = (end) => {
+    while (atA < end) put(a[atA++], b[atB++], false);
+  };
+  for (const range of differingRanges(a.map(({text}) => text), b.map(({text}) => text))) {
     putEqual(range.a[0]);
     while (atA < range.a[1] || atB < range.b[1]) {
-      pairs.push({
-        a: atA < range.a[1] ? a[atA++] : null,
-        b: atB < range.b[1] ? b[atB++] : null,
-        differs: true,
-      });
+      put(atA < range.a[1] ? a[atA++] : null, atB < range.b[1] ? b[atB++] : null, true);
     }
   }
   putEqual(a.length);

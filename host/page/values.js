@@ -35,7 +35,9 @@ function variantText(value) {
   if (type === 1) return {text: '', note: 'Null'};
   const note = variantTypes[type] ?? `type ${type}`;
   if (type === 6) return {text: currency(String(value.value)), note};
-  if (type === 7 && typeof value.value === 'number') return {text: String(value.value), note: `${note} ${dateOf(value.value)}`};
+  if (type === 7 && typeof value.value === 'number') {
+    return {text: String(value.value), note: `${note} ${dateOf(value.value)}`};
+  }
   if (type === 8 && value.value === '') return {text: '', note: 'empty text'};
   const inner = singleText(value.value, '');
   // That a text is a text need not be said.
@@ -46,7 +48,9 @@ function variantText(value) {
 function singleText(value, member) {
   if (value === undefined) return {text: '', note: ''};
   if (value === null || value === '') return {text: '', note: 'empty'};
-  if (isBytes(value)) return {text: byPairs(value.hex), note: has(value, 'lower') ? `bytes from ${value.lower}` : 'bytes'};
+  if (isBytes(value)) {
+    return {text: byPairs(value.hex), note: has(value, 'lower') ? `bytes from ${value.lower}` : 'bytes'};
+  }
   if (isVariant(value)) return variantText(value);
   if (typeof value === 'string' && /^(Raw\d|Data$)/.test(member) && /^[0-9a-f]*$/.test(value)) {
     return {text: byPairs(value), note: ''};

@@ -1,5 +1,8 @@
 #include "host/terminal/differences_text.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "host/terminal/text_change.h"
 #include "host/terminal/value_lines.h"
 #include "host/terminal/value_text.h"
@@ -28,12 +31,44 @@ std::string title_of(std::string_view tag) {
   return title;
 }
 
+using Lines = std::vector<std::string>;
+
+// A changed variant. Of two short arrays of the same length the elements that differ are told, each on
+// a line.
+Lines variant_change(Locale& locale, const Painter& painter, const vtrfile::VariantValue& old_value,
+                     const vtrfile::VariantValue& new_value) {
+  constexpr std::uint32_t kMost = 64;
+  const std::uint32_t count = element_count(old_value);
+  if (count > 0 && count <= kMost && old_value.tag == new_value.tag && element_count(new_value) == count) {
+    Lines all{""};
+    for (std::uint32_t place = 0; place < count; ++place) {
+      const auto old_element = element_at(old_value, place), new_element = element_at(new_value, place);
+      Lines lines = variant_change(locale, painter, old_element, new_element);
+      if (lines.empty()) continue;
+      lines.front() = '[' + std::to_string(place + 1) + "] " + lines.front();
+      std::ranges::move(lines, std::back_inserter(all));
+    }
+    return all;
+  }
+  if (old_value.tag == vtrfile::kVariantText && new_value.tag == vtrfile::kVariantText) {
+    const auto old_text = vtrfile::Text(old_value.body).bytes(), new_text = vtrfile::Text(new_value.body).bytes();
+    return old_text == new_text ? Lines() : text_change(locale, painter, old_text, new_text);
+  }
+  const std::string old_text = value_text(locale, old_value), new_text = value_text(locale, new_value);
+  if (old_text == new_text) return {};
+  return {painter.removed(old_text) + " -> " + painter.added(new_text)};
+}
+
 // A changed value as lines, behind the name of its member.
-std::vector<std::string> change_lines(Locale& locale, const Painter& painter, const Difference& difference) {
+Lines change_lines(Locale& locale, const Painter& painter, const Difference& difference) {
   const Value& old_value = difference.place.old_value;
   const Value& new_value = difference.place.new_value;
   if (old_value.kind() == vtrfile::Kind::kText) {
     return text_change(locale, painter, old_value.text().bytes(), new_value.text().bytes());
+  }
+  if (old_value.kind() == vtrfile::Kind::kVariant) {
+    Lines lines = variant_change(locale, painter, value_of(old_value.variant()), value_of(new_value.variant()));
+    if (lines.size() > 1 || (lines.size() == 1 && !lines.front().empty())) return lines;
   }
   std::string old_text = value_text(locale, old_value), new_text = value_text(locale, new_value);
   if (old_text == new_text) new_text += ", with other content";
@@ -108,7 +143,7 @@ void DifferencesText::begin_section(const std::string& section) {
 
 void DifferencesText::show_change(const Label& label, const Difference& difference) {
   item_ = label.item;
-  std::vector<std::string> lines = change_lines(locale_, painter_, difference);
+  Lines lines = change_lines(locale_, painter_, difference);
   // The element of a list of texts has no members.
   const std::string name = label.member.empty() ? "" : painter_.changed(label.member) + ' ';
   lines.front() = name + lines.front();

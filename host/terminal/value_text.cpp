@@ -22,6 +22,8 @@ std::string number_text(Number number) {
 
 std::string quoted(Locale& locale, std::string_view bytes) { return '"' + shown(locale, bytes) + '"'; }
 
+std::string array_text(Locale& locale, const VariantValue& value);
+
 std::string hex(std::span<const unsigned char> bytes) {
   std::string digits;
   for (const unsigned char byte : bytes) {
@@ -36,9 +38,9 @@ std::string count_text(std::int64_t count, const std::string& what) {
   return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
 }
 
-std::string variant_text(Locale& locale, Var variant) {
-  const auto [tag, body] = value_of(variant);
-  switch (tag) {
+std::string body_text(Locale& locale, const VariantValue& value) {
+  const unsigned char* const body = value.body;
+  switch (value.tag) {
     case kVariantEmpty:
       return "Empty";
     case kVariantNull:
@@ -62,10 +64,22 @@ std::string variant_text(Locale& locale, Var variant) {
     case kVariantByte:
       return number_text(int{*body});
     default:
-      return load<std::uint16_t>(body) == 0 ? "an array without elements"
-                                            : "an array of " + count_text(load<std::uint32_t>(body + 2), "element");
+      return array_text(locale, value);
   }
 }
+
+// The first elements of a variant that holds an array.
+std::string array_text(Locale& locale, const VariantValue& value) {
+  constexpr std::size_t kMost = 8;
+  const std::size_t count = element_count(value);
+  std::string text;
+  for (std::size_t place = 0; place < std::min(count, kMost); ++place) {
+    (text += text.empty() ? "" : ", ") += body_text(locale, element_at(value, place));
+  }
+  return '{' + text + (count > kMost ? ", and " + std::to_string(count - kMost) + " more}" : "}");
+}
+
+std::string variant_text(Locale& locale, Var variant) { return body_text(locale, value_of(variant)); }
 
 std::string run_text(Locale& locale, Value run) {
   if (!run.run()) return "Empty";
@@ -126,5 +140,7 @@ std::string value_text(Locale& locale, Value value) {
   }
   return {};
 }
+
+std::string value_text(Locale& locale, const VariantValue& value) { return body_text(locale, value); }
 
 }  // namespace trvtrout::host

@@ -5,6 +5,7 @@
 
 #include "services/host_services.h"
 #include "vtrfile/value_types.h"
+#include "vtrfile/variant.h"
 
 namespace trvtrout::host {
 
@@ -14,5 +15,8 @@ std::string shown(Locale& locale, std::string_view bytes);
 // Any value on one line: a text in quotes, True and False, numbers, hex digits of raw bytes, and of a list how long it
 // is.
 std::string value_text(Locale& locale, vtrfile::Value value);
+
+// The same of a variant, or of an element of one.
+std::string value_text(Locale& locale, const vtrfile::VariantValue& value);
 
 }  // namespace trvtrout::host

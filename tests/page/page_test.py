@@ -1,7 +1,10 @@
 #!/usr/bin/env python3
-"""The page of differences in a real browser: page_test.py MAKE_PAGE SAMPLES. Ends with 77 where there is none."""
+"""The page of differences in a real browser: page_test.py VTROUT MAKE_PAGE SAMPLES.
+
+Ends with 77 where there is none."""
 
 import collections
+import hashlib
 import json
 import os
 import pathlib
@@ -46,6 +49,7 @@ SMALL = differences([
     {"kind": "added", "newPath": "Schema/Tables/Items[5]", "key": "T050", "new": TABLE},
     {"kind": "added", "newPath": "Schema/Tables/Items[6]", "key": "6", "new": {"Tid": ""}, "unused": True},
     {"kind": "moved", "path": "TreeHierarchy/Items[2]", "newPath": "TreeHierarchy/Items[7]", "key": "A/B"},
+    changed("TarvelDefinitionHeader/Items[1]/Nodes[2]/Description", "1/2", "", "Node"),
     changed("Language/Items[9]/Texts[4]", "MSG/1", "Ventil", "Ventile"),
     changed("Module/Items[1]/Var1", "M", {"type": 6, "value": "-15000"}, {"type": 8, "value": "\u2028" * 30000}),
 ], header=[changed("Header/Modified", "", "then", "now")])
@@ -53,7 +57,8 @@ BOOKKEEPING = 2
 
 
 def random_pair(rng):
-    words = [rng.choice(["a", "bb", "Ventil", "12.5", " ", ", ", "弁", "\n", "\r\n"]) for _ in range(rng.randrange(40))]
+    pieces = ["a", "bb", "Ventil", "12.5", " ", ", ", "弁", "\n", "\r\n"]
+    words = [rng.choice(pieces) for _ in range(rng.randrange(40))]
     other = [word for word in words if rng.random() < 0.9]
     for _ in range(rng.randrange(4)):
         other.insert(rng.randrange(len(other) + 1), rng.choice(["neu", " ", "\n", "bb"]))
@@ -68,13 +73,14 @@ class PageTest(unittest.TestCase):
         options.binary_location = shutil.which("chromium")
         for option in ["headless=new", "no-sandbox", "disable-gpu", "disable-quic", "no-first-run", "disable-sync",
                        "disable-background-networking", "disable-component-update", "disable-dev-shm-usage",
-                       "window-size=1280,900", f"user-data-dir={cls.folder}/profile"]:
+                       "window-size=1280,1600", f"user-data-dir={cls.folder}/profile"]:
             options.add_argument("--" + option)
         options.set_capability("goog:loggingPrefs", {"performance": "ALL", "browser": "ALL"})
         cls.driver = webdriver.Chrome(service=Service(shutil.which("chromedriver")), options=options)
         cls.driver.execute_cdp_cmd("Page.addScriptToEvaluateOnNewDocument", {"source": """
             window.violations = [];
             addEventListener('securitypolicyviolation', (event) => violations.push(event.violatedDirective));
+            addEventListener('error', (event) => violations.push(event.message));
             window.alert = () => violations.push('alert');"""})
 
     @classmethod
@@ -106,6 +112,9 @@ class PageTest(unittest.TestCase):
 
     def keys(self, *keys):
         self.driver.switch_to.active_element.send_keys(*keys)
+
+    def content(self, selector):
+        return self.js("return document.querySelector(arguments[0]).textContent", selector)
 
     def members(self):
         return self.js("return [...document.querySelectorAll('#list .member')].map((member) => member.textContent)")
@@ -139,17 +148,40 @@ class PageTest(unittest.TestCase):
         self.one("#bookkeeping").click()
         self.assertEqual(self.size(), len(SMALL["changes"]))
         self.assertIn("1 change in the header", self.one("#header-changes").text)
-        digests = [subprocess.run(["sha256sum", f"{SAMPLES}/{name}"], capture_output=True, check=True).stdout[:64].decode()
+        digests = [hashlib.sha256(pathlib.Path(SAMPLES, name).read_bytes()).hexdigest()
                    for name in ["plant.vtr", "plant-next.vtr"]]
         self.assertEqual([cell.text for cell in self.all("#files code")], digests)
-        self.assertIn("6 changed, 1 removed, 2 added, 1 moved", self.js("return document.querySelector('noscript').textContent"))
+        self.assertIn("7 changed, 1 removed, 2 added, 1 moved", self.content("noscript"))
+
+    def test_the_command_writes_it(self):
+        page = self.folder / "of-command.html"
+        for old, new, *options in [("plant", "plant-next"), ("dense", "dense-next"), ("plant-old-format", "plant"),
+                                   ("plant", "plant"), ("plant", "plant-next", "--only", "Schema/**")]:
+            command = [VTROUT, "diff", f"{SAMPLES}/{old}.vtr", f"{SAMPLES}/{new}.vtr", *options]
+            told = json.loads(subprocess.run([*command, "--json"], capture_output=True).stdout)
+            subprocess.run([*command, "--yes", "--html", page], capture_output=True)
+            self.driver.get("about:blank")
+            self.driver.get(page.as_uri())
+            self.assertEqual(self.js("return JSON.parse(document.getElementById('differences').textContent)"), told)
+            counts = {kind: int(self.one(f"#totals .{kind}").get_attribute("data-count")) for kind in KINDS
+                      if told["different"]}
+            self.assertEqual(counts, told["counts"] if told["different"] else {})
+            if told["different"]:
+                for box in self.all("#bookkeeping, #unfold"):
+                    self.js("if (arguments[0].offsetParent) arguments[0].click()", box)
+                self.assertEqual(self.size(), len(told["changes"]))
+                self.js("window.dispatchEvent(new Event('beforeprint'));")
+                self.assertEqual(len(self.all("#list article")), len(told["changes"]))
+            self.assertEqual("A part of the documents" in self.one(".head").text, bool(options))
+            self.assertEqual(self.js("return violations"), [])
 
     def test_names_are_those_that_users_know(self):
         self.open(SMALL)
-        self.assertEqual(self.members(), ["Description", "Lenght", "Filter / FilterText", "T005", "T050", "A/B", "German", "Var1"])
+        self.assertEqual(self.members(), ["Description", "Lenght", "Filter / FilterText", "T005", "T050", "A/B",
+                                          "Description", "German", "Var1"])
         self.assertEqual([element.text.replace(" ", "") for element in self.all("#list h3")],
-                         ["Schema/Product", "Schema/Tables/T003/Fields/F004", "Schema/Tables", "Treenodes",
-                          "Languagetexts/MSG/1", "Modules/M"])
+                         ["Schema/Product", "Schema/Tables/T003/Fields/F004", "Schema/Tables", "Tree",
+                          "Datasend/#1/Nodes/#2", "Languagetexts/MSG/1", "Modules/M"])
         self.assertIn("-1.5", self.all("#list .old")[-1].text)
 
     def test_filters_and_search(self):
@@ -165,7 +197,7 @@ class PageTest(unittest.TestCase):
         self.search("&amp;", 1)
         self.search("nowhere", 0)
         self.one("#none button").click()
-        self.assertEqual(self.size(), 8)
+        self.assertEqual(self.size(), 9)
 
     def test_texts_stay_texts_and_nothing_is_fetched(self):
         self.driver.get_log("performance")
@@ -177,7 +209,8 @@ class PageTest(unittest.TestCase):
         self.assertEqual(self.js("return violations"), [])
         self.assertEqual(self.js("return performance.getEntriesByType('resource').length"), 0)
         events = [json.loads(entry["message"])["message"] for entry in self.driver.get_log("performance")]
-        asked = {event["params"]["request"]["url"] for event in events if event["method"] == "Network.requestWillBeSent"}
+        asked = {event["params"]["request"]["url"] for event in events
+                 if event["method"] == "Network.requestWillBeSent"}
         self.assertEqual({url for url in asked if url != "about:blank"}, {(self.folder / "page.html").as_uri()})
         # The policy that says so is in force.
         self.js("document.body.append(Object.assign(document.createElement('script'), {textContent: 'alert(2)'}));"
@@ -185,6 +218,18 @@ class PageTest(unittest.TestCase):
                 "fetch('http://127.0.0.1:9/').catch(() => {});")
         self.wait(lambda: len(self.js("return violations")) >= 3, "the policy")
         self.assertEqual(sorted(self.js("return violations")), ["connect-src", "img-src", "script-src-elem"])
+
+    def test_marks_are_few(self):
+        cases = [("Feed the pump now", "Feed the big pump now", [], ["big "]),
+                 ("one two three four", "one three four five", ["two "], [" five"]),
+                 ("a = 1\r\nb = 2\r\nc = 3", "a = 1\r\nc = 3\r\nd = 4", ["b = 2"], ["d = 4"]),
+                 ("one\r\ntwo", "one\ntwo\n", ["CR LF"], ["LF", "LF"]), ("Pump", "Valve", ["Pump"], ["Valve"])]
+        self.open(differences([changed(f"Module/Items[{at + 1}]/Description", str(at), old, new)
+                               for at, (old, new, _, _) in enumerate(cases)]))
+        marks = self.js("""return [...document.querySelectorAll('#list .change')].map((row) =>
+            ['del', 'ins'].map((name) => [...row.querySelectorAll(name)].map((mark) => mark.textContent)))""")
+        for case, marked in zip(cases, marks):
+            self.assertEqual(marked, list(case[2:]))
 
     def test_marks_take_nothing_away(self):
         rng = random.Random(20261123)
@@ -203,12 +248,13 @@ class PageTest(unittest.TestCase):
               return copy.textContent;
             };
             return [...document.querySelectorAll('#list .change')].map((row) => ['.old', '.new'].map((side) =>
-              [...row.querySelectorAll(side + ':not(.absent)')].map((cell) => [text(cell, '.end, .note'), text(cell, 'del, ins, .note')])))""")
+              [...row.querySelectorAll(side + ':not(.absent)')].map((cell) =>
+                [text(cell, '.end, .note'), text(cell, 'del, ins, .note')])))""")
         self.assertEqual(len(rows), len(pairs))
         for (old, new), (olds, news) in zip(pairs, rows):
             for text, cells in [(old, olds), (new, news)]:
-                lines = text.replace("\r\n", "\n").split("\n")
-                self.assertEqual([line or " " for line, _ in cells], [line or " " for line in lines[:-1] + [lines[-1]][:bool(lines[-1])]], (old, new))
+                lines = [line or " " for line in text.replace("\r\n", "\n").removesuffix("\n").split("\n")]
+                self.assertEqual([line or " " for line, _ in cells], lines, (old, new))
             equal = ["".join(rest for _, rest in cells) for cells in (olds, news)]
             self.assertEqual(*equal, (old, new))
 
@@ -229,7 +275,7 @@ class PageTest(unittest.TestCase):
         self.keys("np")
         self.wait(lambda: self.size() == 0, "keys go into the search")
         self.keys(Keys.ESCAPE)
-        self.assertEqual(self.size(), 8)
+        self.assertEqual(self.size(), 9)
         # A link leads to what a filter hides, too; an item that was added isn't the one that was removed at its place.
         for place, member in [("Schema/Tables/Items[5]", "T005"), ("new:Schema/Tables/Items[5]", "T050"),
                               ("TreeHierarchy", "A/B"), ("Schema/Tables/Max", "Max")]:
@@ -244,7 +290,8 @@ class PageTest(unittest.TestCase):
 
     def test_a_hundred_thousand_changes(self):
         changes = [changed(f"Schema/Tables/Items[{at // 50 + 1}]/Fields/Items[{at % 50 + 1}]/Description",
-                           f"T{at // 50}/F{at % 50}", f"Capacity of pump {at}", f"Capacity of the pump {at} " * (at % 7 + 1))
+                           f"T{at // 50}/F{at % 50}", f"Capacity of pump {at}",
+                           f"Capacity of the pump {at} " * (at % 7 + 1))
                    for at in range(100_000)]
         page = self.make(differences(changes))
         self.driver.get("about:blank")
@@ -263,14 +310,15 @@ class PageTest(unittest.TestCase):
         self.js("window.location.hash = '#Schema/Tables/Items[1001]'")
         self.wait(lambda: self.all(".current"), "the link")
         top = self.js("return document.querySelector('.current').getBoundingClientRect().top")
-        self.assertTrue(0 <= top < 300, top)
+        below = top - self.one("#bar").size["height"]
+        self.assertTrue(0 <= below < 12, below)
         self.search("t1234 f7", 1)
         self.one("#search").clear()
         self.one("#search").send_keys(" ")
         self.wait(lambda: self.size() == 100_000, "no search")
         self.js("window.dispatchEvent(new Event('beforeprint'));")
         self.assertEqual(rows(), 5000)
-        self.assertIn("first 5,000 of 100,000", self.js("return document.getElementById('printed').textContent"))
+        self.assertIn("Printed: the first 5,000 of 100,000 changes; search: ", self.content("#printed"))
         self.js("window.dispatchEvent(new Event('afterprint'));")
         self.assertLess(rows(), 200)
 
@@ -296,7 +344,8 @@ class PageTest(unittest.TestCase):
             self.assertGreater(min(self.js(contrasts)), 4.5)
             grounds.add(self.js("return getComputedStyle(document.body).backgroundColor"))
             self.one("#theme").click()
-            self.assertEqual(self.js("return document.documentElement.dataset.theme"), {"light": "dark", "dark": "light"}[scheme])
+            other = {"light": "dark", "dark": "light"}[scheme]
+            self.assertEqual(self.js("return document.documentElement.dataset.theme"), other)
         self.assertEqual(len(grounds), 2)
         self.driver.execute_cdp_cmd("Emulation.setEmulatedMedia", {"features": []})
         self.driver.execute_cdp_cmd("Emulation.setDeviceMetricsOverride",
@@ -309,5 +358,5 @@ class PageTest(unittest.TestCase):
 if __name__ == "__main__":
     if not (shutil.which("chromium") and shutil.which("chromedriver")):
         sys.exit(77)
-    MAKE_PAGE, SAMPLES = sys.argv[1:3]
-    unittest.main(argv=sys.argv[:1] + sys.argv[3:])
+    VTROUT, MAKE_PAGE, SAMPLES = sys.argv[1:4]
+    unittest.main(argv=sys.argv[:1] + sys.argv[4:])
