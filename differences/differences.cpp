@@ -5,8 +5,8 @@
 #include <span>
 #include <vector>
 
-#include "differences/item_keys.h"
 #include "differences/list_pairs.h"
+#include "vtrfile/item_keys.h"
 #include "vtrfile/part_read.h"
 
 namespace trvtrout::differences {

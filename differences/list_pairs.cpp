@@ -24,8 +24,8 @@
 #include <tuple>
 #include <utility>
 
-#include "differences/item_keys.h"
 #include "differences/likeness.h"
+#include "vtrfile/item_keys.h"
 
 namespace trvtrout::differences {
 namespace {

@@ -1,11 +1,16 @@
-#include <optional>
+#include <algorithm>
+#include <filesystem>
 
+#include "exchange/database_export.h"
 #include "exchange/json_document.h"
+#include "exchange/lines.h"
 #include "host/commands.h"
 #include "host/exchanged_texts.h"
 #include "host/new_file.h"
 #include "platform/files/path.h"
+#include "platform/files/sha256.h"
 #include "platform/files/staged_files.h"
+#include "text/surrogates.h"
 
 namespace trvtrout::host {
 namespace {
@@ -47,17 +52,55 @@ std::unique_ptr<TarvelVtrOut_InOut> Documents::read_whole(const std::string& fil
   return utility;
 }
 
-ExitStatus export_json(Machine& machine, const Settings& settings, const ExportTask& task,
-                       const exchange::JsonWriter::Sink& sink) {
+using Layout = exchange::JsonWriter::Layout;
+
+ExitStatus write_json(Machine& machine, const Settings& settings, const ExportTask& task,
+                      const exchange::JsonWriter::Sink& sink) {
   Documents documents(machine);
   const auto utility = documents.read_whole(task.files.front());
   if (!utility) return kTrouble;
-  using Layout = exchange::JsonWriter::Layout;
   exchange::JsonWriter json(sink, task.pretty ? Layout::kPretty : Layout::kCompact);
   exchange::Texts texts = texts_of(settings.code_page);
   write_document(json, texts, utility->CurrentSlots());
   json.flush();
   return documents.status();
+}
+
+// A name's bytes need be no UTF-8.
+std::string as_utf8(const std::string& name) {
+  std::u16string units = text::from_utf8(name);
+  for (std::size_t at = 0; at < units.size(); ++at) {
+    if (text::is_pair_at(units, at)) {
+      ++at;
+    } else if ((units[at] & 0xF800) == 0xD800) {
+      units[at] = u'\uFFFD';
+    }
+  }
+  return text::to_utf8(units);
+}
+
+ExitStatus write_lines(Machine& machine, const Settings& settings, const ExportTask& task,
+                       const exchange::JsonWriter::Sink& sink) {
+  Documents documents(machine);
+  exchange::JsonWriter json(sink);
+  exchange::Texts texts = texts_of(settings.code_page);
+  for (const std::string& file : task.files) {
+    const auto utility = documents.read_whole(file);
+    if (!utility) return kTrouble;
+    exchange::write_lines(json, texts, as_utf8(file), utility->CurrentSlots());
+  }
+  json.flush();
+  return documents.status();
+}
+
+// Whether the output would be written over a document, of which the user has been told then.
+bool is_document(Files& files, const ExportTask& task) {
+  const std::u16string output = platform::class_path(task.output);
+  const bool is = std::ranges::any_of(
+      task.files, [&](const std::string& file) { return files.SameFile(output, platform::class_path(file)); });
+  if (is)
+    complain(task.output + ": that's a document, which is never overwritten; name another file" + kNothingExported);
+  return is;
 }
 
 // Where text goes: stdout, or a file that takes its place when it's whole.
@@ -68,13 +111,7 @@ ExitStatus export_text(Machine& machine, const ExportTask& task, Write write) {
         [](std::string_view bytes) { std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size())); });
   }
   const HostServices services = machine.services();
-  for (const std::string& file : task.files) {
-    if (services.files.SameFile(platform::class_path(task.output), platform::class_path(file))) {
-      complain(task.output + ": that's the document itself, which is never overwritten; name another file" +
-               kNothingExported);
-      return kTrouble;
-    }
-  }
+  if (is_document(services.files, task)) return kTrouble;
   const auto target = target_for(services, {task.files.front(), "the document", task.output, u"Export"});
   if (!target) return kTrouble;
   platform::StagedFiles staged(services.files, task.files.front());
@@ -87,18 +124,67 @@ ExitStatus export_text(Machine& machine, const ExportTask& task, Write write) {
   return status;
 }
 
+// The file as the database knows it, by whatever name it was given.
+exchange::DocumentFile file_in_database(Files& files, const std::string& file) {
+  const std::filesystem::path path = std::filesystem::weakly_canonical(std::filesystem::absolute(file));
+  const auto bytes = files.OpenBinary(platform::class_path(file));
+  const auto digest = platform::sha256([&](std::span<unsigned char> into) { return bytes->Read(into); });
+  return {as_utf8(path), as_utf8(path.filename()), bytes->Size(), platform::hex(digest)};
+}
+
+// A database that wasn't there isn't left behind empty.
+class NewDatabase {
+ public:
+  explicit NewDatabase(std::string path) : path_(std::move(path)), was_there_(platform::name_is_taken(path_)) {}
+  ~NewDatabase() {
+    std::error_code none;
+    if (!was_there_ && std::filesystem::file_size(path_, none) == 0 && !none) std::filesystem::remove(path_, none);
+  }
+  NewDatabase(const NewDatabase&) = delete;
+  NewDatabase& operator=(const NewDatabase&) = delete;
+
+ private:
+  std::string path_;
+  bool was_there_;
+};
+
+ExitStatus export_to_database(Machine& machine, const Settings& settings, const ExportTask& task) {
+  Files& files = machine.services().files;
+  if (is_document(files, task)) return kTrouble;
+  const NewDatabase database(task.output);
+  exchange::DatabaseExport target(task.output, texts_of(settings.code_page));
+  Documents documents(machine);
+  for (const std::string& file : task.files) {
+    const auto utility = documents.read_whole(file);
+    if (!utility) return kTrouble;
+    Progress progress;
+    progress.show("Exporting " + file);
+    target.put(file_in_database(files, file), utility->CurrentSlots());
+  }
+  target.commit();
+  std::cout << task.output << std::endl;
+  return documents.status();
+}
+
 }  // namespace
 
 ExitStatus export_documents(const Settings& settings, const ExportTask& task) {
+  if (task.form == ExportForm::kJson && task.files.size() > 1) {
+    complain("--json takes one file; --ndjson and --sqlite take several");
+    return kTrouble;
+  }
   Machine machine(settings);
   try {
+    if (task.form == ExportForm::kDatabase) return export_to_database(machine, settings, task);
     return export_text(machine, task, [&](const exchange::JsonWriter::Sink& sink) {
-      return export_json(machine, settings, task, sink);
+      return (task.form == ExportForm::kJson ? write_json : write_lines)(machine, settings, task, sink);
     });
   } catch (const ServiceError& error) {
     complain(std::string(error.what()) + kNothingExported);
-    return kTrouble;
+  } catch (const exchange::DatabaseError& error) {
+    complain(std::string(error.what()) + "; the database is as it was");
   }
+  return kTrouble;
 }
 
 }  // namespace trvtrout::host

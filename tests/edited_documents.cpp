@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <sstream>
 
-#include "differences/item_keys.h"
 #include "exchange/json_document.h"
 #include "host/exchanged_texts.h"
 #include "tests/support.h"
+#include "vtrfile/item_keys.h"
 #include "vtrfile/reader.h"
 
 namespace trvtrout::tests {
@@ -127,7 +127,7 @@ void edit(Json& document, std::mt19937& random) {
     list.items->erase(begin + some);
   } else if (kind == 2) {
     Json added = item;
-    if (const auto* key = differences::key_member(*list.element)) {
+    if (const auto* key = vtrfile::key_member(*list.element)) {
       change({&added[key->name], key->type, {}}, random);
     }
     list.items->insert(begin + some, added);

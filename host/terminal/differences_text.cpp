@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <iterator>
 
-#include "differences/item_keys.h"
 #include "host/terminal/text_change.h"
 #include "host/terminal/value_lines.h"
 #include "host/terminal/value_text.h"
+#include "vtrfile/item_keys.h"
 #include "vtrfile/part_read.h"
 #include "vtrfile/sections.h"
 
@@ -82,7 +82,7 @@ class Gist {
 
   std::string of(Value item) {
     if (item.kind() != vtrfile::Kind::kRecord) return value_text(locale_, item);
-    add_texts(item, differences::key_member(item.type()));
+    add_texts(item, vtrfile::key_member(item.type()));
     return text_;
   }
 

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <vector>
 
-#include "differences/item_keys.h"
 #include "host/terminal/value_text.h"
+#include "vtrfile/item_keys.h"
 
 namespace trvtrout::host {
 namespace {
@@ -16,7 +16,7 @@ constexpr std::string_view kItems = "Items";
 
 std::string key_or_place(Locale& locale, const Place& item) {
   const bool in_old = item.old_number > 0;
-  const std::string key = differences::key_text(in_old ? item.old_value : item.new_value);
+  const std::string key = vtrfile::key_text(in_old ? item.old_value : item.new_value);
   return key.empty() ? '#' + std::to_string(in_old ? item.old_number : item.new_number) : shown(locale, key);
 }
 

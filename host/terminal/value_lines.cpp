@@ -1,8 +1,8 @@
 #include "host/terminal/value_lines.h"
 
-#include "differences/item_keys.h"
 #include "host/terminal/sequence.h"
 #include "host/terminal/value_text.h"
+#include "vtrfile/item_keys.h"
 
 namespace trvtrout::host {
 namespace {
@@ -50,7 +50,7 @@ class Lines {
     for (std::uint32_t place = 0; place < list.elements(); ++place) {
       const Value item = list.element(place);
       if (is_empty(item)) continue;
-      const std::string key = differences::key_text(item);
+      const std::string key = vtrfile::key_text(item);
       const std::string at = below(path, key.empty() ? "-" : shown(locale_, key));
       if (key.empty()) tell_(at);
       value(at, item);

@@ -1,12 +1,10 @@
-#include "differences/item_keys.h"
+#include "vtrfile/item_keys.h"
 
 #include <algorithm>
 #include <array>
 
-namespace trvtrout::differences {
+namespace trvtrout::vtrfile {
 namespace {
-
-using namespace vtrfile;
 
 // The names that keys have in the records of lists. A record with several of them is known by the first.
 constexpr std::array<std::string_view, 8> kKeyNames = {"CodePath",   "Tid",  "Fid",      "Id",
@@ -37,4 +35,4 @@ std::string key_text(Value item) {
   return value.kind() == Kind::kText ? std::string(value.text().bytes()) : std::to_string(value.integer());
 }
 
-}  // namespace trvtrout::differences
+}  // namespace trvtrout::vtrfile
