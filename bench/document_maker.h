@@ -82,7 +82,8 @@ Array<Element> DocumentMaker::array(int count, Make make) {
   using Block = typename Array<Element>::Block;
   const auto size = static_cast<std::uint32_t>(count);
   auto* const elements = memory_.allocate_object<Element>(size);
-  for (int place = 0; place < count; ++place) new (elements + place) Element(make(size_.one_key ? 1 : place + 1));
+  for (int place = 0; place < count; ++place)
+    new (elements + place) Element(make(size_.first_number + (size_.one_key ? 0 : place)));
   if (size_.order == Order::kReversed) std::reverse(elements, elements + count);
   if (size_.order == Order::kShuffled) std::shuffle(elements, elements + count, std::mt19937(size_.seed));
   return Array<Element>(memory_.new_object<Block>(Block{size, 1, size, elements}));

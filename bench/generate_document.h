@@ -24,6 +24,7 @@ struct DocumentSize {
   // two documents finds these differences and no more; but a tree node that got other words also stays behind as added.
   int every_nth_changed = 0;
   Order order = Order::kAsMade;
+  int first_number = 1;  // of the items of each list, which their keys are made of
   bool one_key = false;  // all records of a list have the key of the first one
 };
 

@@ -158,6 +158,7 @@ using Print = std::function<void()>;
 Print add_reading(const std::filesystem::path& folder);
 Print add_matching(const std::filesystem::path& folder);
 Print add_comparing(const std::filesystem::path& folder);
+Print add_differences(const std::filesystem::path& folder);
 Print add_workbooks(const std::filesystem::path& folder);
 Print add_startup();
 

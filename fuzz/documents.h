@@ -1,7 +1,11 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "component/TarvelVtrOut_InOut.h"
@@ -22,6 +26,15 @@ inline void require_all_closed(const fakes::Machine& machine) { require(machine.
 inline Boolean read(TarvelVtrOut_InOut& utility, std::u16string path, Boolean is_secondary = False) {
   std::u16string list;
   return utility.ReadVTR(path, list, is_secondary);
+}
+
+// The document and the one behind the mark; without a mark the document twice.
+inline std::pair<std::string, std::string> two_documents(const std::uint8_t* data, std::size_t size) {
+  constexpr std::string_view kMark = "#second#";
+  const std::string_view both(reinterpret_cast<const char*>(data), size);
+  const std::size_t mark = both.find(kMark);
+  const bool pair = mark != std::string_view::npos;
+  return {std::string(both.substr(0, mark)), std::string(pair ? both.substr(mark + kMark.size()) : both)};
 }
 
 // The bytes of the record of each section, in the order in which they are written.

@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <string_view>
 
 #include "component/parts.h"
 #include "fuzz/documents.h"
@@ -10,14 +9,9 @@
 // written, and each accounts for every row that it prints.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace trvtrout;
-  constexpr std::string_view kMark = "#second#";
-  const std::string_view both(reinterpret_cast<const char*>(data), size);
-  const std::size_t mark = both.find(kMark);
-  const bool pair = mark != std::string_view::npos;
-
+  const auto [first, second] = fuzz::two_documents(data, size);
   fakes::Machine machine;
   std::u16string primary = u"a.vtr", secondary = u"b.vtr", report;
-  const std::string first(both.substr(0, mark)), second(pair ? both.substr(mark + kMark.size()) : both);
   machine.memory.files = {{primary, first}, {secondary, second}};
   TarvelVtrOut_InOut utility(machine.services());
   fuzz::read(utility, primary, False);

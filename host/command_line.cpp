@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include "host/commands.h"
+#include "host/exchange_options.h"
 #include "host/nearest.h"
 #include "host/part_reports.h"
 #include "platform/files/path.h"
@@ -40,6 +41,10 @@ struct Request {
   ComparisonTask comparison;
   RecoveryTask recovery;
   StatisticsTask statistics;
+  DiffTask diff;
+  TextTask text;
+  ExportTask exported;
+  ImportTask imported;
 };
 
 void add_code_page(CLI::App& command, Settings& settings) {
@@ -153,6 +158,41 @@ void add_compare(CLI::App& command, Request& request) {
   add_code_page(command, request.settings);
 }
 
+void add_diff(CLI::App& command, Request& request) {
+  DiffTask& task = request.diff;
+  command.add_option("FILE", task.arguments, "The VTR files OLD and NEW; or what git gives to such a command")
+      ->required()
+      ->expected(2, 9)
+      ->check(check_path);
+  add_parts(command, task.parts);
+  const auto add_patterns = [&](const char* name, std::vector<std::string>& patterns, const char* description) {
+    command.add_option(name, patterns, description)->option_text("GLOB")->take_all()->allow_extra_args(false);
+  };
+  add_patterns("--only", task.only, "Only what stands at these paths, like 'Schema/Tables/**/Name'; several times");
+  add_patterns("--ignore", task.ignore, "All but what stands at these paths; several times");
+  auto* const all =
+      command.add_flag("--all", task.all, "Also unused slots, their numbers and spare values, one by one");
+  auto* const summary = command.add_flag("--summary", task.summary, "Only the counts, by section")->excludes(all);
+  auto* const html = add_file(command, "--html", task.html, "Write a page that shows the differences in a browser")
+                         ->excludes(summary)
+                         ->excludes(all);
+  static const std::map<std::string, ColorWhen> kWhen = {
+      {"auto", ColorWhen::kAuto}, {"always", ColorWhen::kAlways}, {"never", ColorWhen::kNever}};
+  command.add_option("--color", task.color, "When to use colours: auto, always or never")
+      ->option_text("WHEN")
+      ->transform(CLI::Transformer(kWhen))
+      ->default_str("auto");
+  add_json(command, task.json, "The differences for programs");
+  command.get_option("--json")->excludes(all)->excludes(summary)->excludes(html);
+  add_overwrite(command, request.settings);
+  add_code_page(command, request.settings);
+}
+
+void add_text(CLI::App& command, Request& request) {
+  add_file_operand(command, "FILE", request.text.file, "A VTR file");
+  add_code_page(command, request.settings);
+}
+
 void add_recover(CLI::App& command, Request& request) {
   RecoveryTask& task = request.recovery;
   add_file_operand(command, "FILE", task.file, "A VTR file, damaged or of the old format; it's never changed");
@@ -170,6 +210,17 @@ void add_statistics(CLI::App& command, Request& request) {
   command.add_option("SHEET", task.sheet_name, "Name of the new sheet")->required();
   add_code_page(command, request.settings);
   add_wait(command, request.settings);
+}
+
+void add_export(CLI::App& command, Request& request) {
+  add_export_options(command, request.exported, check_path);
+  add_overwrite(command, request.settings);
+  add_code_page(command, request.settings);
+}
+
+void add_import(CLI::App& command, Request& request) {
+  add_import_options(command, request.imported, check_path);
+  add_overwrite(command, request.settings);
 }
 
 struct Subcommand {
@@ -193,6 +244,11 @@ constexpr const char* kCompared =
     "import files, residual tables and spare slots; docs/reports.md lists every column. Of a file in the old format,\n"
     "01.00.00, only table, field and lookup can be compared. In a workbook the labels of the last rows can stay\n"
     "plain; docs/workbooks.md says when.\n";
+
+constexpr const char* kDiffered =
+    "Compared are all values of all fourteen sections; vtrout compare looks at the columns of its reports alone.\n"
+    "Paths are those of --json: Schema/Tables/Items[3]/Name. In a GLOB \"*\" stands for any characters of a step,\n"
+    "\"**\" for any steps, and a list's name for all of its items. docs/git.md tells how git can call it.\n";
 
 constexpr Subcommand kSubcommands[] = {
     {"info",
@@ -218,6 +274,20 @@ constexpr Subcommand kSubcommands[] = {
      {"vtrout compare old.vtr new.vtr --summary", "vtrout compare old.vtr new.vtr --workbook changes.xlsx"},
      {"no row differs", "a row changed, was deleted or was added",
       "trouble, explained on stderr; also when a part that was asked for\n     couldn't be compared to its end"}},
+    {"diff",
+     "Show every difference between two files, item by item",
+     add_diff,
+     [](const Request& request) { return diff(request.settings, request.diff); },
+     {kDiffered},
+     {"vtrout diff old.vtr new.vtr", "vtrout diff old.vtr new.vtr --html changes.html"},
+     {"nothing differs outside the header", "something differs", kTroubleStatus}},
+    {"text",
+     "Print all that a file holds as lines, to be compared line by line",
+     add_text,
+     [](const Request& request) { return text(request.settings, request.text); },
+     {},
+     {"vtrout text plant.vtr", "git config diff.vtr.textconv 'vtrout text'"},
+     {"the whole file was read", "the file is damaged; the lines are what could be read", kTroubleStatus}},
     {"recover",
      "Write what can be read of a file to a new one; print its path, and what became of each section",
      add_recover,
@@ -226,6 +296,21 @@ constexpr Subcommand kSubcommands[] = {
      {"vtrout recover damaged.vtr", "vtrout recover old.vtr --output new.vtr --log lost.txt"},
      {"nothing was lost", "something was lost, or may have been",
       "nothing was written; a line on stderr says why and what to do"}},
+    {"export",
+     "Write the content of files for other programs: as JSON, or in a database",
+     add_export,
+     [](const Request& request) { return export_documents(request.settings, request.exported); },
+     {"docs/json.md tells the forms of JSON, docs/queries.md what can be asked of a database.\n"},
+     {"vtrout export plant.vtr --json plant.json", "vtrout export plant.vtr plant-next.vtr --sqlite plants.db"},
+     {"fine", "something of a file in the old format has no place in the current one",
+      "nothing was exported; a line on stderr says why and what to do"}},
+    {"import",
+     "Write the VTR file that a document's JSON describes",
+     add_import,
+     [](const Request& request) { return import_document(request.settings, request.imported); },
+     {"The file is read back and compared before it takes its place.\n"},
+     {"vtrout import plant.json plant.vtr"},
+     {"the file was written", nullptr, "nothing was written; a line on stderr says why and what to do"}},
     {"statistics",
      "Add an existing detail report to an existing workbook, as a sheet",
      add_statistics,
@@ -246,7 +331,9 @@ std::string footer_of(const Subcommand& subcommand) {
   std::string text;
   for (const char* const note : subcommand.notes) text += note == nullptr ? "" : note;
   text += text.empty() ? "Examples:\n" : "\nExamples:\n";
-  for (const char* const example : subcommand.examples) text += std::string("  ") + example + '\n';
+  for (const char* const example : subcommand.examples) {
+    if (example != nullptr) text += std::string("  ") + example + '\n';
+  }
   text += "\nExit status:\n";
   for (std::size_t status = 0; status < std::size(subcommand.statuses); ++status) {
     const char* const meaning = subcommand.statuses[status];

@@ -40,6 +40,31 @@ struct ComparisonTask {
 // workbook, and how many rows have which form. kRemarkable when a row is labelled.
 ExitStatus compare(const Settings& settings, const ComparisonTask& task);
 
+enum class ColorWhen { kAuto, kAlways, kNever };
+
+struct DiffTask {
+  // OLD and NEW, or the seven to nine arguments with which git calls a command that shows differences.
+  std::vector<std::string> arguments;
+  std::vector<std::string> parts, only, ignore;  // everything when all are empty
+  bool json = false;
+  std::string html;      // the page to write; empty for none
+  bool summary = false;  // the counts alone, by section
+  bool all = false;      // what is only bookkeeping, too
+  ColorWhen color = ColorWhen::kAuto;
+};
+
+// `vtrout diff`: every difference between two documents. kRemarkable when there are any outside the header; called by
+// git always kFine, for git takes anything else for a failure of its own.
+ExitStatus diff(const Settings& settings, const DiffTask& task);
+
+struct TextTask {
+  std::string file;
+};
+
+// `vtrout text`: all that a document holds as lines that can be compared by line. kRemarkable when the file is damaged
+// and the lines are what could be read.
+ExitStatus text(const Settings& settings, const TextTask& task);
+
 struct StatisticsTask {
   std::string workbook;
   std::string report;
@@ -60,5 +85,27 @@ struct RecoveryTask {
 // itself is never written, and one that stands where the new one goes is replaced only when the new one is complete.
 // kRemarkable when something was lost, kTrouble when nothing was written.
 ExitStatus recover(const Settings& settings, const RecoveryTask& task);
+
+enum class ExportForm { kNone, kJson, kLines, kDatabase };
+
+struct ExportTask {
+  std::vector<std::string> files;  // one of them for kJson
+  ExportForm form = ExportForm::kNone;
+  std::string output;  // empty for stdout
+  bool pretty = false;
+};
+
+// `vtrout export`: documents for other programs, as JSON, as lines of JSON or in a database. A damaged document is
+// refused. kRemarkable when something of one in the old format has no place in what was exported.
+ExitStatus export_documents(const Settings& settings, const ExportTask& task);
+
+struct ImportTask {
+  std::string document;
+  std::string output;
+};
+
+// `vtrout import`: writes the file that a document's JSON describes. One that stands there is replaced only when the
+// new one is complete and was read back.
+ExitStatus import_document(const Settings& settings, const ImportTask& task);
 
 }  // namespace trvtrout::host

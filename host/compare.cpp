@@ -3,11 +3,14 @@
 #include <optional>
 
 #include "host/commands.h"
+#include "host/difference_counts.h"
 #include "host/json.h"
 #include "host/old_format.h"
 #include "host/part_reports.h"
+#include "host/read_whole.h"
 #include "platform/files/path.h"
 #include "text/utf8.h"
+#include "vtrfile/sections.h"
 
 namespace trvtrout::host {
 namespace {
@@ -37,29 +40,38 @@ ReportNames names_for(const ComparisonTask& task, const std::string& document) {
   return {document, task.output_dir, [](const Part& part) { return part.comparison->desc_name; }, true};
 }
 
-// Reads one of the two documents; one that is damaged, or was damaged where the read passed on, isn't compared.
-bool read_whole(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file, Boolean is_secondary) {
-  std::u16string structure_list;
-  const ExitStatus status = read(machine, utility, file, structure_list, is_secondary);
-  if (status == kRemarkable) {
-    const auto& damage = utility.LastDamage();
-    complain(file + ": " + (damage ? damage_text(*damage) + "; it" : "it") +
-             " can't be compared: see `vtrout info`, and `vtrout recover` for what can be saved");
-  }
-  return status == kFine;
+// What the file that was read last holds: an object keeps sections of an earlier file that the last one doesn't have.
+vtrfile::DocumentSlots document_of(const TarvelVtrOut_InOut& utility) {
+  vtrfile::DocumentSlots document = utility.CurrentSlots();
+  vtrfile::for_each_section([&](const auto& section) {
+    const auto& parts = utility.LastRead().parts;
+    if (std::ranges::find(parts, section.tag, &vtrfile::PartRead::name) == parts.end()) {
+      (document.*section.kSlot).clear();
+    }
+  });
+  return document;
 }
 
-// Which parts can be compared; nothing when the documents can't be read whole.
-std::optional<PartSelection> read_both(Machine& machine, TarvelVtrOut_InOut& utility, const ComparisonTask& task) {
+// Both documents as they were read.
+struct BothRead {
+  PartSelection parts;           // which can be compared
+  DifferenceCounts beside_them;  // what the comparisons say nothing of
+};
+
+// Nothing when the documents can't be read whole.
+std::optional<BothRead> read_both(Machine& machine, TarvelVtrOut_InOut& utility, const ComparisonTask& task) {
   OldFormat old_format;
+  std::vector<vtrfile::DocumentSlots> documents;
   for (const auto& [file, is_secondary] : {std::pair(task.primary, False), {task.secondary, True}}) {
     if (!read_whole(machine, utility, file, is_secondary)) return {};
     old_format.look_at(file, utility);
+    documents.push_back(document_of(utility));
   }
-  return old_format.select(task.parts, !task.workbook.empty());
+  return BothRead{old_format.select(task.parts, !task.workbook.empty()),
+                  differences_beside_comparisons(documents.front(), documents.back())};
 }
 
-void print_table(std::ostream& out, const std::vector<PartResult>& results) {
+void print_table(std::ostream& out, const std::vector<PartResult>& results, const DifferenceCounts& beside_them) {
   constexpr int kNameWidth = 10, kNumberWidth = 11;
   out << std::left << std::setw(kNameWidth) << "part" << std::right;
   for (const char* head : {"unchanged", "changed", "deleted", "added"}) out << std::setw(kNumberWidth) << head;
@@ -71,6 +83,11 @@ void print_table(std::ostream& out, const std::vector<PartResult>& results) {
       out << std::setw(kNumberWidth) << number;
     }
     out << (result.written ? "" : "  (incomplete)") << '\n';
+  }
+  if (beside_them.all() > 0) {
+    out << "and beside what these comparisons look at: " << beside_them.text() << " (`vtrout diff` tells them)\n";
+  } else {
+    out << "nothing differs beside what these comparisons look at\n";
   }
 }
 
@@ -91,8 +108,8 @@ Json to_json(const PartResult& result) {
            {{"primary", to_json(result.repeated_in_primary)}, {"secondary", to_json(result.repeated_in_secondary)}}}};
 }
 
-void print_json(const ComparisonTask& task, const std::vector<PartResult>& results,
-                const std::vector<std::string>& left_out, ExitStatus status) {
+void print_json(const ComparisonTask& task, const std::vector<PartResult>& results, const BothRead& both,
+                ExitStatus status) {
   Json parts = Json::object();
   for (const PartResult& result : results) parts[result.name] = to_json(result);
   const Json whole = {{"primary", task.primary},
@@ -100,7 +117,8 @@ void print_json(const ComparisonTask& task, const std::vector<PartResult>& resul
                       {"different", std::ranges::any_of(results, &PartResult::different)},
                       {"workbook", task.workbook.empty() || status == kTrouble ? Json() : Json(task.workbook)},
                       {"parts", parts},
-                      {"notCompared", left_out}};
+                      {"notCompared", both.parts.left_out},
+                      {"differencesBeside", both.beside_them.all()}};
   show_json("compare", whole);
 }
 
@@ -140,13 +158,13 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
   }
   TarvelVtrOut_InOut utility(machine.services()), primary_alone(machine.services());
   utility.SetReportFolder(platform::class_path(task.output_dir));
-  const auto parts = read_both(machine, utility, task);
-  if (!parts) return kTrouble;
-  if (parts->compared.empty()) {
-    if (task.json) print_json(task, {}, parts->left_out, kTrouble);
+  const auto both = read_both(machine, utility, task);
+  if (!both) return kTrouble;
+  if (both->parts.compared.empty()) {
+    if (task.json) print_json(task, {}, *both, kTrouble);
     return kTrouble;
   }
-  PartReports reports(machine, parts->compared, task.workbook);
+  PartReports reports(machine, both->parts.compared, task.workbook);
   if (colors_labels(task) && !read_whole(machine, primary_alone, task.primary, False)) return kTrouble;
   machine.speak_of(task.primary);  // whose name the reports bear
 
@@ -157,12 +175,13 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
         results.push_back(result_of(utility, part, output == Output::kFiles ? report : u"", whole, task.json));
       });
   if (!task.workbook.empty()) std::ranges::reverse(results);
-  if (status == kFine && std::ranges::any_of(results, &PartResult::different)) status = kRemarkable;
-  if (!parts->left_out.empty()) status = kTrouble;
+  const bool different = both->beside_them.all() > 0 || std::ranges::any_of(results, &PartResult::different);
+  if (status == kFine && different) status = kRemarkable;
+  if (!both->parts.left_out.empty()) status = kTrouble;
   if (task.json) {
-    print_json(task, results, parts->left_out, status);
+    print_json(task, results, *both, status);
   } else if (task.summary || !settings.quiet) {
-    print_table(task.summary ? std::cout : std::cerr, results);
+    print_table(task.summary ? std::cout : std::cerr, results, both->beside_them);
   }
   return status;
 }

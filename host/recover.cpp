@@ -5,53 +5,15 @@
 
 #include "host/commands.h"
 #include "host/json.h"
+#include "host/new_file.h"
 #include "host/read_back.h"
 #include "host/recovery_account.h"
 #include "platform/files/path.h"
 #include "platform/files/staged_files.h"
-#include "reports/naming.h"
 #include "text/utf8.h"
 
 namespace trvtrout::host {
 namespace {
-
-constexpr const char* kNothingWritten = "; nothing was written";
-
-// A file to write.
-struct Target {
-  std::u16string path;    // as the class knows it
-  bool replaces = false;  // a file that stands there; the user has agreed
-};
-
-bool stands(Files& files, const std::u16string& path) { return files.CreateFileSystemObject()->FileExists(path); }
-
-// Nothing when there is no file to write, of which the user has been told.
-std::optional<Target> target_for(const HostServices& services, const std::string& file, const std::string& given,
-                                 const std::u16string& desc_name) {
-  const std::u16string document = platform::class_path(file);
-  const auto is_document = [&](const std::u16string& path) {
-    if (!services.files.SameFile(path, document)) return false;
-    complain(platform::machine_path(path) + ": that's the damaged file itself, which is never overwritten; name " +
-             "another one" + kNothingWritten);
-    return true;
-  };
-  if (!given.empty() && is_document(platform::class_path(given))) return {};
-  const OutputName name = given.empty()
-                              ? GetOutputFileName(services, document, desc_name)
-                              : ConfirmOutputFileName(services, document, desc_name, platform::class_path(given));
-  if (name.path.empty()) {
-    complain(file + ": " +
-             (name.failure.empty() ? "its name has no full stop, so no name can be made from it" : name.failure) +
-             (given.empty() ? "; give one with --output" : "") + kNothingWritten);
-    return {};
-  }
-  if (name.abandoned) {
-    complain(platform::machine_path(name.path) + ": the existing file was left as it was" + kNothingWritten);
-    return {};
-  }
-  if (is_document(name.path)) return {};
-  return Target{name.path, name.asked && stands(services.files, name.path)};
-}
 
 bool same_place(Files& files, const std::u16string& path, const std::u16string& other) {
   const auto real = [](const std::u16string& name) {
@@ -179,10 +141,12 @@ struct Targets {
 
 // Nothing when one of them can't be written, of which the user has been told.
 std::optional<Targets> targets_of(const HostServices& services, const RecoveryTask& task) {
-  const auto output = target_for(services, task.file, task.output, u"Recovered");
+  constexpr const char* kSourceIs = "the damaged file";
+  const auto output =
+      target_for(services, {task.file, kSourceIs, task.output, u"Recovered", "; give one with --output"});
   if (!output) return {};
   if (task.log.empty()) return Targets{*output, {}};
-  const auto log = target_for(services, task.file, task.log, u"Log");
+  const auto log = target_for(services, {task.file, kSourceIs, task.log, u"Log"});
   if (!log) return {};
   if (!same_place(services.files, log->path, output->path)) return Targets{*output, log};
   complain(task.log + ": the log can't be the recovered file itself; name another file" + kNothingWritten);

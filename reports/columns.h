@@ -74,8 +74,9 @@ inline void append_filter(std::string& row, const vtrfile::FIELDS_ITEM_STRUCT& f
 
 // One of the sixteen texts of a language item.
 template <std::size_t Place>
-constexpr Column<vtrfile::LANGUAGE_ITEM_STRUCT> language(std::string_view head) {
-  return column<vtrfile::LANGUAGE_ITEM_STRUCT, [](const auto& item) { return item.Texts[Place]; }>(head);
+constexpr Column<vtrfile::LANGUAGE_ITEM_STRUCT> language() {
+  return column<vtrfile::LANGUAGE_ITEM_STRUCT, [](const auto& item) { return item.Texts[Place]; }>(
+      vtrfile::kLanguageNames[Place]);
 }
 
 // What a list says of itself, in the orders in which the reports show it.
@@ -215,22 +216,22 @@ inline constexpr auto kLanguageColumns = [] {
       column<I, &I::Code>("Code", Mark::kKey),
       column<I, &I::Category>("Category"),
       column<I, &I::GlobalAttribute>("GlobalAttribute"),
-      language<0>("English"),
-      language<1>("Japanese"),
-      language<2>("Spanish"),
-      language<3>("German"),
-      language<4>("French"),
-      language<5>("Italian"),
-      language<6>("Chinese S"),
-      language<7>("Chinese T"),
-      language<8>("Korean"),
-      language<9>("Indonesian"),
-      language<10>("Greek"),
-      language<11>("Portuguese"),
-      language<12>("Other 1"),
-      language<13>("Other 2"),
-      language<14>("Other 3"),
-      language<15>("Other 4"),
+      language<0>(),
+      language<1>(),
+      language<2>(),
+      language<3>(),
+      language<4>(),
+      language<5>(),
+      language<6>(),
+      language<7>(),
+      language<8>(),
+      language<9>(),
+      language<10>(),
+      language<11>(),
+      language<12>(),
+      language<13>(),
+      language<14>(),
+      language<15>(),
   };
 }();
 

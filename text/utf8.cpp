@@ -1,5 +1,6 @@
 #include "text/utf8.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 
@@ -80,6 +81,16 @@ std::u16string from_utf8(std::string_view bytes) {
     bytes.remove_prefix(length == 0 ? 1 : length);
   }
   return out;
+}
+
+std::string valid_utf8(std::string_view bytes) {
+  std::string valid;
+  while (!bytes.empty()) {
+    const std::size_t length = first_sequence(bytes).length;
+    valid += length == 0 ? "\uFFFD" : bytes.substr(0, length);
+    bytes.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+  return valid;
 }
 
 }  // namespace trvtrout::text

@@ -13,4 +13,7 @@ std::string to_utf8(std::u16string_view text);
 // every byte string back.
 std::u16string from_utf8(std::string_view bytes);
 
+// The same bytes with U+FFFD in place of each that isn't part of valid UTF-8.
+std::string valid_utf8(std::string_view bytes);
+
 }  // namespace trvtrout::text

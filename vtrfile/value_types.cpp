@@ -72,7 +72,10 @@ ValueType describe() {
   constexpr Kind kKind = kind_of<Type>();
   ValueType type{kKind, "", sizeof(Type), 0, nullptr, {}, &kEmpty<Type>, true};
   if constexpr (kKind == Kind::kRaw) type.count = Type::kLeastBytes;
-  if constexpr (kKind == Kind::kVariantRun) type.count = Type::kSlots;
+  if constexpr (kKind == Kind::kVariantRun) {
+    type.count = Type::kSlots;
+    type.element = &described<Var>();
+  }
   if constexpr (kKind == Kind::kRun) type.count = std::tuple_size_v<Type>;
   if constexpr (kKind == Kind::kRun || kKind == Kind::kArray) {
     type.element = element_of(kEmpty<Type>);
@@ -165,6 +168,75 @@ std::vector<Var> slots_of(Value run) {
   return slots;
 }
 
+namespace {
+
+template <class Number>
+void append_number(std::string& out, Number number) {
+  out.append(reinterpret_cast<const char*>(&number), sizeof number);
+}
+
+void append_array(std::string& out, Value value) {
+  const AnyArray& array = value.array();
+  append_number<std::uint16_t>(out, array.allocated() ? 1 : 0);
+  if (!array.allocated()) return;
+  append_number(out, static_cast<std::uint32_t>(array.size()));
+  append_number(out, static_cast<std::int32_t>(array.lower()));
+}
+
+void append_run(std::string& out, const unsigned char* at, std::size_t count) {
+  if (at) {
+    append_variants(out, at, count);
+  } else {
+    out.append(2 * count, '\0');
+  }
+}
+
+void append_bytes(std::string& out, std::span<const unsigned char> bytes) {
+  out.append(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+}
+
+}  // namespace
+
+void append_written(std::string& out, Value value) {
+  switch (value.kind()) {
+    case Kind::kInt16:
+    case Kind::kInt32:
+    case Kind::kFloat:
+      out.append(static_cast<const char*>(value.at()), value.type().size);
+      break;
+    case Kind::kFlag:
+      append_number(out, static_cast<std::int16_t>(value.flag() ? -1 : 0));
+      break;
+    case Kind::kText:
+      append_number(out, static_cast<std::uint16_t>(value.text().bytes().size()));
+      out.append(value.text().bytes());
+      break;
+    case Kind::kRaw:
+      append_bytes(out, value.bytes());
+      break;
+    case Kind::kVariant:
+      append_run(out, value.variant().at(), 1);
+      break;
+    case Kind::kVariantRun:
+      append_run(out, value.run(), value.type().count);
+      break;
+    case Kind::kBytes:
+      append_array(out, value);
+      append_bytes(out, value.bytes());
+      if (value.array().allocated()) out.append(value.array().block().count - value.bytes().size(), '\0');
+      break;
+    case Kind::kArray:
+      append_array(out, value);
+      [[fallthrough]];
+    case Kind::kRun:
+      for (std::uint32_t place = 0; place < value.elements(); ++place) append_written(out, value.element(place));
+      break;
+    case Kind::kRecord:
+      for (const MemberType& member : value.type().members) append_written(out, value.member(member));
+      break;
+  }
+}
+
 bool equal(Var a, Var b) { return equal_variants(a.at(), b.at(), 1); }
 
 bool equal(Value a, Value b) {
@@ -197,9 +269,8 @@ bool equal(Value a, Value b) {
       }
       return true;
     case Kind::kRecord:
-      return std::ranges::all_of(a.type().members, [&](const MemberType& member) {
-        return equal(a.member(member), b.member(member));
-      });
+      return std::ranges::all_of(a.type().members,
+                                 [&](const MemberType& member) { return equal(a.member(member), b.member(member)); });
   }
   return false;
 }

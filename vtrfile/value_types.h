@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -42,7 +43,7 @@ struct ValueType {
   const char* name;                 // of a record type; empty for others
   std::size_t size;                 // bytes in memory
   std::size_t count;                // bytes of a kRaw, slots of a kVariantRun, elements of a kRun
-  const ValueType* element;         // of a kRun or kArray
+  const ValueType* element;         // of a kRun, kArray or kVariantRun
   std::vector<MemberType> members;  // of a kRecord, in file order
   const void* empty;                // a value of the type, as one that was never filled
   // Whether equal bytes in files of any version stand for equal values: no member came with a later version.
@@ -57,11 +58,11 @@ class Value {
 
   const ValueType& type() const noexcept { return *type_; }
   Kind kind() const noexcept { return type_->kind; }
+  // Where it is in memory.
+  const void* at() const noexcept { return at_; }
 
   // kInt16, kInt32
-  std::int32_t integer() const noexcept {
-    return kind() == Kind::kInt16 ? as<std::int16_t>() : as<std::int32_t>();
-  }
+  std::int32_t integer() const noexcept { return kind() == Kind::kInt16 ? as<std::int16_t>() : as<std::int32_t>(); }
   float real() const noexcept { return as<float>(); }
   bool flag() const noexcept { return bool(as<Flag>()); }
   Text text() const noexcept { return as<Text>(); }
@@ -99,6 +100,9 @@ class Value {
 
 // The slots of a kVariantRun one by one.
 std::vector<Var> slots_of(Value run);
+
+// Appends the value as it's written to a file of the current format.
+void append_written(std::string& out, Value value);
 
 // Whether both, of one type, are written as the same bytes.
 bool equal(Value a, Value b);

@@ -115,21 +115,31 @@ VariantValue value_of(Var variant) noexcept {
   return {load<std::uint16_t>(variant.at()), variant.at() + kTagBytes};
 }
 
-VariantValue element_of(Var variant, std::int64_t index) {
-  const auto [tag, body] = value_of(variant);
-  if (tag < kVariantArray || load<std::uint16_t>(body) == 0) throw SubscriptOutOfRange();
-  const std::int64_t place = index - load<std::int32_t>(body + 6);
-  if (place < 0 || place >= load<std::uint32_t>(body + 2)) throw SubscriptOutOfRange();
+std::uint32_t element_count(const VariantValue& value) noexcept {
+  const bool has_elements = value.tag >= kVariantArray && load<std::uint16_t>(value.body) != 0;
+  return has_elements ? load<std::uint32_t>(value.body + 2) : 0;
+}
 
-  const auto element_tag = static_cast<std::uint16_t>(tag - kVariantArray);
-  const unsigned char* at = body + kDescriptorBytes;
-  if (const int width = plain_width(element_tag); width > 0) return {element_tag, at + place * width};
+VariantValue element_at(const VariantValue& value, std::size_t place) {
+  const auto element_tag = static_cast<std::uint16_t>(value.tag - kVariantArray);
+  const unsigned char* at = value.body + kDescriptorBytes;
+  if (const int width = plain_width(element_tag); width > 0) {
+    return {element_tag, at + place * static_cast<std::size_t>(width)};
+  }
   VariantWalk walk;
-  for (std::int64_t skipped = 0; skipped < place; ++skipped) {
+  for (std::size_t skipped = 0; skipped < place; ++skipped) {
     at = element_tag == kVariantVariant ? walk.skip(at) : at + 2 + load<std::uint16_t>(at);
   }
   if (element_tag == kVariantText) return {kVariantText, at};
   return {load<std::uint16_t>(at), at + kTagBytes};
+}
+
+VariantValue element_of(Var variant, std::int64_t index) {
+  const VariantValue value = value_of(variant);
+  if (element_count(value) == 0) throw SubscriptOutOfRange();
+  const std::int64_t place = index - load<std::int32_t>(value.body + 6);
+  if (place < 0 || place >= element_count(value)) throw SubscriptOutOfRange();
+  return element_at(value, static_cast<std::size_t>(place));
 }
 
 }  // namespace trvtrout::vtrfile

@@ -78,6 +78,11 @@ struct VariantValue {
 
 VariantValue value_of(Var variant) noexcept;
 
+// How many elements the array has that the value holds; 0 when it holds none.
+std::uint32_t element_count(const VariantValue& value) noexcept;
+// The one at this place, counted from 0 and below element_count().
+VariantValue element_at(const VariantValue& value, std::size_t place);
+
 // The element with this index (by the array's own lower bound) of a variant that holds an array. Raises
 // SubscriptOutOfRange when the variant holds none or the index lies outside it.
 VariantValue element_of(Var variant, std::int64_t index);

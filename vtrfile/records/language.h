@@ -1,10 +1,17 @@
 #pragma once
 
+#include <array>
+
 #include "vtrfile/elements.h"
 #include "vtrfile/fields.h"
 
 // Section "Language": each item is one text in all its languages.
 namespace trvtrout::vtrfile {
+
+// Of the texts of an item, in their order.
+inline constexpr std::array<const char*, 16> kLanguageNames = {
+    "English", "Japanese",   "Spanish", "German",     "French",  "Italian", "Chinese S", "Chinese T",
+    "Korean",  "Indonesian", "Greek",   "Portuguese", "Other 1", "Other 2", "Other 3",   "Other 4"};
 
 struct LANGUAGE_ITEM_STRUCT {
   Text Code, Text1;

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "exchange/database.h"
+#include "exchange/json_writer.h"
+#include "exchange/tables.h"
+#include "exchange/texts.h"
+
+namespace trvtrout::exchange {
+
+// The file that a document was read from.
+struct DocumentFile {
+  std::string path;  // by which the document is known in the database
+  std::string name;
+  std::uint64_t size;
+  std::string sha256;
+};
+
+// Puts documents into a database, all in one transaction: until commit() it's as it was, and stays so without one.
+class DatabaseExport {
+ public:
+  // A database that doesn't exist is created. Raises DatabaseError, for one that holds something else too.
+  explicit DatabaseExport(const std::string& path, Texts texts);
+  ~DatabaseExport();
+  DatabaseExport(const DatabaseExport&) = delete;
+  DatabaseExport& operator=(const DatabaseExport&) = delete;
+
+  // The document's rows take the place of those that are there for its path. Raises DatabaseError.
+  void put(const DocumentFile& file, const vtrfile::DocumentSlots& document);
+  // Raises DatabaseError.
+  void commit();
+
+ private:
+  class RowInserter;
+
+  void require_ours();
+  std::int64_t put_file(const DocumentFile& file, const vtrfile::DocumentSlots& document);
+  void delete_rows(std::int64_t document);
+  std::string text_of(std::string_view bytes);
+
+  Database database_;
+  Texts texts_;
+  std::map<const TableType*, std::unique_ptr<RowInserter>> inserters_;
+};
+
+}  // namespace trvtrout::exchange

@@ -1,0 +1,190 @@
+#include <algorithm>
+#include <filesystem>
+
+#include "exchange/database_export.h"
+#include "exchange/json_document.h"
+#include "exchange/lines.h"
+#include "host/commands.h"
+#include "host/exchanged_texts.h"
+#include "host/new_file.h"
+#include "platform/files/path.h"
+#include "platform/files/sha256.h"
+#include "platform/files/staged_files.h"
+#include "text/surrogates.h"
+
+namespace trvtrout::host {
+namespace {
+
+constexpr const char* kNothingExported = "; nothing was exported";
+
+// The documents that are exported, one after the other. Only a document that is there as a whole can be: what other
+// programs are given, they take for all of it.
+class Documents {
+ public:
+  explicit Documents(Machine& machine) : machine_(machine) {}
+
+  // Reads the file into a document of its own; null when it can't be exported, of which the user has been told.
+  std::unique_ptr<TarvelVtrOut_InOut> read_whole(const std::string& file);
+  // kRemarkable when something of a document was left behind.
+  ExitStatus status() const { return status_; }
+
+ private:
+  Machine& machine_;
+  ExitStatus status_ = kFine;
+};
+
+std::unique_ptr<TarvelVtrOut_InOut> Documents::read_whole(const std::string& file) {
+  auto utility = std::make_unique<TarvelVtrOut_InOut>(machine_.services());
+  std::u16string structure_list;
+  const ExitStatus read_status = read(machine_, *utility, file, structure_list);
+  if (read_status == kTrouble) return nullptr;
+  if (read_status == kRemarkable) {
+    const auto& damage = utility->LastDamage();
+    complain(file + ": " + (damage ? damage_text(*damage) : "damaged") + kNothingExported +
+             ": save what can be read of it with vtrout recover, and export that");
+    return nullptr;
+  }
+  for (const vtrfile::PartRead& part : utility->LastRead().parts) {
+    if (part.carried != vtrfile::Carried::kPart) continue;
+    complain(file + ": it's of the old format, and some of its product's values have no place in the current one");
+    status_ = kRemarkable;
+  }
+  return utility;
+}
+
+using Layout = exchange::JsonWriter::Layout;
+
+ExitStatus write_json(Machine& machine, const Settings& settings, const ExportTask& task,
+                      const exchange::JsonWriter::Sink& sink) {
+  Documents documents(machine);
+  const auto utility = documents.read_whole(task.files.front());
+  if (!utility) return kTrouble;
+  exchange::JsonWriter json(sink, task.pretty ? Layout::kPretty : Layout::kCompact);
+  exchange::Texts texts = texts_of(settings.code_page);
+  write_document(json, texts, utility->CurrentSlots());
+  json.flush();
+  return documents.status();
+}
+
+// A name's bytes need be no UTF-8.
+std::string as_utf8(const std::string& name) {
+  std::u16string units = text::from_utf8(name);
+  for (std::size_t at = 0; at < units.size(); ++at) {
+    if (text::is_pair_at(units, at)) {
+      ++at;
+    } else if ((units[at] & 0xF800) == 0xD800) {
+      units[at] = u'\uFFFD';
+    }
+  }
+  return text::to_utf8(units);
+}
+
+ExitStatus write_lines(Machine& machine, const Settings& settings, const ExportTask& task,
+                       const exchange::JsonWriter::Sink& sink) {
+  Documents documents(machine);
+  exchange::JsonWriter json(sink);
+  exchange::Texts texts = texts_of(settings.code_page);
+  for (const std::string& file : task.files) {
+    const auto utility = documents.read_whole(file);
+    if (!utility) return kTrouble;
+    exchange::write_lines(json, texts, as_utf8(file), utility->CurrentSlots());
+  }
+  json.flush();
+  return documents.status();
+}
+
+// Whether the output would be written over a document, of which the user has been told then.
+bool is_document(Files& files, const ExportTask& task) {
+  const std::u16string output = platform::class_path(task.output);
+  const bool is = std::ranges::any_of(
+      task.files, [&](const std::string& file) { return files.SameFile(output, platform::class_path(file)); });
+  if (is)
+    complain(task.output + ": that's a document, which is never overwritten; name another file" + kNothingExported);
+  return is;
+}
+
+// Where text goes: stdout, or a file that takes its place when it's whole.
+template <class Write>
+ExitStatus export_text(Machine& machine, const ExportTask& task, Write write) {
+  if (task.output.empty()) {
+    return write(
+        [](std::string_view bytes) { std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size())); });
+  }
+  const HostServices services = machine.services();
+  if (is_document(services.files, task)) return kTrouble;
+  const auto target = target_for(services, {task.files.front(), "the document", task.output, u"Export"});
+  if (!target) return kTrouble;
+  platform::StagedFiles staged(services.files, task.files.front());
+  const auto file = staged.OpenBinaryOutput(target->path);
+  const ExitStatus status = write([&](std::string_view bytes) { file->Write(bytes); });
+  if (status == kTrouble) return status;
+  file->Close();
+  staged.commit(target->replaces);
+  std::cout << platform::machine_path(target->path) << std::endl;
+  return status;
+}
+
+// The file as the database knows it, by whatever name it was given.
+exchange::DocumentFile file_in_database(Files& files, const std::string& file) {
+  const std::filesystem::path path = std::filesystem::weakly_canonical(std::filesystem::absolute(file));
+  const auto bytes = files.OpenBinary(platform::class_path(file));
+  const auto digest = platform::sha256([&](std::span<unsigned char> into) { return bytes->Read(into); });
+  return {as_utf8(path), as_utf8(path.filename()), bytes->Size(), platform::hex(digest)};
+}
+
+// A database that wasn't there isn't left behind empty.
+class NewDatabase {
+ public:
+  explicit NewDatabase(std::string path) : path_(std::move(path)), was_there_(platform::name_is_taken(path_)) {}
+  ~NewDatabase() {
+    std::error_code none;
+    if (!was_there_ && std::filesystem::file_size(path_, none) == 0 && !none) std::filesystem::remove(path_, none);
+  }
+  NewDatabase(const NewDatabase&) = delete;
+  NewDatabase& operator=(const NewDatabase&) = delete;
+
+ private:
+  std::string path_;
+  bool was_there_;
+};
+
+ExitStatus export_to_database(Machine& machine, const Settings& settings, const ExportTask& task) {
+  Files& files = machine.services().files;
+  if (is_document(files, task)) return kTrouble;
+  const NewDatabase database(task.output);
+  exchange::DatabaseExport target(task.output, texts_of(settings.code_page));
+  Documents documents(machine);
+  for (const std::string& file : task.files) {
+    const auto utility = documents.read_whole(file);
+    if (!utility) return kTrouble;
+    Progress progress;
+    progress.show("Exporting " + file);
+    target.put(file_in_database(files, file), utility->CurrentSlots());
+  }
+  target.commit();
+  std::cout << task.output << std::endl;
+  return documents.status();
+}
+
+}  // namespace
+
+ExitStatus export_documents(const Settings& settings, const ExportTask& task) {
+  if (task.form == ExportForm::kJson && task.files.size() > 1) {
+    complain("--json takes one file; --ndjson and --sqlite take several");
+    return kTrouble;
+  }
+  Machine machine(settings);
+  try {
+    if (task.form == ExportForm::kDatabase) return export_to_database(machine, settings, task);
+    return export_text(machine, task, [&](const exchange::JsonWriter::Sink& sink) {
+      return (task.form == ExportForm::kJson ? write_json : write_lines)(machine, settings, task, sink);
+    });
+  } catch (const ServiceError& error) {
+    complain(std::string(error.what()) + kNothingExported);
+  } catch (const exchange::DatabaseError& error) {
+    complain(std::string(error.what()) + "; the database is as it was");
+  }
+  return kTrouble;
+}
+
+}  // namespace trvtrout::host
