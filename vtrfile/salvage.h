@@ -58,9 +58,11 @@ struct Salvaged {
   std::string version;         // of the format
   bool version_guessed = false;  // the header doesn't tell it, but the sections fit
   bool header_whole = true;
+  std::uint64_t header_end = 0;  // where it ends, or what could be kept of it
   bool end_found = false;  // the tag at the end
   std::vector<SalvagedSection> sections;
   std::vector<FileRange> unexplained;  // what is neither in the image nor behind the end of the document
+  std::vector<FileRange> unreadable;   // what the medium didn't give
   std::uint64_t bytes = 0;             // of the file
   std::uint64_t behind_end = 0;        // of them behind the end tag
 };

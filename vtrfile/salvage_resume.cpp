@@ -321,6 +321,7 @@ void SalvageRun::close_struck(Place behind) {
     return;
   }
   const bool section = !in_header_;
+  if (in_header_) result_.header_end = offset(at_);
   if (section) set_numbers(top);
   open_.clear();
   if (section) end_section(false);

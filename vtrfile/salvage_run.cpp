@@ -35,7 +35,9 @@ SalvageRun::SalvageRun(const Image& image, std::span<const FileRange> unreadable
       walk_(begin_, end_, unreadable_),
       allowed_work_(kWork + kWorkPerByte * image.size()),
       at_(begin_),
-      limit_(end_) {}
+      limit_(end_) {
+  result_.unreadable.assign(unreadable.begin(), unreadable.end());
+}
 
 std::optional<Salvaged> SalvageRun::run() {
   choose_version();
@@ -90,6 +92,7 @@ void SalvageRun::read_header() {
   if (result_.header_whole) {
     take_steps(open_.back(), header.size());
     open_.clear();
+    result_.header_end = offset(at_);
   } else if (!resume()) {
     open_.clear();
     at_ = end_;
