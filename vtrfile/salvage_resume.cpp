@@ -228,8 +228,8 @@ void SalvageRun::go_on(const Resumption& resumption) {
   const bool new_section = resumption.section != TagPlace::kEnd;
   if (new_section || resumption.where == Where::kTag) {
     if (!open_.empty()) {
-      while (open_.size() > 1) close_struck(nullptr);
-      close_struck(resumption.at);
+      while (open_.size() > 1) close_struck(resumption.at, false);
+      close_struck(resumption.at, true);
     }
     at_ = resumption.at;
     if (new_section) {
@@ -242,7 +242,7 @@ void SalvageRun::go_on(const Resumption& resumption) {
   const std::size_t staying = resumption.level + (resumption.new_item ? 0 : 1);
   while (open_.size() > staying) {
     const bool last = open_.size() == staying + 1;
-    close_struck(last && resumption.where == Where::kItem ? resumption.at : nullptr);
+    close_struck(resumption.at, last && resumption.where == Where::kItem);
   }
   if (resumption.new_item) {
     Open& list = open_.back();
@@ -265,7 +265,7 @@ void SalvageRun::go_on(const Resumption& resumption) {
       const bool reopened = !record.in_list && !record.lists.empty() && record.lists.back().step == resumption.step;
       if (!same_list && !reopened) {
         leave_list(record);
-        skip_to(record, resumption.step, nullptr);
+        skip_to(record, resumption.step, resumption.at, false);
         new_.add_number(std::uint16_t{1});
         record.lists.push_back({resumption.step, new_.size(), 0});
         new_.add_number(std::uint32_t{0});
@@ -281,7 +281,7 @@ void SalvageRun::go_on(const Resumption& resumption) {
     }
     case Where::kList:
       leave_list(record);
-      skip_to(record, resumption.step, resumption.at);
+      skip_to(record, resumption.step, resumption.at, true);
       at_ = resumption.at;
       open_list(record, walk_.descriptor(at_, limit_, step.item->least_bytes));
       return;
@@ -290,7 +290,7 @@ void SalvageRun::go_on(const Resumption& resumption) {
       if (!record.lists.empty() && record.lists.back().step == resumption.step) {
         record.lists.back().struck = true;
       } else {
-        skip_to(record, resumption.step + 1, nullptr);
+        skip_to(record, resumption.step + 1, resumption.at, false);
       }
       record.step = resumption.step + 1;
       break;
@@ -304,11 +304,11 @@ void SalvageRun::leave_list(Open& record) {
   ++record.step;
 }
 
-void SalvageRun::close_struck(Place behind) {
+void SalvageRun::close_struck(Place behind, bool ends_there) {
   Open& top = open_.back();
   if (top.in_list) top.lists.back().struck = true;
   leave_list(top);
-  skip_to(top, top.layout->size(), behind);
+  skip_to(top, top.layout->size(), behind, ends_there);
   if (open_.size() > 1) {
     const bool kept = top.has_key || std::ranges::any_of(top.lists, [](const OpenList& list) { return list.kept > 0; });
     open_[open_.size() - 2].lists.back().struck = true;
@@ -327,9 +327,9 @@ void SalvageRun::close_struck(Place behind) {
   if (section) end_section(false);
 }
 
-void SalvageRun::skip_to(Open& record, std::uint32_t step, Place at) {
-  take_sound_steps(record, step, at ? at : limit_);
-  if (at && take_exact_steps(record, step, at)) return;
+void SalvageRun::skip_to(Open& record, std::uint32_t step, Place at, bool goes_on_there) {
+  take_sound_steps(record, step, at);
+  if (goes_on_there && take_exact_steps(record, step, at)) return;
   leave_empty(record, step);
 }
 

@@ -93,11 +93,12 @@ class SalvageRun {
   bool worn_out() const { return walk_.work() > allowed_work_; }
 
   void go_on(const Resumption& resumption);
-  // Ends the innermost open record, which breaks off. `behind`: where it must have ended; null when that isn't known.
-  void close_struck(Place behind);
+  // Ends the innermost open record, which breaks off in front of `behind`, or `ends_there` if it must.
+  void close_struck(Place behind, bool ends_there);
   static void leave_list(Open& record);
   void leave_empty(Open& record, std::uint32_t step);
-  void skip_to(Open& record, std::uint32_t step, Place at);
+  // Comes to a step of the record, with what can be kept of those in front, which end in front of `at`.
+  void skip_to(Open& record, std::uint32_t step, Place at, bool goes_on_there);
   void take_sound_steps(Open& record, std::uint32_t behind, Place at);
   bool take_exact_steps(Open& record, std::uint32_t behind, Place at);
   void note_loss(const Resumption& resumption);
