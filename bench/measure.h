@@ -160,6 +160,7 @@ Print add_matching(const std::filesystem::path& folder);
 Print add_comparing(const std::filesystem::path& folder);
 Print add_differences(const std::filesystem::path& folder);
 Print add_workbooks(const std::filesystem::path& folder);
+Print add_salvaging(const std::filesystem::path& folder);
 Print add_startup();
 
 }  // namespace trvtrout::bench

@@ -15,6 +15,8 @@ constexpr std::ptrdiff_t kLongestTag = 64;
 constexpr std::ptrdiff_t kLongestFront = 2048;
 // So often it may go on at the place at which it broke off: behind a list, in one around it.
 constexpr int kMostStalls = 4;
+// So many bytes an item may be read off.
+constexpr std::ptrdiff_t kMostOff = 32;
 // What stands behind the name of a tag as it's written.
 constexpr unsigned char kPlainTagEnd[] = {1, 0, 0, 0, 0, 0};
 
@@ -65,11 +67,51 @@ std::optional<SalvageRun::Resumption> SalvageRun::find() {
     try_place(at, best);
     if (!best) continue;
     const bool better = !possible || best->evidence.better_than(possible->evidence);
-    if (better && best->evidence.enough()) return best;
+    if (better && best->evidence.enough()) return most_alike(*best, tag);
     if (!possible) possible = best;
   }
   if (possible || tag == end_) return possible;
   return Resumption{tag, Where::kTag};
+}
+
+// An item may be read a few bytes off, where zeros stand around it. Of such places the one is taken at which it's most
+// like the item in front of the damage.
+SalvageRun::Resumption SalvageRun::most_alike(Resumption found, Place tag) {
+  std::uint32_t strange = strangeness(found);
+  const Place last = found.at + std::min(tag - found.at, kMostOff);
+  const Resumption first = found;
+  for (Place at = first.at + 1; strange > 0 && at < last; ++at) {
+    std::optional<Resumption> other;
+    try_place(at, other);
+    if (!other || !other->evidence.enough() || other->where != first.where || other->level != first.level ||
+        other->step != first.step || other->new_item != first.new_item || other->section != first.section) {
+      continue;
+    }
+    const std::uint32_t less = strangeness(*other);
+    if (less >= strange) continue;
+    strange = less;
+    found = *other;
+  }
+  return found;
+}
+
+// In how many texts it differs from the item in front of the damage whether there is one.
+std::uint32_t SalvageRun::strangeness(const Resumption& found) {
+  if (found.where != Where::kItem || found.new_item || found.section != TagPlace::kEnd) return 0;
+  const Open& record = open_[found.level];
+  if (!record.in_list || !record.lists.back().last) return 0;
+  const Layout& item = *record.layout->steps[record.step].item;
+  Place one = record.lists.back().last, other = found.at;
+  std::uint32_t differences = 0;
+  for (std::uint32_t step = 0; step < item.size(); ++step) {
+    Findings in_one, in_other;
+    one = walk_.steps(item, step, step + 1, one, limit_, in_one);
+    other = walk_.steps(item, step, step + 1, other, limit_, in_other);
+    if (!one || !other) break;
+    const bool is_text = item.steps[step].form == Form::kText;
+    if (is_text && (in_one.texts > 0) != (in_other.texts > 0)) ++differences;
+  }
+  return differences;
 }
 
 void SalvageRun::try_place(Place at, std::optional<Resumption>& best) {
@@ -224,8 +266,8 @@ void SalvageRun::try_sections(Place at, std::optional<Resumption>& best) {
 
 void SalvageRun::go_on(const Resumption& resumption) {
   stalls_ = resumption.at == at_ ? stalls_ + 1 : 0;
-  if (!in_header_ && !open_.empty()) note_loss(resumption);
   const bool new_section = resumption.section != TagPlace::kEnd;
+  if (!in_header_ && !open_.empty()) note_loss(resumption, !new_section && !resumption.new_item);
   if (new_section || resumption.where == Where::kTag) {
     if (!open_.empty()) {
       while (open_.size() > 1) close_struck(resumption.at, false);
@@ -237,7 +279,7 @@ void SalvageRun::go_on(const Resumption& resumption) {
       limit_ = sight_->next_tag(at_);
     }
     if (resumption.where == Where::kTag || resumption.where == Where::kRecord) return;
-    note_loss(resumption);
+    note_loss(resumption, true);
   }
   const std::size_t staying = resumption.level + (resumption.new_item ? 0 : 1);
   while (open_.size() > staying) {
@@ -373,7 +415,7 @@ bool SalvageRun::take_exact_steps(Open& record, std::uint32_t behind, Place at) 
   return false;
 }
 
-void SalvageRun::note_loss(const Resumption& resumption) {
+void SalvageRun::note_loss(const Resumption& resumption, bool opened) {
   SalvageLoss loss{.list = open_.back().path, .bytes = {offset(at_), offset(resumption.at)}};
   for (const Open& record : open_) {
     if (record.lists.empty()) continue;
@@ -382,7 +424,7 @@ void SalvageRun::note_loss(const Resumption& resumption) {
     loss.list = record.path + '/' + step.path;
     loss.before = list.last ? label_at(*step.item, list.last) : "";
   }
-  if (resumption.where == Where::kItem && !resumption.new_item && (resumption.section == TagPlace::kEnd || at_ == resumption.at)) {
+  if (resumption.where == Where::kItem && opened) {
     loss.behind = label_at(*open_[resumption.level].layout->steps[resumption.step].item, resumption.at);
   }
   result_.sections.back().losses.push_back(std::move(loss));

@@ -83,6 +83,8 @@ class SalvageRun {
   bool resume();
   void give_back_unused();
   std::optional<Resumption> find();
+  Resumption most_alike(Resumption found, Place tag);
+  std::uint32_t strangeness(const Resumption& found);
   void try_place(Place at, std::optional<Resumption>& best);
   void try_record(const Open& record, const Resumption& like, bool fails_here, std::optional<Resumption>& best);
   void try_sections(Place at, std::optional<Resumption>& best);
@@ -101,7 +103,8 @@ class SalvageRun {
   void skip_to(Open& record, std::uint32_t step, Place at, bool goes_on_there);
   void take_sound_steps(Open& record, std::uint32_t behind, Place at);
   bool take_exact_steps(Open& record, std::uint32_t behind, Place at);
-  void note_loss(const Resumption& resumption);
+  // `opened`: the list in which it goes on is open.
+  void note_loss(const Resumption& resumption, bool opened);
   std::string label_at(const Layout& layout, Place at);
 
   void end_section(bool whole);
