@@ -83,9 +83,11 @@ void print(std::ostream& out, const SalvagedSection& section, Locale& locale) {
   if (section.whole && section.losses.empty() && !section.behind_damage && section.chosen && !section.tag_struck) return;
   out << section.tag << ": " << outcome(section) << '\n';
   for (const vtrfile::SalvagedList& list : section.lists) {
-    out << "  " << list.path << ": " << list.kept << " of " << list.announced << " items\n";
+    out << "  " << list.path << ": " << list.kept << " of "
+        << (list.announced ? std::to_string(*list.announced) : "?") << " items\n";
   }
   for (const SalvageLoss& loss : section.losses) {
+    if (loss.bytes.size() == 0) continue;
     out << "  missing in " << loss.list << ": " << range_text(loss.bytes);
     if (!loss.before.empty() || !loss.behind.empty()) {
       out << ", between " << shown(loss.before, locale) << " and " << shown(loss.behind, locale);
@@ -104,7 +106,7 @@ Json section_json(const SalvagedSection& section, Locale& locale) {
   const auto text = [&](const std::string& key) { return text::to_utf8(locale.Decode(key)); };
   Json lists = Json::array(), missing = Json::array();
   for (const vtrfile::SalvagedList& list : section.lists) {
-    lists.push_back({{"path", list.path}, {"kept", list.kept}, {"announced", list.announced}});
+    lists.push_back({{"path", list.path}, {"kept", list.kept}, {"announced", list.announced ? Json(*list.announced) : Json()}});
   }
   for (const SalvageLoss& loss : section.losses) {
     missing.push_back({{"path", loss.list},
@@ -166,8 +168,8 @@ void enter_losses(RecoveryAccount& account, const Salvaged& salvaged) {
     for (const vtrfile::SalvagedList& lost : section.lists) {
       const std::string_view key = key_of(section.tag, lost.path);
       for (KeptList& list : part->lists) {
-        if (key != list.key || lost.announced <= lost.kept) continue;
-        list.announced = list.announced.value_or(0) + (lost.announced - lost.kept);
+        if (key != list.key || !lost.announced || *lost.announced <= lost.kept) continue;
+        list.announced = list.announced.value_or(0) + (*lost.announced - lost.kept);
       }
     }
   }

@@ -45,7 +45,7 @@ LayoutWalk::Place LayoutWalk::steps(const Layout& layout, std::uint32_t step, st
         at = text(at, limit, next.role == Layout::Role::kKey, found);
         break;
       case Layout::Form::kVariants:
-        at = variants(at, next.size, limit);
+        at = variants(at, next.size, limit, found);
         break;
       case Layout::Form::kBytes: {
         const Descriptor bytes = descriptor(at, limit, 1);
@@ -88,7 +88,7 @@ LayoutWalk::Place LayoutWalk::text(Place at, Place limit, bool key, Findings& fo
   return behind;
 }
 
-LayoutWalk::Place LayoutWalk::variants(Place at, std::uint32_t slots, Place limit) {
+LayoutWalk::Place LayoutWalk::variants(Place at, std::uint32_t slots, Place limit, Findings& found) {
   for (; slots > 0; --slots) {
     if (left(at, limit) < 2) return nullptr;
     const auto tag = load<std::uint16_t>(at);
@@ -97,6 +97,7 @@ LayoutWalk::Place LayoutWalk::variants(Place at, std::uint32_t slots, Place limi
       continue;
     }
     ++work_;
+    ++found.variants;
     if (!is_variant_tag(tag)) return nullptr;
     VariantWalk walk(begin_, limit, 0);
     try {

@@ -27,6 +27,7 @@ class LayoutWalk {
     Place odd = nullptr;
     Place broken = nullptr;      // the value at which the walk broke off
     std::uint32_t texts = 0;     // texts that aren't empty
+    std::uint32_t variants = 0;  // variants that aren't
     bool has_key = false;        // a key on the way isn't empty
     bool sound() const noexcept { return !odd && !broken; }
     // An unused slot holds no text.
@@ -55,7 +56,7 @@ class LayoutWalk {
 
  private:
   Place text(Place at, Place limit, bool key, Findings& found);
-  Place variants(Place at, std::uint32_t slots, Place limit);
+  Place variants(Place at, std::uint32_t slots, Place limit, Findings& found);
   Place list(const Layout::Step& step, Place at, Place limit, Findings& found);
   void look_for_unreadable(Place at, Place behind, Findings& found) const;
 

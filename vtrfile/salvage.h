@@ -30,7 +30,8 @@ struct SalvageLoss {
 // A list that isn't as long any more as the file says.
 struct SalvagedList {
   std::string path;
-  std::uint32_t announced = 0, kept = 0;
+  std::optional<std::uint32_t> announced;  // no value when the number is struck
+  std::uint32_t kept = 0;
 };
 
 // A section that was found.

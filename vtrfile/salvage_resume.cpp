@@ -95,23 +95,23 @@ SalvageRun::Resumption SalvageRun::most_alike(Resumption found, Place tag) {
   return found;
 }
 
-// In how many texts it differs from the item in front of the damage whether there is one.
+// How many of its texts are empty where those of the item in front of the damage aren't, or the other way round, and
+// how many of its variants aren't empty: nearly all are.
 std::uint32_t SalvageRun::strangeness(const Resumption& found) {
   if (found.where != Where::kItem || found.new_item || found.section != TagPlace::kEnd) return 0;
   const Open& record = open_[found.level];
-  if (!record.in_list || !record.lists.back().last) return 0;
+  if (!record.in_list) return 0;
   const Layout& item = *record.layout->steps[record.step].item;
   Place one = record.lists.back().last, other = found.at;
-  std::uint32_t differences = 0;
-  for (std::uint32_t step = 0; step < item.size(); ++step) {
+  std::uint32_t strange = 0;
+  for (std::uint32_t step = 0; other && step < item.size(); ++step) {
     Findings in_one, in_other;
-    one = walk_.steps(item, step, step + 1, one, limit_, in_one);
     other = walk_.steps(item, step, step + 1, other, limit_, in_other);
-    if (!one || !other) break;
-    const bool is_text = item.steps[step].form == Form::kText;
-    if (is_text && (in_one.texts > 0) != (in_other.texts > 0)) ++differences;
+    if (one) one = walk_.steps(item, step, step + 1, one, limit_, in_one);
+    strange += in_other.variants;
+    if (one && (in_one.texts > 0) != (in_other.texts > 0)) ++strange;
   }
-  return differences;
+  return strange;
 }
 
 void SalvageRun::try_place(Place at, std::optional<Resumption>& best) {
@@ -216,7 +216,7 @@ void SalvageRun::try_record(const Open& record, const Resumption& like, bool fai
       if (items == 1 && left != 1) return;
       if (items == left + 1 && !record.lists.back().struck) return;
       const OpenList& list = record.lists.back();
-      found_here->evidence.over = items != Evidence::kNoEnd && list.kept + std::uint64_t{items} + 1 > list.announced;
+      found_here->evidence.over = items != Evidence::kNoEnd && list.announced && list.kept + std::uint64_t{items} + 1 > *list.announced;
     } else if (!record.lists.empty() && record.lists.back().step == step) {
       found_here->evidence.over = true;
     } else if (!found_here->evidence.exact) {
@@ -309,7 +309,7 @@ void SalvageRun::go_on(const Resumption& resumption) {
         leave_list(record);
         skip_to(record, resumption.step, resumption.at, false);
         new_.add_number(std::uint16_t{1});
-        record.lists.push_back({resumption.step, new_.size(), 0});
+        record.lists.push_back({resumption.step, new_.size(), {}});
         new_.add_number(std::uint32_t{0});
         new_.add_number(std::int32_t{1});
       }

@@ -236,7 +236,7 @@ bool SalvageRun::advance_list(Open& top) {
     top.left = left;
     return false;
   }
-  const std::string number = std::to_string(top.lists.back().announced - left + 1);
+  const std::string number = std::to_string(top.lists.back().announced.value_or(left) - left + 1);
   Open item{list.item, at_, new_.size(), top.path + '/' + list.path + '[' + number + ']'};
   open_.push_back(std::move(item));
   return true;

@@ -29,7 +29,7 @@ class SalvageRun {
   struct OpenList {
     std::uint32_t step;
     std::size_t count_at;        // where the new file has the number of its items
-    std::uint32_t announced;
+    std::optional<std::uint32_t> announced;  // no value when its descriptor is struck
     std::uint32_t kept = 0, used = 0;
     bool struck = false;         // items are missing
     std::size_t unused_at = 0;   // where the unused slots at its end begin in the new file,
