@@ -151,7 +151,9 @@ const vtrfile::DocumentSlots& TarvelVtrOut_InOut::CurrentSlots() const noexcept 
 const std::optional<vtrfile::ReadError>& TarvelVtrOut_InOut::LastDamage() const noexcept { return store_->damage; }
 const std::string& TarvelVtrOut_InOut::LastFailure() const noexcept { return store_->last_failure; }
 const vtrfile::FileRead& TarvelVtrOut_InOut::LastRead() const noexcept { return store_->last_read; }
-const std::optional<vtrfile::Salvaged>& TarvelVtrOut_InOut::LastSalvage() const noexcept { return store_->last_salvage; }
+const std::optional<vtrfile::Salvaged>& TarvelVtrOut_InOut::LastSalvage() const noexcept {
+  return store_->last_salvage;
+}
 void TarvelVtrOut_InOut::SetReportFolder(std::u16string folder) { store_->report_folder = std::move(folder); }
 const ComparisonCounts& TarvelVtrOut_InOut::LastCounts() const noexcept { return store_->counts; }
 

@@ -99,14 +99,14 @@ void print_json(const TarvelVtrOut_InOut& utility, Locale& locale, const std::st
   Json lists = Json::object();
   for (const DocumentList& list : vtrfile::document_lists()) lists[list.key] = to_json(list, list.recount(document));
   Json whole = {{"file", file},
-                      {"result", !damage && !utility.LastSalvage()},
-                      {"structureList", damage ? Json(text::to_utf8(structure_list)) : Json()},
-                      {"damage", damage ? damage_json(*damage) : Json()},
-                      {"listsHoldTogether", broken_lists(document).empty()},
-                      {"gaps", gaps_json(utility.LastRead().gaps)},
-                      {"header", to_json(header_texts(*document.Header), locale)},
-                      {"product", to_json(product_texts(document.Schema->Product), locale)},
-                      {"lists", lists}};
+                {"result", !damage && !utility.LastSalvage()},
+                {"structureList", damage ? Json(text::to_utf8(structure_list)) : Json()},
+                {"damage", damage ? damage_json(*damage) : Json()},
+                {"listsHoldTogether", broken_lists(document).empty()},
+                {"gaps", gaps_json(utility.LastRead().gaps)},
+                {"header", to_json(header_texts(*document.Header), locale)},
+                {"product", to_json(product_texts(document.Schema->Product), locale)},
+                {"lists", lists}};
   if (const auto& salvaged = utility.LastSalvage()) whole["salvage"] = salvage_json(*salvaged, locale);
   show_json("info", whole);
 }

@@ -21,8 +21,9 @@ bool salvage(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& f
 ExitStatus read_saving(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file, bool wants_salvage,
                        std::u16string& structure_list, Boolean is_secondary) {
   if (!wants_salvage) return read(machine, utility, file, structure_list, is_secondary);
-  const bool has_header = guarded([&] { return begins_as_document(machine.services().files, platform::class_path(file)); },
-                                  [](const Failure&) { return true; });
+  const bool has_header =
+      guarded([&] { return begins_as_document(machine.services().files, platform::class_path(file)); },
+              [](const Failure&) { return true; });
   ExitStatus status = kTrouble;
   if (has_header) {
     status = read(machine, utility, file, structure_list, is_secondary);

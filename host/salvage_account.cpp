@@ -80,11 +80,12 @@ std::string outcome(const SalvagedSection& section) {
 }
 
 void print(std::ostream& out, const SalvagedSection& section, Locale& locale) {
-  if (section.whole && section.losses.empty() && !section.behind_damage && section.chosen && !section.tag_struck) return;
+  if (section.whole && section.losses.empty() && !section.behind_damage && section.chosen && !section.tag_struck)
+    return;
   out << section.tag << ": " << outcome(section) << '\n';
   for (const vtrfile::SalvagedList& list : section.lists) {
-    out << "  " << list.path << ": " << list.kept << " of "
-        << (list.announced ? std::to_string(*list.announced) : "?") << " items\n";
+    out << "  " << list.path << ": " << list.kept << " of " << (list.announced ? std::to_string(*list.announced) : "?")
+        << " items\n";
   }
   for (const SalvageLoss& loss : section.losses) {
     if (loss.bytes.size() == 0) continue;
@@ -106,7 +107,8 @@ Json section_json(const SalvagedSection& section, Locale& locale) {
   const auto text = [&](const std::string& key) { return text::to_utf8(locale.Decode(key)); };
   Json lists = Json::array(), missing = Json::array();
   for (const vtrfile::SalvagedList& list : section.lists) {
-    lists.push_back({{"path", list.path}, {"kept", list.kept}, {"announced", list.announced ? Json(*list.announced) : Json()}});
+    lists.push_back(
+        {{"path", list.path}, {"kept", list.kept}, {"announced", list.announced ? Json(*list.announced) : Json()}});
   }
   for (const SalvageLoss& loss : section.losses) {
     missing.push_back({{"path", loss.list},
@@ -140,8 +142,11 @@ std::vector<std::string> write_unexplained(const std::string& file, const std::s
     platform::FileHandle piece(paths.back(), "write", platform::Access::kWrite, platform::Creation::kOnlyNew);
     for (std::uint64_t at = range.begin; at < range.end; at += block.size()) {
       block.assign(static_cast<std::size_t>(std::min<std::uint64_t>(kBlock, range.end - at)), '\0');
-      guarded([&] { return source.seek(at), source.read({reinterpret_cast<unsigned char*>(block.data()), block.size()}); },
-              [](const Failure&) { return std::size_t{0}; });
+      guarded(
+          [&] {
+            return source.seek(at), source.read({reinterpret_cast<unsigned char*>(block.data()), block.size()});
+          },
+          [](const Failure&) { return std::size_t{0}; });
       if (const int error = piece.write(block); error != 0) piece.raise(error);
     }
     if (const int error = piece.close(); error != 0) piece.raise(error);

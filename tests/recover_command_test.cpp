@@ -120,8 +120,8 @@ TEST_F(RecoverCommand, SavesWhatStandsBehindTheDamage) {
   EXPECT_EQ(account["parts"]["Hidden"]["outcome"], "whole");
   EXPECT_EQ(account["parts"]["Module"]["outcome"], "whole");
   const auto& nodes = account["parts"]["TreeHierarchy"]["lists"]["tree"];
-  EXPECT_EQ(nodes["announced"], 10);
-  EXPECT_LT(nodes["kept"], 10);
+  EXPECT_EQ(nodes["announced"], 7);
+  EXPECT_LT(nodes["kept"], 7);
   EXPECT_GT(nodes["kept"], 2);
   std::uint64_t unexplained = 0;
   for (const auto& range : account["salvage"]["unexplained"]) {

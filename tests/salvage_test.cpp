@@ -23,7 +23,8 @@ std::optional<Salvaged> salvaged(std::string_view bytes, const std::vector<FileR
 
 // A document with what the counting needs to know of it.
 struct Original {
-  explicit Original(std::string whole) : bytes(std::move(whole)), items(*items_of(bytes)), places(section_places(bytes)) {}
+  explicit Original(std::string whole)
+      : bytes(std::move(whole)), items(*items_of(bytes)), places(section_places(bytes)) {}
 
   std::string bytes;
   Items items;

@@ -24,7 +24,8 @@ Struck strike_at(std::string& bytes, Strike how, std::size_t at, std::mt19937& r
       std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), size, '\0');
       return {at, at + size, at, at + size};
     case Strike::kNoise:
-      std::generate_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), size, [&] { return static_cast<char>(below(256)); });
+      std::generate_n(bytes.begin() + static_cast<std::ptrdiff_t>(at), size,
+                      [&] { return static_cast<char>(below(256)); });
       return {at, at + size, at, at + size};
     case Strike::kLost:
       bytes.erase(at, size);

@@ -49,7 +49,8 @@ void for_each_item(Value value, const std::string& path, const Visit& visit) {
 
 template <class Visit>
 void for_each_item(const DocumentSlots& document, const Visit& visit) {
-  for (const SectionValue& section : sections_of(document)) for_each_item(section.record, std::string(section.tag), visit);
+  for (const SectionValue& section : sections_of(document))
+    for_each_item(section.record, std::string(section.tag), visit);
 }
 
 }  // namespace
@@ -93,7 +94,8 @@ std::vector<std::string> invented(const Salvaged& salvaged, const Items& whole, 
     const auto touches = [&](const Struck& s) { return from.begin <= s.struck_end && s.struck_begin <= from.end; };
     if (std::ranges::any_of(struck, touches)) return;
     const std::size_t first = whole_place(from.begin), last = whole_place(from.end - 1) + 1;
-    for (auto known = whole.lower_bound(path + '\n'); known != whole.end() && known->first.starts_with(path + '\n'); ++known) {
+    for (auto known = whole.lower_bound(path + '\n'); known != whole.end() && known->first.starts_with(path + '\n');
+         ++known) {
       for (const Place& place : known->second) {
         const auto strikes = [&](const Struck& s) { return place.begin < s.end && s.begin < place.end; };
         if (place.begin <= first && last <= place.end && std::ranges::any_of(struck, strikes)) return;

@@ -13,8 +13,8 @@
 // What of a document survives damage.
 namespace trvtrout::tests {
 
-// The used items of all lists of a document by what they hold themselves, without the lists within them: the list's path
-// and the bytes. Where each of them stands in the file.
+// The used items of all lists of a document by what they hold themselves, without the lists within them: the list's
+// path and the bytes. Where each of them stands in the file.
 struct Place {
   std::size_t begin, end;
 };

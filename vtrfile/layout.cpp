@@ -87,9 +87,8 @@ class Layouts {
 
   static void finish(Layout& layout, const ValueType& type) {
     const auto named = [&](std::string_view name) {
-      const auto found = std::ranges::find_if(layout.steps, [&](const Layout::Step& step) {
-        return step.form == Form::kText && step.path == name;
-      });
+      const auto found = std::ranges::find_if(
+          layout.steps, [&](const Layout::Step& step) { return step.form == Form::kText && step.path == name; });
       return static_cast<std::uint32_t>(found - layout.steps.begin());
     };
     const auto key = [&](std::string_view name) {

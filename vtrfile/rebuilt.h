@@ -21,7 +21,8 @@ class Rebuilt {
 
   void copy(Place begin, Place end) {
     if (begin == end) return;
-    if (!pieces_.empty() && pieces_.back().from.end == begin && pieces_.back().at + pieces_.back().from.size() == size())
+    if (!pieces_.empty() && pieces_.back().from.end == begin &&
+        pieces_.back().at + pieces_.back().from.size() == size())
       pieces_.back().from.end = end;
     else
       pieces_.push_back({size(), {begin, end}});

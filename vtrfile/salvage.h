@@ -37,8 +37,8 @@ struct SalvagedList {
 // A section that was found.
 struct SalvagedSection {
   std::string tag;
-  FileRange bytes;             // its tag included
-  bool tag_struck = false;     // the record was found without a whole tag in front of it
+  FileRange bytes;          // its tag included
+  bool tag_struck = false;  // the record was found without a whole tag in front of it
   bool whole = true;
   bool behind_damage = false;  // reading had broken off before it
   bool chosen = true;          // false: another one of its name has more behind it, or stands behind it
@@ -56,11 +56,11 @@ struct SalvagedPiece {
 struct Salvaged {
   std::shared_ptr<const Image> image;
   std::vector<SalvagedPiece> pieces;  // of the image, in its order
-  std::string version;         // of the format
-  bool version_guessed = false;  // the header doesn't tell it, but the sections fit
+  std::string version;                // of the format
+  bool version_guessed = false;       // the header doesn't tell it, but the sections fit
   bool header_whole = true;
   std::uint64_t header_end = 0;  // where it ends, or what could be kept of it
-  bool end_found = false;  // the tag at the end
+  bool end_found = false;        // the tag at the end
   std::vector<SalvagedSection> sections;
   std::vector<FileRange> unexplained;  // what is neither in the image nor behind the end of the document
   std::vector<FileRange> unreadable;   // what the medium didn't give

@@ -17,9 +17,7 @@ constexpr int kSchemaSection = 0;
 // What a run may cost: steps for each byte of the file, and some for a small one.
 constexpr std::uint64_t kWorkPerByte = 24, kWork = 4 << 20;
 
-const Layout& header_layout(std::string_view version) {
-  return layout_of(header_of(DocumentSlots()).type(), version);
-}
+const Layout& header_layout(std::string_view version) { return layout_of(header_of(DocumentSlots()).type(), version); }
 
 }  // namespace
 
@@ -180,9 +178,7 @@ void SalvageRun::open_section(int section, const TagPlace& tag) {
   open_.push_back({found.layout, at_, new_.size(), std::string(found.tag)});
 }
 
-bool SalvageRun::goes_on_behind(Place next) {
-  return sight_->look(spots_to(open_.size() - 1), next, limit_).some();
-}
+bool SalvageRun::goes_on_behind(Place next) { return sight_->look(spots_to(open_.size() - 1), next, limit_).some(); }
 
 bool SalvageRun::advance() {
   Open& top = open_.back();
@@ -306,20 +302,31 @@ void SalvageRun::close_top() {
 void SalvageRun::set_numbers(Open& record) {
   for (const OpenList& list : record.lists) {
     if (!list.struck && list.kept == list.announced) continue;
-    result_.sections.back().lists.push_back(
-        {record.path + '/' + record.layout->steps[list.step].path, list.announced, list.kept});
+    SalvagedList lost{record.path + '/' + record.layout->steps[list.step].path, list.announced, list.kept};
     new_.put(list.count_at, &list.kept, sizeof list.kept);
     for (const auto& [step, at] : record.numbers) {
       const Layout::Step& number = record.layout->steps[step];
-      if (number.role == Role::kKey || number.list != list.step) continue;
-      std::int32_t value = 0;
-      std::memcpy(&value, new_.bytes().data() + at, number.size);
-      if (number.role == Role::kCount) value = static_cast<std::int32_t>(list.used);
-      if (number.role == Role::kMax) value = static_cast<std::int32_t>(list.used > 0 ? list.kept : 0);
-      if (number.role == Role::kCurrent) value = std::min(value, static_cast<std::int32_t>(list.used));
-      new_.put(at, &value, number.size);
+      if (number.role != Role::kKey && number.list == list.step) set_number(number, at, list, lost);
     }
+    result_.sections.back().lists.push_back(std::move(lost));
   }
+}
+
+void SalvageRun::set_number(const Layout::Step& number, std::size_t at, const OpenList& list, SalvagedList& lost) {
+  const auto used = static_cast<std::int32_t>(list.used);
+  std::int32_t value = 0;
+  std::memcpy(&value, new_.bytes().data() + at, number.size);
+  if (number.role == Role::kCount) {
+    // What the list says of itself, if it can be so.
+    if (list.announced && value >= used && value <= static_cast<std::int64_t>(*list.announced)) {
+      lost.announced = static_cast<std::uint32_t>(value);
+    }
+    lost.kept = list.used;
+    value = used;
+  }
+  if (number.role == Role::kMax) value = static_cast<std::int32_t>(used > 0 ? list.kept : 0);
+  if (number.role == Role::kCurrent) value = std::min(value, used);
+  new_.put(at, &value, number.size);
 }
 
 void SalvageRun::end_section(bool whole) {

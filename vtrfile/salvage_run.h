@@ -28,21 +28,21 @@ class SalvageRun {
   // A list of an open record, as it is in the new file.
   struct OpenList {
     std::uint32_t step;
-    std::size_t count_at;        // where the new file has the number of its items
+    std::size_t count_at;                    // where the new file has the number of its items
     std::optional<std::uint32_t> announced;  // no value when its descriptor is struck
     std::uint32_t kept = 0, used = 0;
-    bool struck = false;         // items are missing
-    std::size_t unused_at = 0;   // where the unused slots at its end begin in the new file,
-    Place unused = nullptr;      // and in the old one
-    std::size_t behind = 0;      // where the list ends in the new file
-    Place last = nullptr;        // the last item in the old one
+    bool struck = false;        // items are missing
+    std::size_t unused_at = 0;  // where the unused slots at its end begin in the new file,
+    Place unused = nullptr;     // and in the old one
+    std::size_t behind = 0;     // where the list ends in the new file
+    Place last = nullptr;       // the last item in the old one
   };
   // A record that is gone into.
   static constexpr std::uint32_t kVersionStep = 3;  // of the header
   struct Open {
     const Layout* layout;
     Place begin;
-    std::size_t out;         // where it begins in the new file
+    std::size_t out;  // where it begins in the new file
     std::string path;
     std::uint32_t step = 0;  // the one that comes next; the list's while `in_list`
     bool in_list = false;
@@ -57,11 +57,11 @@ class SalvageRun {
   struct Resumption {
     Place at;
     Where where;
-    std::size_t level = 0;        // of the open record in which it goes on
-    std::uint32_t step = 0;       // the list's
+    std::size_t level = 0;         // of the open record in which it goes on
+    std::uint32_t step = 0;        // the list's
     int section = TagPlace::kEnd;  // the one that begins here, if one does
     Evidence evidence;
-    bool new_item = false;         // `level` is that of an item that isn't open yet
+    bool new_item = false;  // `level` is that of an item that isn't open yet
   };
 
   void choose_version();
@@ -71,7 +71,7 @@ class SalvageRun {
   bool enter_section(const TagPlace& tag);
   bool is_whole(const TagPlace& tag, Place& end);
   void open_section(int section, const TagPlace& tag);
-  bool advance();       // false when it breaks off at at_
+  bool advance();  // false when it breaks off at at_
   bool advance_list(Open& top);
   bool goes_on_behind(Place next);
   void take_item(Open& top, Place next, const Findings& found);
@@ -79,6 +79,7 @@ class SalvageRun {
   void open_list(Open& top, const LayoutWalk::Descriptor& items);
   void close_top();
   void set_numbers(Open& record);
+  void set_number(const Layout::Step& number, std::size_t at, const OpenList& list, SalvagedList& lost);
 
   bool resume();
   void give_back_unused();
@@ -125,7 +126,7 @@ class SalvageRun {
   Place limit_;  // of the section
   std::vector<Open> open_;
   bool in_header_ = false;
-  int stalls_ = 0;  // places at which it went on without having come further
+  int stalls_ = 0;       // places at which it went on without having come further
   bool broken_ = false;  // reading has broken off somewhere before
   std::size_t section_out_ = 0;
   struct Piece {

@@ -43,11 +43,11 @@ struct Spot {
 struct Evidence {
   static constexpr std::uint32_t kNoEnd = ~std::uint32_t{0};
 
-  std::uint32_t items = 0;             // whole items, one after the other, that hold a text
-  std::uint32_t unused = 0;            // unused slots among them, for which zeros may be taken
-  bool exact = false;                  // the record ended where a known tag stands or the file ends
-  std::uint32_t list_items = kNoEnd;   // items up to the end of the list in which the walk began; kNoEnd: not reached
-  bool over = false;                   // the list would have more items than it says
+  std::uint32_t items = 0;            // whole items, one after the other, that hold a text
+  std::uint32_t unused = 0;           // unused slots among them, for which zeros may be taken
+  bool exact = false;                 // the record ended where a known tag stands or the file ends
+  std::uint32_t list_items = kNoEnd;  // items up to the end of the list in which the walk began; kNoEnd: not reached
+  bool over = false;                  // the list would have more items than it says
   const unsigned char* reached = nullptr;  // where it breaks off, or was enough
 
   static constexpr std::uint32_t kSomeItems = 3, kEnoughItems = 12;
