@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "differences/item_keys.h"
+#include "vtrfile/item_keys.h"
 #include "host/json.h"
 #include "host/page/escaping_buffer.h"
 #include "host/page/page_parts.h"
@@ -63,7 +63,7 @@ Json sections() {
 void add_lists(const std::string& path, const vtrfile::ValueType& type, Json& lists) {
   for (const vtrfile::MemberType& member : type.members) add_lists(path + '/' + member.name, *member.type, lists);
   if (!type.element || type.kind == vtrfile::Kind::kVariantRun) return;
-  if (type.kind == vtrfile::Kind::kArray) lists[path] = differences::key_member(*type.element) != nullptr;
+  if (type.kind == vtrfile::Kind::kArray) lists[path] = vtrfile::key_member(*type.element) != nullptr;
   add_lists(path, *type.element, lists);
 }
 
