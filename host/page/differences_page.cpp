@@ -2,13 +2,13 @@
 
 #include <span>
 
-#include "vtrfile/item_keys.h"
 #include "host/json.h"
 #include "host/page/escaping_buffer.h"
 #include "host/page/page_parts.h"
 #include "platform/files/file_handle.h"
 #include "platform/files/sha256.h"
 #include "reports/columns.h"
+#include "vtrfile/item_keys.h"
 #include "vtrfile/sections.h"
 #include "vtrfile/value_types.h"
 

@@ -44,7 +44,6 @@ class RowList {
   }
 
   setPart(part) {
-    this.part = part;
     [this.begin, this.end] = [this.parts[part], this.parts[part + 1]];
     this.onPart(part > 0, part + 2 < this.parts.length);
   }
@@ -73,26 +72,32 @@ class RowList {
 
   top() { return this.element.getBoundingClientRect().top + window.scrollY; }
 
-  // Makes the rows near the window and takes the others out.
-  update() {
-    if (isOnPaper) return;
-    if (this.size === 0) {
-      this.element.style.height = '0px';
-      return;
-    }
+  // The first row in the window, and how far its top is above the window's; none while the list begins below that.
+  anchor() {
     const seen = window.scrollY - this.top();
-    const anchor = this.positionAt(seen);
-    const below = seen - this.offset(anchor);
+    const position = this.positionAt(seen);
+    return {position, above: seen - this.offset(position), holds: seen > 0 && this.size > 0};
+  }
+
+  // Makes the rows near the window and takes the others out. The anchor stays where it is.
+  update(anchor = this.anchor()) {
+    if (isOnPaper) return;
+    this.showHeight();
+    if (this.size === 0) return;
     for (let tries = 0; tries < 5; ++tries) {
+      const shift = this.offset(anchor.position) + anchor.above - (window.scrollY - this.top());
+      if (anchor.holds && Math.abs(shift) >= 1) window.scrollBy(0, shift);
       const from = window.scrollY - this.top();
       this.place(this.positionAt(from - beyondWindow), this.positionAt(from + window.innerHeight + beyondWindow));
       const isChanged = this.measure();
-      this.element.style.height = `${this.offset(this.end)}px`;
+      this.showHeight();
       this.rows.style.transform = `translateY(${this.offset(this.first)}px)`;
       if (!isChanged) return;
-      const shift = this.offset(anchor) + below - from;
-      if (seen > 0 && Math.abs(shift) >= 1) window.scrollBy(0, shift);
     }
+  }
+
+  showHeight() {
+    this.element.style.height = `${this.size > 0 ? this.offset(this.end) : 0}px`;
   }
 
   place(first, last) {
@@ -129,18 +134,17 @@ class RowList {
 
   // Makes these rows anew, or all of them: their content or the list's width is another one.
   renew(position) {
+    const anchor = this.anchor();
     if (position === undefined) {
-      const [part, at] = [this.part, this.begin];
       this.made.clear();
       this.rows.replaceChildren();
       this.forgetHeights();
-      this.setPart(Math.min(part, this.parts.length - 2));
-      if (this.begin !== at) this.setPart(this.partOf(at));
+      this.setPart(Math.max(this.partOf(anchor.position), 0));
     } else if (this.made.has(position)) {
       this.made.get(position).remove();
       this.made.delete(position);
     }
-    this.update();
+    this.update(anchor);
   }
 
   partOf(position) {

@@ -312,6 +312,9 @@ class PageTest(unittest.TestCase):
         top = self.js("return document.querySelector('.current').getBoundingClientRect().top")
         below = top - self.one("#bar").size["height"]
         self.assertTrue(0 <= below < 12, below)
+        self.one("#unfold").click()
+        after = self.js("return document.querySelector('.current').getBoundingClientRect().top")
+        self.assertAlmostEqual(after, top, delta=2, msg="what is seen stays in its place")
         self.search("t1234 f7", 1)
         self.one("#search").clear()
         self.one("#search").send_keys(" ")

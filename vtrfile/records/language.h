@@ -10,8 +10,8 @@ namespace trvtrout::vtrfile {
 
 // Of the texts of an item, in their order.
 inline constexpr std::array<const char*, 16> kLanguageNames = {
-    "English",    "Japanese", "Spanish",    "German",  "French",  "Italian", "Chinese S", "Chinese T", "Korean",
-    "Indonesian", "Greek",    "Portuguese", "Other 1", "Other 2", "Other 3", "Other 4"};
+    "English", "Japanese",   "Spanish", "German",     "French",  "Italian", "Chinese S", "Chinese T",
+    "Korean",  "Indonesian", "Greek",   "Portuguese", "Other 1", "Other 2", "Other 3",   "Other 4"};
 
 struct LANGUAGE_ITEM_STRUCT {
   Text Code, Text1;
