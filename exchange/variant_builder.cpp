@@ -1,5 +1,6 @@
 #include "exchange/variant_builder.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
