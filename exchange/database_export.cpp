@@ -177,7 +177,7 @@ std::string DatabaseExport::text_of(std::string_view bytes) {
 std::int64_t DatabaseExport::put_file(const DocumentFile& file, const vtrfile::DocumentSlots& document) {
   Statement put(database_,
                 "INSERT INTO documents VALUES (NULL, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?) ON CONFLICT (path) DO UPDATE SET "
-                "name = excluded.name, size = excluded.size, sha256 = excluded.sha256, version = excluded.version, "
+                "file = excluded.file, size = excluded.size, sha256 = excluded.sha256, version = excluded.version, "
                 "created = excluded.created, modified = excluded.modified, product = excluded.product, "
                 "product_description = excluded.product_description, product_version = excluded.product_version "
                 "RETURNING document");

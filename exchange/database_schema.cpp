@@ -12,7 +12,7 @@ using vtrfile::Kind;
 
 constexpr const char* kDocuments = R"(
 CREATE TABLE IF NOT EXISTS documents (
-  document INTEGER PRIMARY KEY, path TEXT NOT NULL UNIQUE, name TEXT NOT NULL, size INTEGER NOT NULL,
+  document INTEGER PRIMARY KEY, path TEXT NOT NULL UNIQUE, file TEXT NOT NULL, size INTEGER NOT NULL,
   sha256 TEXT NOT NULL, version TEXT NOT NULL, created TEXT NOT NULL, modified TEXT NOT NULL, product TEXT NOT NULL,
   product_description TEXT NOT NULL, product_version TEXT NOT NULL);
 CREATE TABLE IF NOT EXISTS language_names (number INTEGER PRIMARY KEY, name TEXT NOT NULL UNIQUE);

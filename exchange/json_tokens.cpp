@@ -58,6 +58,7 @@ class TokenReader::Input {
     fill();
     while (static_cast<std::size_t>(end_ - at_) < kByteOrderMark.size() && fill_more()) continue;
     if (std::string_view(at_, end_).starts_with(kByteOrderMark)) at_ += kByteOrderMark.size();
+    if (at_ == end_) fill();
   }
 
   Ch Peek() const { return at_ != end_ ? *at_ : '\0'; }

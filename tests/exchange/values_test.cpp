@@ -3,7 +3,7 @@
 #include <sstream>
 
 #include "exchange/json_values.h"
-#include "tests/exchange/texts.h"
+#include "host/exchanged_texts.h"
 #include "tests/support.h"
 
 namespace trvtrout::tests {
@@ -15,7 +15,7 @@ using namespace vtrfile;
 std::string json_of(auto value, int code_page = 1252) {
   std::ostringstream out;
   exchange::JsonWriter json(out);
-  exchange::Texts texts = texts_of(code_page);
+  exchange::Texts texts = host::texts_of(code_page);
   exchange::write_value(json, texts, value);
   json.flush();
   return out.str();
