@@ -132,7 +132,7 @@ std::span<const unsigned char> Value::bytes() const noexcept {
 }
 
 std::uint32_t Value::elements() const noexcept {
-  return static_cast<std::uint32_t>(kind() == Kind::kRun ? type_->count : array().size());
+  return kind() == Kind::kRun ? static_cast<std::uint32_t>(type_->count) : static_cast<std::uint32_t>(array().size());
 }
 
 Value Value::element(std::uint32_t place) const noexcept {
