@@ -69,8 +69,8 @@ void print(const Exchange& exchange) {
   ratio(exchange.to_database, 12);
   ratio(exchange.to_database_again, 0);
   std::cout << "memory of export --json beyond that of reading: " << exchange.export_memory()
-            << " MiB (wanted: at most 64)\npeak memory of import / size of the file written: " << exchange.import_memory()
-            << " (wanted: at most 6)\n";
+            << " MiB (wanted: at most 64)\npeak memory of import / size of the file written: "
+            << exchange.import_memory() << " (wanted: at most 6)\n";
 }
 
 }  // namespace

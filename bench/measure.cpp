@@ -69,7 +69,7 @@ double seconds_of(const timeval& time) {
 
 }  // namespace
 
-Cost command_cost(const Words& words) {
+Cost command_cost(const Words& words, int expected_status) {
   std::vector<char*> arguments;
   for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
   arguments.push_back(nullptr);
@@ -82,7 +82,8 @@ Cost command_cost(const Words& words) {
   posix_spawn_file_actions_destroy(&actions);
   int status = 0;
   rusage usage{};
-  if (error != 0 || wait4(child, &status, 0, &usage) != child || status != 0) {
+  if (error != 0 || wait4(child, &status, 0, &usage) != child || !WIFEXITED(status) ||
+      WEXITSTATUS(status) != expected_status) {
     throw std::runtime_error("can't run " + words[0]);
   }
   const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;

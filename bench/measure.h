@@ -142,7 +142,7 @@ class Host {
 // The whole life of a process that runs this command, with its output thrown away. Its peak is all the memory that it
 // had.
 using Words = std::vector<std::string>;
-Cost command_cost(const Words& words);
+Cost command_cost(const Words& words, int expected_status = 0);
 
 void read_into(TarvelVtrOut_InOut& document, const std::filesystem::path& file, Boolean is_secondary = False);
 
