@@ -23,7 +23,7 @@ std::string page_to_approve(std::string page) {
   for (const auto& [found, mark] : kMarks) page = std::regex_replace(page, found, mark);
   std::string approved;
   for (const char* const begin : {"<meta http-equiv", "<title>", "<noscript>", "<script type="}) {
-    approved += page.substr(page.find(begin), page.find("\n", page.find(begin)) - page.find(begin)) + '\n';
+    approved += page.substr(page.find(begin), page.find('\n', page.find(begin)) - page.find(begin)) + '\n';
   }
   const std::size_t differences = page.rfind("<script type=");
   return approved + page.substr(differences, page.rfind("<script>") - differences);
