@@ -57,7 +57,7 @@ const ValueType* element_of(const std::array<Element, Size>&) {
 
 template <class Record>
 void describe_members(ValueType& type) {
-  const Record& record = kEmpty<Record>;
+  const Record record{};
   for_each_field(record, [&](const char* name, const auto& member) {
     using Member = Described<std::remove_cvref_t<decltype(member)>>;
     static_assert(sizeof(member) == sizeof(typename Member::Value));
