@@ -10,6 +10,7 @@ namespace trvtrout::host {
 struct InfoTask {
   std::string file;
   bool json = false;
+  bool salvage = false;  // of a damaged file, what can be saved of it
 };
 
 // `vtrout info`: what the file holds, and how each list's numbers stand beside a recount.
@@ -21,6 +22,7 @@ struct ReportTask {
   bool temporary = false;
   std::string output_dir;  // empty for reports beside the file
   std::string workbook;    // empty for reports in files
+  bool salvage = false;    // of a damaged file, what can be saved of it
 };
 
 // `vtrout report`: the detail reports, beside the file, in a folder or in the sheets of a workbook.
@@ -79,6 +81,8 @@ struct RecoveryTask {
   std::string output;  // empty: a name beside the file
   std::string log;     // empty: none
   bool json = false;
+  bool first_damage = false;  // only what stands in front of it
+  std::string unexplained;    // a folder for the bytes of which nothing can be told; empty: none
 };
 
 // `vtrout recover`: writes what could be read of the file to a new one and tells what became of each section. The file

@@ -59,7 +59,7 @@ constexpr Subcommand kSubcommands[] = {
      {"vtrout text plant.vtr", "git config diff.vtr.textconv 'vtrout text'"},
      {"the whole file was read", "the file is damaged; the lines are what could be read", kTroubleStatus}},
     {"recover",
-     "Write what can be read of a file to a new one; print its path, and what became of each section",
+     "Write what can be saved of a file to a new one; print its path, and what became of each section",
      add_recover,
      [](const Request& request) { return recover(request.settings, request.recovery); },
      {},

@@ -286,6 +286,8 @@ bool is_empty(Value value) {
 
 Value header_of(const DocumentSlots& document) { return record_value(*document.Header); }
 
+const ValueType& old_schema_type() { return described<SCHEMA_STRUCT_OLD1>(); }
+
 std::vector<SectionValue> sections_of(const DocumentSlots& document) {
   std::vector<SectionValue> sections;
   for_each_section([&](const auto& section) {
