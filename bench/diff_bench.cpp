@@ -43,6 +43,58 @@ Cost cost_of_documents(const ComparedFiles& files, bool find) {
   });
 }
 
+// The fields of all tables as comma-separated text, each with a key in front.
+void write_fields(const std::filesystem::path& document, const std::filesystem::path& text) {
+  in_child([&] {
+    Host host;
+    TarvelVtrOut_InOut utility(host.services());
+    read_into(utility, document);
+    std::ofstream out(text, std::ios::binary);
+    out << "Key,Attribute,InternalCode,SQLField,Description,vbVarType,Lenght,SQLType,Select,Lookups,LookupsID\n";
+    const auto& tables = utility.CurrentSlots().Schema->Tables.Items;
+    for (std::int64_t table = 1; table <= tables.upper(); ++table) {
+      const auto& fields = tables.at(table).Fields.Items;
+      for (std::int64_t number = 1; number <= fields.upper(); ++number) {
+        const vtrfile::FIELDS_ITEM_STRUCT& field = fields.at(number);
+        out << tables.at(table).Tid.bytes() << '/' << field.Fid.bytes() << ',' << field.Attribute << ','
+            << field.InternalCode.bytes() << ',' << field.SQLField.bytes() << ",\"" << field.Description.bytes()
+            << "\"," << field.vbVarType << ',' << field.Lenght << ',' << field.SQLType << ',' << field.Select << ','
+            << field.Lookups.bytes() << ',' << field.LookupsID.bytes() << '\n';
+      }
+    }
+    return Cost{};
+  });
+}
+
+// The whole command beside a program that compares tables of text, on the same fields.
+struct BesideTables {
+  Measured ours{"vtrout diff --json --part field"};
+  Measured tables{"daff --id Key"};
+};
+
+void measure(const std::filesystem::path& folder, BesideTables& beside, benchmark::State& state) {
+  const ComparedFiles files{large_document(folder), large_document(folder, kEveryNthChanged)};
+  const std::string old_text = folder / "old.csv", new_text = folder / "new.csv";
+  write_fields(files.primary, old_text);
+  write_fields(files.secondary, new_text);
+  beside.ours.bytes = files.bytes();
+  beside.tables.bytes = file_bytes(old_text) + file_bytes(new_text);
+  constexpr int kDifferent = 1;
+  for (auto _ : state) {
+    beside.ours.add(
+        state, command_cost({VTROUT, "diff", files.primary, files.secondary, "--json", "--part", "field"}, kDifferent));
+    beside.tables.runs.push_back(
+        command_cost({DAFF, "--id", "Key", "--output", folder / "daff.csv", old_text, new_text}));
+  }
+  beside.ours.tell(state);
+}
+
+void print(const BesideTables& beside) {
+  if (beside.tables.runs.empty()) return;
+  print_table("the fields of two documents, medians", {beside.ours, beside.tables});
+  std::cout << "\ntime of daff / of vtrout diff: " << beside.tables.seconds() / beside.ours.seconds() << '\n';
+}
+
 // A pair of documents: read, and read with their differences found, by turns.
 struct Pair {
   std::string name;
@@ -51,7 +103,8 @@ struct Pair {
   Measured reading{"both read"};
   Measured finding{"both read, differences found"};
 
-  double time_ratio() const { return finding.seconds() / reading.seconds(); }
+  // Of the processor: other programs on the machine make the time by the clock uncertain.
+  double time_ratio() const { return finding.processor_seconds() / reading.processor_seconds(); }
   double memory_ratio() const { return finding.peak() / reading.peak(); }
 };
 
@@ -96,8 +149,15 @@ Print add_differences(const std::filesystem::path& folder) {
     add_benchmark("diff/" + std::to_string(nth), kRuns,
                   [=](benchmark::State& state) { measure(folder, (*pairs)[nth], state); });
   }
+  const auto beside = std::make_shared<BesideTables>();
+  if (std::filesystem::exists(DAFF)) {
+    add_benchmark("diff/daff", 1, [=](benchmark::State& state) { measure(folder, *beside, state); });
+  } else {
+    std::cerr << "daff isn't there, so it isn't measured\n";
+  }
   return [=] {
     for (const Pair& pair : *pairs) print(pair);
+    print(*beside);
   };
 }
 

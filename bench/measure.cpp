@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <ctime>
+#include <fcntl.h>
 #include <iomanip>
 #include <limits>
+#include <spawn.h>
+#include <sys/resource.h>
 
 #include "platform/files/path.h"
 #include "text/utf8.h"
@@ -56,6 +59,36 @@ void print_table(const std::string& title, const std::vector<Measured>& operatio
               << operation.bytes / kMegabyte / operation.seconds() << std::setw(10) << operation.peak() / kMegabyte
               << '\n';
   }
+}
+
+namespace {
+
+double seconds_of(const timeval& time) {
+  return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+
+}  // namespace
+
+Cost command_cost(const Words& words, int expected_status) {
+  std::vector<char*> arguments;
+  for (const std::string& word : words) arguments.push_back(const_cast<char*>(word.c_str()));
+  arguments.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+  const auto start = std::chrono::steady_clock::now();
+  pid_t child = 0;
+  const int error = posix_spawn(&child, arguments[0], &actions, nullptr, arguments.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  int status = 0;
+  rusage usage{};
+  if (error != 0 || wait4(child, &status, 0, &usage) != child || !WIFEXITED(status) ||
+      WEXITSTATUS(status) != expected_status) {
+    throw std::runtime_error("can't run " + words[0]);
+  }
+  const std::chrono::duration<double> time = std::chrono::steady_clock::now() - start;
+  return {time.count(), seconds_of(usage.ru_utime) + seconds_of(usage.ru_stime),
+          static_cast<double>(usage.ru_maxrss) * 1024};
 }
 
 void read_into(TarvelVtrOut_InOut& document, const std::filesystem::path& file, Boolean is_secondary) {

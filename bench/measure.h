@@ -139,6 +139,11 @@ class Host {
   platform::SpreadsheetProgram spreadsheet_{local_files_, locale_};
 };
 
+// The whole life of a process that runs this command, with its output thrown away. Its peak is all the memory that it
+// had.
+using Words = std::vector<std::string>;
+Cost command_cost(const Words& words, int expected_status = 0);
+
 void read_into(TarvelVtrOut_InOut& document, const std::filesystem::path& file, Boolean is_secondary = False);
 
 // In a child too: what making the document takes would stay with this process, and be copied to each of the others.
@@ -160,6 +165,7 @@ Print add_matching(const std::filesystem::path& folder);
 Print add_comparing(const std::filesystem::path& folder);
 Print add_differences(const std::filesystem::path& folder);
 Print add_workbooks(const std::filesystem::path& folder);
+Print add_exchange(const std::filesystem::path& folder);
 Print add_salvaging(const std::filesystem::path& folder);
 Print add_startup();
 

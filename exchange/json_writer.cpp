@@ -1,5 +1,5 @@
-// The library's vector instructions (RAPIDJSON_SSE2) stay off: in version 1.1.0 they let the control characters 1A to 1F
-// through unescaped.
+// The library's vector instructions (RAPIDJSON_SSE2) stay off: in version 1.1.0 they let the control characters 1A to
+// 1F through unescaped.
 #include "exchange/json_writer.h"
 
 #include <array>

@@ -5,6 +5,7 @@
 #include "exchange/json_document.h"
 #include "exchange/lines.h"
 #include "host/commands.h"
+#include "host/document_kind.h"
 #include "host/exchanged_texts.h"
 #include "host/new_file.h"
 #include "platform/files/path.h"
@@ -93,13 +94,16 @@ ExitStatus write_lines(Machine& machine, const Settings& settings, const ExportT
   return documents.status();
 }
 
-// Whether the output would be written over a document, of which the user has been told then.
+// Whether the output would be written over a VTR file, of which the user has been told then. Who names it behind the
+// form in place of in front of it loses nothing.
 bool is_document(Files& files, const ExportTask& task) {
   const std::u16string output = platform::class_path(task.output);
-  const bool is = std::ranges::any_of(
-      task.files, [&](const std::string& file) { return files.SameFile(output, platform::class_path(file)); });
-  if (is)
-    complain(task.output + ": that's a document, which is never overwritten; name another file" + kNothingExported);
+  const bool stands = files.CreateFileSystemObject()->FileExists(output);
+  const bool is = stands && begins_as_document(files, output);
+  if (is) {
+    complain(task.output + ": that's a VTR file, which is never overwritten here; name the files to export first" +
+             kNothingExported);
+  }
   return is;
 }
 
@@ -168,7 +172,14 @@ ExitStatus export_to_database(Machine& machine, const Settings& settings, const 
 
 }  // namespace
 
-ExitStatus export_documents(const Settings& settings, const ExportTask& task) {
+ExitStatus export_documents(const Settings& settings, const ExportTask& given) {
+  ExportTask task = given;
+  // The name behind a form without another is that of the file: "vtrout export --json plant.vtr".
+  if (task.files.empty() && task.form != ExportForm::kDatabase) task.files.push_back(std::exchange(task.output, {}));
+  if (task.files.empty() || task.files.front().empty()) {
+    complain("FILE is required; see vtrout help export");
+    return kTrouble;
+  }
   if (task.form == ExportForm::kJson && task.files.size() > 1) {
     complain("--json takes one file; --ndjson and --sqlite take several");
     return kTrouble;

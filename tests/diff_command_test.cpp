@@ -14,16 +14,19 @@ class Diff : public Command {
   }
 };
 
-// The page without what changes with the day and the place, and without its style and scripts.
+// The policy and the data of the page, without what changes with the day: all else in it are its sources.
 std::string page_to_approve(std::string page) {
   static const std::pair<std::regex, const char*> kMarks[] = {
-      {std::regex("<style>[^<]*</style>"), "<style>@STYLE@</style>"},
       {std::regex("'sha256-[^']*'"), "'@DIGEST@'"},
       {std::regex("20..-..-..T..:..:..Z"), "@MOMENT@"},
       {std::regex("\"version\":\"[^\"]*\""), "\"version\":\"@VERSION@\""}};
   for (const auto& [found, mark] : kMarks) page = std::regex_replace(page, found, mark);
-  const std::size_t script = page.rfind("<script>") + 8;
-  return page.replace(script, page.rfind("</script>") - script, "@SCRIPT@");
+  std::string approved;
+  for (const char* const begin : {"<meta http-equiv", "<title>", "<noscript>", "<script type="}) {
+    approved += page.substr(page.find(begin), page.find('\n', page.find(begin)) - page.find(begin)) + '\n';
+  }
+  const std::size_t differences = page.rfind("<script type=");
+  return approved + page.substr(differences, page.rfind("<script>") - differences);
 }
 
 TEST_F(Diff, TheSamplesInAllForms) {
@@ -40,6 +43,28 @@ TEST_F(Diff, TheSamplesInAllForms) {
     EXPECT_EQ(vtrout("diff --yes --html page.html " + files).status, 1);
     expect_approved(approved + ".html", page_to_approve(get("page.html")));
   }
+}
+
+TEST_F(Diff, TheJsonHoldsToItsSchema) {
+  put("c.vtr", sample("dense.vtr"));
+  put("d.vtr", sample("odd/header-and-eof.vtr"));
+  put("check.py", R"(
+import json, jsonschema, sys
+with open(sys.argv[1]) as file:
+    schema = json.load(file)
+jsonschema.Draft202012Validator.check_schema(schema)
+validator = jsonschema.Draft202012Validator(schema)
+for line in sys.stdin:
+    differences = json.loads(line)
+    validator.validate(differences)
+    for wrong in ({"kind": "moved", "path": "Tree/Items"}, {**differences["changes"][0], "kind": "other"}):
+        if validator.is_valid({**differences, "changes": [wrong]}):
+            sys.exit("a wrong change is held to be right")
+)");
+  const Outcome run = shell(
+      "for pair in 'a.vtr b.vtr' 'b.vtr c.vtr' 'c.vtr d.vtr' 'd.vtr a.vtr'; do vtrout diff --json $pair; done | "
+      "/usr/bin/python3 check.py '" DOCS "/vtr-differences.schema.json'");
+  EXPECT_EQ(run.status, 0) << run.err;
 }
 
 TEST_F(Diff, TheStatusSaysWhetherAnythingDiffersOutsideTheHeader) {

@@ -5,6 +5,7 @@
 
 #include "host/terminal/value_text.h"
 #include "vtrfile/item_keys.h"
+#include "vtrfile/sections.h"
 
 namespace trvtrout::host {
 namespace {
@@ -18,6 +19,13 @@ std::string key_or_place(Locale& locale, const Place& item) {
   const bool in_old = item.old_number > 0;
   const std::string key = vtrfile::key_text(in_old ? item.old_value : item.new_value);
   return key.empty() ? '#' + std::to_string(in_old ? item.old_number : item.new_number) : shown(locale, key);
+}
+
+// A text of the section of languages has a name beside its number.
+std::string element_of_run(const std::string& section, std::string_view run, std::uint32_t number) {
+  const std::string shown = '[' + std::to_string(number) + ']';
+  const bool is_language = section == vtrfile::kSection<&vtrfile::DocumentSlots::Language>.tag && run == "Texts";
+  return is_language ? shown + ' ' + vtrfile::kLanguageNames[number - 1] : shown;
 }
 
 void append(std::string& text, const char* between, const std::string& more) {
@@ -42,7 +50,7 @@ Label label_of(Locale& locale, const Place& place) {
       append(label.item, " ", key_or_place(locale, step));
       label.member.clear();
     } else if (step.name.empty()) {
-      label.member += '[' + std::to_string(std::max(step.old_number, step.new_number)) + ']';
+      label.member += element_of_run(label.section, steps[at - 1]->name, step.new_number);
     } else if (step.name != kItems || at + 1 == steps.size()) {
       append(label.member, "/", std::string(step.name));
     }

@@ -69,6 +69,8 @@ class PageTest(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.folder = pathlib.Path(tempfile.mkdtemp())
+        cls.files = [cls.folder / "<old> & large.vtr", pathlib.Path(SAMPLES, "plant-next.vtr")]
+        cls.files[0].write_bytes(random.Random(1).randbytes(150_000))
         options = webdriver.ChromeOptions()
         options.binary_location = shutil.which("chromium")
         for option in ["headless=new", "no-sandbox", "disable-gpu", "disable-quic", "no-first-run", "disable-sync",
@@ -91,10 +93,9 @@ class PageTest(unittest.TestCase):
     def make(self, content):
         source, page = self.folder / "differences.json", self.folder / "page.html"
         source.write_text(json.dumps(content, ensure_ascii=False))
-        files = [f"{SAMPLES}/plant.vtr", f"{SAMPLES}/plant-next.vtr"]
         counts = [str(content["counts"][kind]) for kind in KINDS]
         with page.open("wb") as output:
-            subprocess.run([MAKE_PAGE, source, *files, *counts], stdout=output, check=True)
+            subprocess.run([MAKE_PAGE, source, *self.files, *counts], stdout=output, check=True)
         return page.as_uri()
 
     def open(self, content, place=""):
@@ -148,8 +149,8 @@ class PageTest(unittest.TestCase):
         self.one("#bookkeeping").click()
         self.assertEqual(self.size(), len(SMALL["changes"]))
         self.assertIn("1 change in the header", self.one("#header-changes").text)
-        digests = [hashlib.sha256(pathlib.Path(SAMPLES, name).read_bytes()).hexdigest()
-                   for name in ["plant.vtr", "plant-next.vtr"]]
+        self.assertIn("<old> & large.vtr → ", self.driver.title)
+        digests = [hashlib.sha256(file.read_bytes()).hexdigest() for file in self.files]
         self.assertEqual([cell.text for cell in self.all("#files code")], digests)
         self.assertIn("7 changed, 1 removed, 2 added, 1 moved", self.content("noscript"))
 
