@@ -73,9 +73,8 @@ SalvageRun::Resumption SalvageRun::most_alike(Resumption found, Place tag) {
 std::uint32_t SalvageRun::strangeness(const Resumption& found) {
   if (found.where != Where::kItem || found.new_item || found.section != TagPlace::kEnd) return 0;
   const Open& record = open_[found.level];
-  if (!record.in_list) return 0;
-  const Layout& item = *record.layout->steps[record.step].item;
-  Place one = record.lists.back().last, other = found.at;
+  const Layout& item = *record.layout->steps[found.step].item;
+  Place one = record.in_list ? record.lists.back().last : nullptr, other = found.at;
   std::uint32_t strange = 0;
   for (std::uint32_t step = 0; other && step < item.size(); ++step) {
     Findings in_one, in_other;
