@@ -53,6 +53,7 @@ struct DiffTask {
   bool summary = false;  // the counts alone, by section
   bool all = false;      // what is only bookkeeping, too
   ColorWhen color = ColorWhen::kAuto;
+  bool salvage = false;  // of a damaged file, what can be saved of it
 };
 
 // `vtrout diff`: every difference between two documents. kRemarkable when there are any outside the header; called by
@@ -61,6 +62,7 @@ ExitStatus diff(const Settings& settings, const DiffTask& task);
 
 struct TextTask {
   std::string file;
+  bool salvage = false;  // of a damaged file, what can be saved of it
 };
 
 // `vtrout text`: all that a document holds as lines that can be compared by line. kRemarkable when the file is damaged
@@ -97,10 +99,11 @@ struct ExportTask {
   ExportForm form = ExportForm::kNone;
   std::string output;  // empty for stdout
   bool pretty = false;
+  bool salvage = false;  // of a damaged file, what can be saved of it
 };
 
 // `vtrout export`: documents for other programs, as JSON, as lines of JSON or in a database. A damaged document is
-// refused. kRemarkable when something of one in the old format has no place in what was exported.
+// refused without `salvage`. kRemarkable when something of a document isn't in what was exported.
 ExitStatus export_documents(const Settings& settings, const ExportTask& task);
 
 struct ImportTask {

@@ -155,6 +155,7 @@ void add_diff(CLI::App& command, Request& request) {
       ->option_text("WHEN")
       ->transform(CLI::Transformer(kWhen))
       ->default_str("auto");
+  add_salvage(command, task.salvage);
   add_json(command, task.json, "The differences for programs");
   command.get_option("--json")->excludes(all)->excludes(summary)->excludes(html);
   add_overwrite(command, request.settings);
@@ -163,6 +164,7 @@ void add_diff(CLI::App& command, Request& request) {
 
 void add_text(CLI::App& command, Request& request) {
   add_file_operand(command, "FILE", request.text.file, "A VTR file");
+  add_salvage(command, request.text.salvage);
   add_code_page(command, request.settings);
 }
 
@@ -190,6 +192,7 @@ void add_statistics(CLI::App& command, Request& request) {
 
 void add_export(CLI::App& command, Request& request) {
   add_export_options(command, request.exported, check_path);
+  add_salvage(command, request.exported.salvage);
   add_overwrite(command, request.settings);
   add_code_page(command, request.settings);
 }

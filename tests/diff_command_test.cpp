@@ -193,6 +193,20 @@ TEST_F(Diff, CompareTellsOfWhatItDoesntLookAt) {
   EXPECT_EQ(json["differencesBeside"], 3);
 }
 
+TEST_F(Diff, WhatCanBeSavedOfADamagedFileIsComparedAndExported) {
+  put("d.vtr", sample("damaged/unknown-section.vtr"));
+  const Outcome saved = vtrout("diff --salvage a.vtr d.vtr");
+  EXPECT_EQ(saved.status, 1);  // of what couldn't be saved nobody knows
+  EXPECT_EQ(saved.out, "no differences\n");
+  EXPECT_NE(saved.err.find("d.vtr: read on behind the damage"), std::string::npos) << saved.err;
+  EXPECT_EQ(vtrout("diff --salvage a.vtr a.vtr").status, 0);
+  expect_refused("vtrout export d.vtr --json", "--salvage exports what can be saved of it");
+  const Outcome exported = vtrout("export --salvage d.vtr --json d.json");
+  EXPECT_EQ(exported.status, 1) << exported.err;
+  EXPECT_EQ(vtrout("import d.json e.vtr && vtrout diff a.vtr e.vtr").out, "e.vtr\nno differences\n");
+  EXPECT_EQ(vtrout("text --salvage d.vtr").out, vtrout("text a.vtr").out);
+}
+
 // In a real repository.
 TEST_F(Diff, GitShowsDifferencesBetweenVersions) {
   const std::string git = "git -c user.name=A -c user.email=a@b -c init.defaultBranch=main ";
