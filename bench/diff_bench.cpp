@@ -103,7 +103,8 @@ struct Pair {
   Measured reading{"both read"};
   Measured finding{"both read, differences found"};
 
-  double time_ratio() const { return finding.seconds() / reading.seconds(); }
+  // Of the processor: other programs on the machine make the time by the clock uncertain.
+  double time_ratio() const { return finding.processor_seconds() / reading.processor_seconds(); }
   double memory_ratio() const { return finding.peak() / reading.peak(); }
 };
 

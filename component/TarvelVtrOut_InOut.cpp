@@ -72,6 +72,7 @@ bool TarvelVtrOut_InOut::Store::read(vtrfile::DocumentReader& reader, std::share
 Boolean TarvelVtrOut_InOut::ReadVTR(std::u16string& Fname, std::u16string& StructureList, Boolean& IsSecondary) {
   store_->damage.reset();
   store_->last_read = {};
+  store_->last_salvage.reset();
   if (Fname.empty()) return store_->fail({.what = "no file was named"});
   vtrfile::DocumentReader reader(store_->current, IsSecondary ? store_->secondary : store_->primary, SchemaOld);
   std::unique_ptr<BinaryFile> file;
@@ -150,6 +151,9 @@ const vtrfile::DocumentSlots& TarvelVtrOut_InOut::CurrentSlots() const noexcept 
 const std::optional<vtrfile::ReadError>& TarvelVtrOut_InOut::LastDamage() const noexcept { return store_->damage; }
 const std::string& TarvelVtrOut_InOut::LastFailure() const noexcept { return store_->last_failure; }
 const vtrfile::FileRead& TarvelVtrOut_InOut::LastRead() const noexcept { return store_->last_read; }
+const std::optional<vtrfile::Salvaged>& TarvelVtrOut_InOut::LastSalvage() const noexcept {
+  return store_->last_salvage;
+}
 void TarvelVtrOut_InOut::SetReportFolder(std::u16string folder) { store_->report_folder = std::move(folder); }
 const ComparisonCounts& TarvelVtrOut_InOut::LastCounts() const noexcept { return store_->counts; }
 

@@ -11,6 +11,7 @@
 #include "services/host_services.h"
 #include "vtrfile/part_read.h"
 #include "vtrfile/read_error.h"
+#include "vtrfile/salvage.h"
 
 namespace trvtrout {
 
@@ -133,6 +134,14 @@ class TarvelVtrOut_InOut {
   // What the last ReadVTR met in its file: the parts, whole or not, and the bytes between them of which nothing can be
   // told. There may be such bytes even when the result was True.
   const vtrfile::FileRead& LastRead() const noexcept;
+  // Reads on behind the damage of a file on which ReadVTR has failed, or passed over bytes: the document becomes what
+  // can be saved of the whole file, its sections that weren't found empty, and so do the copies for a comparison, those
+  // of the primary (`IsSecondary` False) or the secondary document. Blocks that can't be read are tried twice and then
+  // passed over. False when nothing can be told of the file, and then the document is as it was. LastDamage stays that
+  // of ReadVTR; LastRead is that of this operation. Nothing is written, and nobody is asked.
+  Boolean SalvageVTR(std::u16string& Fname, Boolean& IsSecondary);
+  // What the last SalvageVTR found, if it was the last operation that read.
+  const std::optional<vtrfile::Salvaged>& LastSalvage() const noexcept;
   // Detail reports and comparisons go into this folder from now on, under the names that they would have beside the
   // document; empty for beside it.
   void SetReportFolder(std::u16string folder);

@@ -41,6 +41,7 @@ struct TarvelVtrOut_InOut::Store {
   vtrfile::GroupSlots secondary;
   std::optional<vtrfile::ReadError> damage;
   vtrfile::FileRead last_read;
+  std::optional<vtrfile::Salvaged> last_salvage;
   std::string last_failure;
   std::u16string report_folder;
   const Comparison* last_comparison = nullptr;

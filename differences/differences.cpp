@@ -13,7 +13,6 @@ namespace trvtrout::differences {
 namespace {
 
 using vtrfile::MemberType;
-using vtrfile::Value;
 
 // Goes through two values of one type side by side.
 class Walk {

@@ -41,7 +41,7 @@ using Places = std::vector<std::uint32_t>;
 struct Known {
   std::string_view by;
   std::uint32_t place;
-  auto operator<=>(const Known&) const = default;
+  bool operator<(const Known& other) const { return std::tie(by, place) < std::tie(other.by, other.place); }
 };
 
 class Pairing {
@@ -227,7 +227,7 @@ std::vector<Known> Pairing::by_key(Value list, const Places& places) const {
     const std::string_view key = key_bytes(list.element(front_ + place), *key_);
     if (!key.empty()) known.push_back({key, place});
   }
-  std::ranges::sort(known);
+  std::sort(known.begin(), known.end());
   return known;
 }
 
@@ -259,7 +259,7 @@ std::vector<Known> Pairing::by_content(Value list, const Places& places) {
     }
     known.push_back({content, place});
   }
-  std::ranges::sort(known);
+  std::sort(known.begin(), known.end());
   return known;
 }
 

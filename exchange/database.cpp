@@ -18,7 +18,9 @@ void Database::Close::operator()(sqlite3* database) const { sqlite3_close(databa
 
 Database::Database(const std::string& path) : path_(path) {
   sqlite3* opened = nullptr;
-  const int result = sqlite3_open_v2(path.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+  // Behind a folder no name is one that the library takes for something else than a file.
+  const std::string file = path.starts_with('/') ? path : "./" + path;
+  const int result = sqlite3_open_v2(file.c_str(), &opened, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
   database_.reset(opened);
   if (result != SQLITE_OK) raise();
   sqlite3_busy_timeout(opened, kWaitMilliseconds);

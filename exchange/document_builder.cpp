@@ -22,7 +22,6 @@ constexpr std::size_t kAbsent = SIZE_MAX;
 constexpr std::uint32_t kNoMember = UINT32_MAX;
 constexpr std::array<std::string_view, 3> kBoundMembers{"lower", "items", "hex"};
 enum BoundMember : std::uint32_t { kLower, kItems, kHexDigits };
-constexpr std::size_t kDescriptorBytes = 10;
 constexpr std::size_t kLowerAt = 6;
 
 std::string quoted(std::string_view name) { return '"' + std::string(name) + '"'; }

@@ -1,5 +1,6 @@
 #include "exchange/variant_builder.h"
 
+#include <algorithm>
 #include <array>
 #include <optional>
 
@@ -20,7 +21,9 @@ constexpr int kMaxDepth = 2 * (vtrfile::VariantWalk::kMaxDepth + 1) + 2;
 }  // namespace
 
 bool VariantBuilder::take(const Token& token, std::uint64_t line) {
-  tokens_.push_back({token.kind, token.flag, texts_.size(), token.text.size(), line});
+  if (texts_.size() + token.text.size() > INT32_MAX) throw Refusal("a variant of more than 2 GiB");
+  tokens_.push_back({static_cast<std::uint32_t>(texts_.size()), static_cast<std::uint32_t>(token.text.size()),
+                     static_cast<std::uint32_t>(line), token.kind, token.flag});
   texts_ += token.text;
   if (opens(token.kind) && ++depth_ > kMaxDepth) throw Refusal("variants nested more than 32 deep");
   if (closes(token.kind)) --depth_;

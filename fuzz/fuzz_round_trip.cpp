@@ -2,6 +2,7 @@
 #include <cstdint>
 
 #include "fuzz/documents.h"
+#include "fuzz/exchanged.h"
 #include "vtrfile/own_record.h"
 #include "vtrfile/reader.h"
 #include "vtrfile/upgrade.h"
@@ -48,7 +49,8 @@ std::string file_of(const DocumentSlots& document) {
 
 }  // namespace
 
-// Any bytes as a document: what was read of it, written and read again, is the same, record by record and byte by byte.
+// Any bytes as a document: what was read of it, written and read again, is the same, record by record and byte by byte;
+// and so is what comes back from its JSON.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   DocumentSlots document, again;
   read({reinterpret_cast<const char*>(data), size}, document);
@@ -56,5 +58,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   fuzz::require(read(bytes, again));
   fuzz::require(fuzz::records_of(again) == fuzz::records_of(document));
   fuzz::require(file_of(again) == bytes);
+  fuzz::require(fuzz::imported(fuzz::json_of(again)) == bytes);
   return 0;
 }

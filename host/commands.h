@@ -10,6 +10,7 @@ namespace trvtrout::host {
 struct InfoTask {
   std::string file;
   bool json = false;
+  bool salvage = false;  // of a damaged file, what can be saved of it
 };
 
 // `vtrout info`: what the file holds, and how each list's numbers stand beside a recount.
@@ -21,6 +22,7 @@ struct ReportTask {
   bool temporary = false;
   std::string output_dir;  // empty for reports beside the file
   std::string workbook;    // empty for reports in files
+  bool salvage = false;    // of a damaged file, what can be saved of it
 };
 
 // `vtrout report`: the detail reports, beside the file, in a folder or in the sheets of a workbook.
@@ -51,6 +53,7 @@ struct DiffTask {
   bool summary = false;  // the counts alone, by section
   bool all = false;      // what is only bookkeeping, too
   ColorWhen color = ColorWhen::kAuto;
+  bool salvage = false;  // of a damaged file, what can be saved of it
 };
 
 // `vtrout diff`: every difference between two documents. kRemarkable when there are any outside the header; called by
@@ -59,6 +62,7 @@ ExitStatus diff(const Settings& settings, const DiffTask& task);
 
 struct TextTask {
   std::string file;
+  bool salvage = false;  // of a damaged file, what can be saved of it
 };
 
 // `vtrout text`: all that a document holds as lines that can be compared by line. kRemarkable when the file is damaged
@@ -79,6 +83,8 @@ struct RecoveryTask {
   std::string output;  // empty: a name beside the file
   std::string log;     // empty: none
   bool json = false;
+  bool first_damage = false;  // only what stands in front of it
+  std::string unexplained;    // a folder for the bytes of which nothing can be told; empty: none
 };
 
 // `vtrout recover`: writes what could be read of the file to a new one and tells what became of each section. The file
@@ -93,10 +99,11 @@ struct ExportTask {
   ExportForm form = ExportForm::kNone;
   std::string output;  // empty for stdout
   bool pretty = false;
+  bool salvage = false;  // of a damaged file, what can be saved of it
 };
 
 // `vtrout export`: documents for other programs, as JSON, as lines of JSON or in a database. A damaged document is
-// refused. kRemarkable when something of one in the old format has no place in what was exported.
+// refused without `salvage`. kRemarkable when something of a document isn't in what was exported.
 ExitStatus export_documents(const Settings& settings, const ExportTask& task);
 
 struct ImportTask {

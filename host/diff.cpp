@@ -34,9 +34,11 @@ class Documents {
   Documents(Machine& machine, const PathFilter& filter)
       : filter_(filter), old_(machine.services()), new_(machine.services()) {}
 
-  // False when one of them can't be compared; the user has been told.
-  bool read(Machine& machine, const std::string& old_file, const std::string& new_file) {
-    return read_one(machine, old_, old_file) && read_one(machine, new_, new_file);
+  // kTrouble when one of them can't be compared, of which the user has been told; kRemarkable when one is only what
+  // could be saved of its file.
+  ExitStatus read(Machine& machine, const std::string& old_file, const std::string& new_file, bool salvage) {
+    const ExitStatus status = read_one(machine, old_, old_file, salvage);
+    return status == kTrouble ? status : std::max(status, read_one(machine, new_, new_file, salvage));
   }
   void of_header(const Tell& tell) const {
     differences::find_header_differences(old_.CurrentSlots(), new_.CurrentSlots(), tell);
@@ -50,8 +52,8 @@ class Documents {
  private:
   // git names this file where a side has none.
   static constexpr std::string_view kNoFile = "/dev/null";
-  static bool read_one(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file) {
-    return file == kNoFile || read_whole(machine, utility, file);
+  static ExitStatus read_one(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file, bool salvage) {
+    return file == kNoFile ? kFine : read_to_compare(machine, utility, file, salvage);
   }
 
   const PathFilter& filter_;
@@ -226,7 +228,8 @@ ExitStatus diff(const Settings& settings, const DiffTask& task) {
   const PathFilter filter(patterns_of(task), task.ignore);
   Machine machine(settings);
   Documents documents(machine, filter);
-  if (!documents.read(machine, files->old_file, files->new_file)) {
+  const ExitStatus read = documents.read(machine, files->old_file, files->new_file, task.salvage);
+  if (read == kTrouble) {
     if (!files->for_git) return kTrouble;
     // Anything else than 0 would end git's own work.
     std::cout << shown_name(files->old_name) << " and " << shown_name(files->new_name) << " can't be compared\n";
@@ -234,7 +237,8 @@ ExitStatus diff(const Settings& settings, const DiffTask& task) {
   }
   const Counted counted = count(documents);
   if (!show(settings, task, machine, documents, *files, counted)) return kTrouble;
-  return files->for_git || counted.of_document.all() == 0 ? kFine : kRemarkable;
+  // Of what couldn't be saved nobody knows whether it's the same.
+  return files->for_git || (counted.of_document.all() == 0 && read == kFine) ? kFine : kRemarkable;
 }
 
 }  // namespace trvtrout::host

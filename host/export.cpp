@@ -5,8 +5,10 @@
 #include "exchange/json_document.h"
 #include "exchange/lines.h"
 #include "host/commands.h"
+#include "host/document_kind.h"
 #include "host/exchanged_texts.h"
 #include "host/new_file.h"
+#include "host/read_saving.h"
 #include "platform/files/path.h"
 #include "platform/files/sha256.h"
 #include "platform/files/staged_files.h"
@@ -21,7 +23,7 @@ constexpr const char* kNothingExported = "; nothing was exported";
 // programs are given, they take for all of it.
 class Documents {
  public:
-  explicit Documents(Machine& machine) : machine_(machine) {}
+  Documents(Machine& machine, bool salvage) : machine_(machine), salvage_(salvage) {}
 
   // Reads the file into a document of its own; null when it can't be exported, of which the user has been told.
   std::unique_ptr<TarvelVtrOut_InOut> read_whole(const std::string& file);
@@ -30,18 +32,21 @@ class Documents {
 
  private:
   Machine& machine_;
+  bool salvage_;
   ExitStatus status_ = kFine;
 };
 
 std::unique_ptr<TarvelVtrOut_InOut> Documents::read_whole(const std::string& file) {
   auto utility = std::make_unique<TarvelVtrOut_InOut>(machine_.services());
   std::u16string structure_list;
-  const ExitStatus read_status = read(machine_, *utility, file, structure_list);
+  const ExitStatus read_status = read_saving(machine_, *utility, file, salvage_, structure_list);
   if (read_status == kTrouble) return nullptr;
-  if (read_status == kRemarkable) {
+  if (utility->LastSalvage()) {
+    status_ = kRemarkable;
+  } else if (read_status == kRemarkable) {
     const auto& damage = utility->LastDamage();
     complain(file + ": " + (damage ? damage_text(*damage) : "damaged") + kNothingExported +
-             ": save what can be read of it with vtrout recover, and export that");
+             ": --salvage exports what can be saved of it");
     return nullptr;
   }
   for (const vtrfile::PartRead& part : utility->LastRead().parts) {
@@ -56,7 +61,7 @@ using Layout = exchange::JsonWriter::Layout;
 
 ExitStatus write_json(Machine& machine, const Settings& settings, const ExportTask& task,
                       const exchange::JsonWriter::Sink& sink) {
-  Documents documents(machine);
+  Documents documents(machine, task.salvage);
   const auto utility = documents.read_whole(task.files.front());
   if (!utility) return kTrouble;
   exchange::JsonWriter json(sink, task.pretty ? Layout::kPretty : Layout::kCompact);
@@ -81,7 +86,7 @@ std::string as_utf8(const std::string& name) {
 
 ExitStatus write_lines(Machine& machine, const Settings& settings, const ExportTask& task,
                        const exchange::JsonWriter::Sink& sink) {
-  Documents documents(machine);
+  Documents documents(machine, task.salvage);
   exchange::JsonWriter json(sink);
   exchange::Texts texts = texts_of(settings.code_page);
   for (const std::string& file : task.files) {
@@ -93,13 +98,16 @@ ExitStatus write_lines(Machine& machine, const Settings& settings, const ExportT
   return documents.status();
 }
 
-// Whether the output would be written over a document, of which the user has been told then.
+// Whether the output would be written over a VTR file, of which the user has been told then. Who names it behind the
+// form in place of in front of it loses nothing.
 bool is_document(Files& files, const ExportTask& task) {
   const std::u16string output = platform::class_path(task.output);
-  const bool is = std::ranges::any_of(
-      task.files, [&](const std::string& file) { return files.SameFile(output, platform::class_path(file)); });
-  if (is)
-    complain(task.output + ": that's a document, which is never overwritten; name another file" + kNothingExported);
+  const bool stands = files.CreateFileSystemObject()->FileExists(output);
+  const bool is = stands && begins_as_document(files, output);
+  if (is) {
+    complain(task.output + ": that's a VTR file, which is never overwritten here; name the files to export first" +
+             kNothingExported);
+  }
   return is;
 }
 
@@ -153,7 +161,7 @@ ExitStatus export_to_database(Machine& machine, const Settings& settings, const 
   if (is_document(files, task)) return kTrouble;
   const NewDatabase database(task.output);
   exchange::DatabaseExport target(task.output, texts_of(settings.code_page));
-  Documents documents(machine);
+  Documents documents(machine, task.salvage);
   for (const std::string& file : task.files) {
     const auto utility = documents.read_whole(file);
     if (!utility) return kTrouble;
@@ -168,7 +176,14 @@ ExitStatus export_to_database(Machine& machine, const Settings& settings, const 
 
 }  // namespace
 
-ExitStatus export_documents(const Settings& settings, const ExportTask& task) {
+ExitStatus export_documents(const Settings& settings, const ExportTask& given) {
+  ExportTask task = given;
+  // The name behind a form without another is that of the file: "vtrout export --json plant.vtr".
+  if (task.files.empty() && task.form != ExportForm::kDatabase) task.files.push_back(std::exchange(task.output, {}));
+  if (task.files.empty() || task.files.front().empty()) {
+    complain("FILE is required; see vtrout help export");
+    return kTrouble;
+  }
   if (task.form == ExportForm::kJson && task.files.size() > 1) {
     complain("--json takes one file; --ndjson and --sqlite take several");
     return kTrouble;

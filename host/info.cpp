@@ -2,6 +2,8 @@
 
 #include "host/commands.h"
 #include "host/json.h"
+#include "host/read_saving.h"
+#include "host/salvage_account.h"
 #include "platform/console/printable.h"
 #include "text/utf8.h"
 #include "vtrfile/lists.h"
@@ -96,15 +98,16 @@ void print_json(const TarvelVtrOut_InOut& utility, Locale& locale, const std::st
   const auto& damage = utility.LastDamage();
   Json lists = Json::object();
   for (const DocumentList& list : vtrfile::document_lists()) lists[list.key] = to_json(list, list.recount(document));
-  const Json whole = {{"file", file},
-                      {"result", !damage},
-                      {"structureList", damage ? Json(text::to_utf8(structure_list)) : Json()},
-                      {"damage", damage ? damage_json(*damage) : Json()},
-                      {"listsHoldTogether", broken_lists(document).empty()},
-                      {"gaps", gaps_json(utility.LastRead().gaps)},
-                      {"header", to_json(header_texts(*document.Header), locale)},
-                      {"product", to_json(product_texts(document.Schema->Product), locale)},
-                      {"lists", lists}};
+  Json whole = {{"file", file},
+                {"result", !damage && !utility.LastSalvage()},
+                {"structureList", damage ? Json(text::to_utf8(structure_list)) : Json()},
+                {"damage", damage ? damage_json(*damage) : Json()},
+                {"listsHoldTogether", broken_lists(document).empty()},
+                {"gaps", gaps_json(utility.LastRead().gaps)},
+                {"header", to_json(header_texts(*document.Header), locale)},
+                {"product", to_json(product_texts(document.Schema->Product), locale)},
+                {"lists", lists}};
+  if (const auto& salvaged = utility.LastSalvage()) whole["salvage"] = salvage_json(*salvaged, locale);
   show_json("info", whole);
 }
 
@@ -114,7 +117,7 @@ ExitStatus info(const Settings& settings, const InfoTask& task) {
   Machine machine(settings);
   TarvelVtrOut_InOut utility(machine.services());
   std::u16string structure_list;
-  const ExitStatus status = read(machine, utility, task.file, structure_list);
+  const ExitStatus status = read_saving(machine, utility, task.file, task.salvage, structure_list);
   if (status == kTrouble) return status;
 
   if (task.json) {
@@ -122,6 +125,7 @@ ExitStatus info(const Settings& settings, const InfoTask& task) {
   } else {
     print(utility.CurrentSlots(), machine.locale(), task.file);
     if (utility.LastDamage()) std::cout << '\n' << printable(structure_list) << '\n';
+    if (utility.LastSalvage()) print_salvage(std::cout << '\n', *utility.LastSalvage(), machine.locale());
   }
   std::cout.flush();
   if (utility.LastDamage()) complain(task.file + ": " + damage_text(*utility.LastDamage()));

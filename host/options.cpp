@@ -86,12 +86,17 @@ CLI::Option* add_output_dir(CLI::App& command, std::string& folder) {
   return add_file(command, "--output-dir", folder, "Write the reports into this folder, which must exist");
 }
 
+void add_salvage(CLI::App& command, bool& salvage) {
+  command.add_flag("--salvage", salvage, "Of a damaged file, take all that `vtrout recover` would save");
+}
+
 }  // namespace
 
 void add_info(CLI::App& command, Request& request) {
   InfoTask& task = request.info;
   add_file_operand(command, "FILE", task.file, "A VTR file");
   add_json(command, task.json);
+  add_salvage(command, task.salvage);
   add_code_page(command, request.settings);
 }
 
@@ -102,6 +107,7 @@ void add_report(CLI::App& command, Request& request) {
   auto* const temporary =
       command.add_flag("--temporary", task.temporary, "Use the temporary name, which has no date in it");
   auto* const output_dir = add_output_dir(command, task.output_dir);
+  add_salvage(command, task.salvage);
   add_overwrite(command, request.settings);
   add_code_page(command, request.settings);
   add_workbook(command, task.workbook, request.settings)->excludes(temporary)->excludes(output_dir);
@@ -149,6 +155,7 @@ void add_diff(CLI::App& command, Request& request) {
       ->option_text("WHEN")
       ->transform(CLI::Transformer(kWhen))
       ->default_str("auto");
+  add_salvage(command, task.salvage);
   add_json(command, task.json, "The differences for programs");
   command.get_option("--json")->excludes(all)->excludes(summary)->excludes(html);
   add_overwrite(command, request.settings);
@@ -157,6 +164,7 @@ void add_diff(CLI::App& command, Request& request) {
 
 void add_text(CLI::App& command, Request& request) {
   add_file_operand(command, "FILE", request.text.file, "A VTR file");
+  add_salvage(command, request.text.salvage);
   add_code_page(command, request.settings);
 }
 
@@ -165,6 +173,9 @@ void add_recover(CLI::App& command, Request& request) {
   add_file_operand(command, "FILE", task.file, "A VTR file, damaged or of the old format; it's never changed");
   add_file(command, "--output", task.output, "The new file; by default a name beside FILE");
   add_file(command, "--log", task.log, "A text file for the lists of what was read and recovered");
+  command.add_flag("--first-damage", task.first_damage, "Save only what stands in front of the first damage");
+  add_file(command, "--unexplained", task.unexplained,
+           "Write the bytes of which nothing can be told into this folder, each range to a file");
   add_json(command, task.json);
   add_overwrite(command, request.settings);
   add_code_page(command, request.settings);
@@ -181,6 +192,7 @@ void add_statistics(CLI::App& command, Request& request) {
 
 void add_export(CLI::App& command, Request& request) {
   add_export_options(command, request.exported, check_path);
+  add_salvage(command, request.exported.salvage);
   add_overwrite(command, request.settings);
   add_code_page(command, request.settings);
 }

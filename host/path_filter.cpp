@@ -117,7 +117,7 @@ std::vector<Steps> checked(const std::vector<std::string>& patterns) {
 
 }  // namespace
 
-PathFilter::PathFilter(std::vector<std::string> only, std::vector<std::string> ignore)
+PathFilter::PathFilter(const std::vector<std::string>& only, const std::vector<std::string>& ignore)
     : only_(checked(only)), ignore_(checked(ignore)) {}
 
 bool PathFilter::chooses(const differences::Difference& difference) const {

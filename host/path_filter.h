@@ -15,7 +15,7 @@ class PathFilter {
  public:
   // All when `only` is empty, but for those that `ignore` names. Raises UnknownPath for a pattern that no document has
   // a path for.
-  PathFilter(std::vector<std::string> only, std::vector<std::string> ignore);
+  PathFilter(const std::vector<std::string>& only, const std::vector<std::string>& ignore);
 
   // An item that was removed, added or moved is chosen, too, when it contains what `only` names.
   bool chooses(const differences::Difference& difference) const;

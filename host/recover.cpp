@@ -7,9 +7,12 @@
 #include "host/json.h"
 #include "host/new_file.h"
 #include "host/read_back.h"
+#include "host/read_saving.h"
 #include "host/recovery_account.h"
+#include "host/salvage_account.h"
 #include "platform/files/path.h"
 #include "platform/files/staged_files.h"
+#include "services/guard.h"
 #include "text/utf8.h"
 
 namespace trvtrout::host {
@@ -24,13 +27,6 @@ bool same_place(Files& files, const std::u16string& path, const std::u16string& 
 }
 
 std::string number_of(const std::optional<std::int64_t>& number) { return number ? std::to_string(*number) : "?"; }
-
-// Tenths of a percent, rounded down: only a file of which nothing is missing has all of it.
-std::string share(std::uint64_t part, std::uint64_t whole) {
-  const double tenths = whole == 0 ? 0 : static_cast<double>(part) * 1000.0 / static_cast<double>(whole);
-  const auto full = static_cast<std::uint64_t>(tenths);
-  return std::to_string(full / 10) + '.' + std::to_string(full % 10) + '%';
-}
 
 void print(const KeptList& list, int indent, int width, bool whole) {
   const bool passed = list.test == ListTest::kPassed;
@@ -57,7 +53,7 @@ void print_remarks(const RecoveryAccount& account) {
               << other_texts << '\n';
   }
   std::cerr << "kept " << (account.kept_at_most ? "at most " : "") << account.kept << " of " << account.bytes
-            << " bytes (" << share(account.kept, account.bytes) << ")\n";
+            << " bytes (" << percent(account.kept, account.bytes) << ")\n";
   if (account.behind_end > 0) {
     std::cerr << account.behind_end << " bytes after the end tag are not part of the document\n";
   }
@@ -99,13 +95,15 @@ Json to_json(const KeptPart& part) {
 struct Written {
   std::string output, log_failure;
   std::u16string message;
+  std::vector<std::string> unexplained;  // the files that hold what nothing can be told of
 };
 
 void print_json(const RecoveryTask& task, const Written& written, const RecoveryAccount& account,
-                const TarvelVtrOut_InOut& utility) {
+                const TarvelVtrOut_InOut& utility, Locale& locale) {
   Json parts = Json::object();
   for (const KeptPart& part : account.parts) parts[std::string(part.name)] = to_json(part);
   const auto& damage = utility.LastDamage();
+  const auto& salvaged = utility.LastSalvage();
   show_json("recover", {{"file", task.file},
                         {"output", written.output},
                         {"log", task.log.empty() || !written.log_failure.empty() ? Json() : Json(task.log)},
@@ -117,18 +115,21 @@ void print_json(const RecoveryTask& task, const Written& written, const Recovery
                         {"keptAtMost", account.kept_at_most},
                         {"bytesBehindEnd", account.behind_end},
                         {"parts", parts},
+                        {"salvage", salvaged ? salvage_json(*salvaged, locale) : Json()},
+                        {"unexplainedFiles", written.unexplained},
                         {"message", text::to_utf8(written.message)}});
 }
 
 // Reads the file; false when there is nothing in it to recover, of which the user has been told.
-bool read_damaged(Machine& machine, TarvelVtrOut_InOut& utility, const std::string& file, std::u16string& message) {
-  if (read(machine, utility, file, message) == kTrouble) {
+bool read_damaged(Machine& machine, TarvelVtrOut_InOut& utility, const RecoveryTask& task, std::u16string& message) {
+  const std::string& file = task.file;
+  if (read_saving(machine, utility, file, !task.first_damage, message) == kTrouble) {
     // Of a file that can't be read at all the list has been made, and the user told why.
     if (message.empty() && !utility.LastRead().parts.empty())
       complain(file + ": its version can't be read; the file may be damaged" + kNothingWritten);
     return false;
   }
-  if (utility.LastRead().parts.front().whole) return true;
+  if (utility.LastSalvage() || utility.LastRead().parts.front().whole) return true;
   complain(file + ": " + damage_text(*utility.LastDamage()) + "; without a header nothing can be recovered" +
            kNothingWritten);
   return false;
@@ -182,15 +183,25 @@ class NewFiles {
 };
 
 void tell(const RecoveryTask& task, const Written& written, const RecoveryAccount& account,
-          const TarvelVtrOut_InOut& utility, bool quiet) {
+          const TarvelVtrOut_InOut& utility, Locale& locale, bool quiet) {
   if (utility.LastDamage()) complain(task.file + ": " + damage_text(*utility.LastDamage()));
   if (!written.log_failure.empty()) complain(written.output + " was written; the log wasn't: " + written.log_failure);
   if (task.json) {
-    print_json(task, written, account, utility);
+    print_json(task, written, account, utility, locale);
   } else {
     if (!quiet) print(account);
+    if (!quiet && utility.LastSalvage()) print_salvage(std::cerr, *utility.LastSalvage(), locale);
     std::cout << written.output << std::endl;
   }
+}
+
+// Their paths; those that couldn't be written aren't among them, and the user has been told.
+std::vector<std::string> unexplained_files(const RecoveryTask& task, const vtrfile::Salvaged& salvaged) {
+  return guarded([&] { return write_unexplained(task.file, task.unexplained, salvaged); },
+                 [](const Failure& failure) {
+                   complain(failure.what + "; the unexplained bytes weren't all written, the new file was");
+                   return std::vector<std::string>();
+                 });
 }
 
 }  // namespace
@@ -200,7 +211,7 @@ ExitStatus recover(const Settings& settings, const RecoveryTask& task) {
   NewFiles files(machine.services().files, task.file);
   TarvelVtrOut_InOut utility(machine.services(files.output()));
   std::u16string message;
-  if (!read_damaged(machine, utility, task.file, message)) return kTrouble;
+  if (!read_damaged(machine, utility, task, message)) return kTrouble;
   auto targets = targets_of(machine.services(), task);
   if (!targets) return kTrouble;
 
@@ -225,8 +236,14 @@ ExitStatus recover(const Settings& settings, const RecoveryTask& task) {
   }
   progress.show({});
 
-  const RecoveryAccount account = account_for_recovery(before, utility.CurrentSlots(), utility.LastRead(), *sizes);
-  tell(task, {output, log_failure, message}, account, utility, settings.quiet);
+  RecoveryAccount account = account_for_recovery(before, utility.CurrentSlots(), utility.LastRead(), *sizes);
+  Written written{output, log_failure, message, {}};
+  if (const auto& salvaged = utility.LastSalvage()) {
+    account.nothing_lost = false;
+    enter_losses(account, *salvaged);
+    if (!task.unexplained.empty()) written.unexplained = unexplained_files(task, *salvaged);
+  }
+  tell(task, written, account, utility, machine.locale(), settings.quiet);
   return account.nothing_lost && log_failure.empty() ? kFine : kRemarkable;
 }
 

@@ -54,10 +54,9 @@ class Accountant {
   Accountant(const DocumentSlots& before, const DocumentSlots& after, const vtrfile::FileRead& read)
       : before_(before), after_(after), read_(read), complete_(find(read.parts, vtrfile::kEndTag).last != nullptr) {}
 
-  // Without a whole header nothing is recovered.
   KeptPart header() const {
     const PartRead& header = read_.parts.front();
-    return {header.name, Fate::kWhole, header.end, header.end};
+    return {header.name, header.whole ? Fate::kWhole : Fate::kPartlyRead, header.end, header.end};
   }
 
   KeptPart section(std::string_view name, std::uint64_t written) const {

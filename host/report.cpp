@@ -1,5 +1,6 @@
 #include "host/commands.h"
 #include "host/part_reports.h"
+#include "host/read_saving.h"
 #include "platform/files/path.h"
 
 namespace trvtrout::host {
@@ -14,11 +15,12 @@ ExitStatus report(const Settings& settings, const ReportTask& task) {
   TarvelVtrOut_InOut utility(machine.services());
   utility.SetReportFolder(platform::class_path(task.output_dir));
   std::u16string structure_list;
-  const ExitStatus status = read(machine, utility, task.file, structure_list);
+  const ExitStatus status = read_saving(machine, utility, task.file, task.salvage, structure_list);
   if (status == kTrouble) return status;
   if (utility.LastDamage()) {
     complain(task.file + ": " + damage_text(*utility.LastDamage()) +
-             "; the reports hold what could be read up to there");
+             (utility.LastSalvage() ? "; the reports hold what could be saved"
+                                    : "; the reports hold what could be read up to there"));
   }
 
   std::u16string path = platform::class_path(task.file);

@@ -13,7 +13,7 @@ constexpr const char* kCompared =
     "(shown side by side), relations, hidden tables and lookups, field matches, extended storage, the DSN list,\n"
     "import files, residual tables and spare slots; docs/reports.md lists every column. Of a file in the old format,\n"
     "01.00.00, only table, field and lookup can be compared. In a workbook the labels of the last rows can stay\n"
-    "plain; docs/workbooks.md says when.\n";
+    "plain; docs/workbooks.md says when. The last line says whether anything else differs; vtrout diff tells it.\n";
 
 constexpr const char* kDiffered =
     "Compared are all values of all fourteen sections; vtrout compare looks at the columns of its reports alone.\n"
@@ -42,7 +42,7 @@ constexpr Subcommand kSubcommands[] = {
      [](const Request& request) { return compare(request.settings, request.comparison); },
      {kCompared, kCutCells},
      {"vtrout compare old.vtr new.vtr --summary", "vtrout compare old.vtr new.vtr --workbook changes.xlsx"},
-     {"no row differs", "a row changed, was deleted or was added",
+     {"nothing differs outside the header", "a row changed, was deleted or was added, or something else differs",
       "trouble, explained on stderr; also when a part that was asked for\n     couldn't be compared to its end"}},
     {"diff",
      "Show every difference between two files, item by item",
@@ -59,7 +59,7 @@ constexpr Subcommand kSubcommands[] = {
      {"vtrout text plant.vtr", "git config diff.vtr.textconv 'vtrout text'"},
      {"the whole file was read", "the file is damaged; the lines are what could be read", kTroubleStatus}},
     {"recover",
-     "Write what can be read of a file to a new one; print its path, and what became of each section",
+     "Write what can be saved of a file to a new one; print its path, and what became of each section",
      add_recover,
      [](const Request& request) { return recover(request.settings, request.recovery); },
      {},

@@ -1,4 +1,5 @@
 #include "host/commands.h"
+#include "host/read_saving.h"
 #include "host/terminal/value_lines.h"
 #include "vtrfile/value_types.h"
 
@@ -8,7 +9,7 @@ ExitStatus text(const Settings& settings, const TextTask& task) {
   Machine machine(settings);
   TarvelVtrOut_InOut utility(machine.services());
   std::u16string structure_list;
-  const ExitStatus status = read(machine, utility, task.file, structure_list);
+  const ExitStatus status = read_saving(machine, utility, task.file, task.salvage, structure_list);
   if (status == kTrouble) return status;
   const auto tell = [](const std::string& line) { std::cout << line << '\n'; };
   for_each_line(machine.locale(), header_of(utility.CurrentSlots()), tell, std::string(vtrfile::PartRead::kHeader));

@@ -68,6 +68,9 @@ class BinaryFile {
   // Fills `into` from the file and returns how many bytes came: fewer than asked at the end of the file, or in front of
   // what can't be read, for which the next call raises ServiceError.
   virtual std::size_t Read(std::span<unsigned char> into) = 0;
+  // The next call of Read goes on at this byte from the start, wherever the last one ended or failed. False where the
+  // machine can't; it stays where it was then.
+  virtual bool SkipTo(std::uint64_t /*offset*/) { return false; }
   // Raises ServiceError.
   virtual void Close() = 0;
 };

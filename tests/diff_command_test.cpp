@@ -24,7 +24,7 @@ std::string page_to_approve(std::string page) {
   for (const auto& [found, mark] : kMarks) page = std::regex_replace(page, found, mark);
   std::string approved;
   for (const char* const begin : {"<meta http-equiv", "<title>", "<noscript>", "<script type="}) {
-    approved += page.substr(page.find(begin), page.find("\n", page.find(begin)) - page.find(begin)) + '\n';
+    approved += page.substr(page.find(begin), page.find('\n', page.find(begin)) - page.find(begin)) + '\n';
   }
   const std::size_t differences = page.rfind("<script type=");
   return approved + page.substr(differences, page.rfind("<script>") - differences);
@@ -253,6 +253,20 @@ TEST_F(Diff, CompareNeverCallsDocumentsTheSameThatDiffer) {
   auto& new_node = other["sections"]["TarvelDefinitionHeader"]["Items"][0]["Nodes"][0] = old_node;
   for (const char* name : {"Var1", "Var2", "Var3", "Var4"}) new_node[name] = {{"type", 2}, {"value", 7}};
   expect_beside(one, other);
+}
+
+TEST_F(Diff, WhatCanBeSavedOfADamagedFileIsComparedAndExported) {
+  put("d.vtr", sample("damaged/unknown-section.vtr"));
+  const Outcome saved = vtrout("diff --salvage a.vtr d.vtr");
+  EXPECT_EQ(saved.status, 1);  // of what couldn't be saved nobody knows
+  EXPECT_EQ(saved.out, "no differences\n");
+  EXPECT_NE(saved.err.find("d.vtr: read on behind the damage"), std::string::npos) << saved.err;
+  EXPECT_EQ(vtrout("diff --salvage a.vtr a.vtr").status, 0);
+  expect_refused("vtrout export d.vtr --json", "--salvage exports what can be saved of it");
+  const Outcome exported = vtrout("export --salvage d.vtr --json d.json");
+  EXPECT_EQ(exported.status, 1) << exported.err;
+  EXPECT_EQ(vtrout("import d.json e.vtr && vtrout diff a.vtr e.vtr").out, "e.vtr\nno differences\n");
+  EXPECT_EQ(vtrout("text --salvage d.vtr").out, vtrout("text a.vtr").out);
 }
 
 // In a real repository.

@@ -1,5 +1,4 @@
-#include "differences/differences.h"
-
+#include <gtest/gtest.h>
 #include <map>
 
 #include "tests/edited_documents.h"

@@ -1,6 +1,7 @@
 #include "tests/edited_documents.h"
 
 #include <algorithm>
+#include <gtest/gtest.h>
 #include <sstream>
 
 #include "exchange/json_document.h"

@@ -49,7 +49,7 @@ TEST_F(RecoverCommand, AccountsForProgramsAndPeople) {
   const SectionPlace language = section_places(whole)[4];
   ASSERT_EQ(language.tag, "Language");
   put("d.vtr", whole.substr(0, language.begin + 500));
-  const Outcome programs = vtrout("recover d.vtr --output new.vtr --json");
+  const Outcome programs = vtrout("recover d.vtr --output new.vtr --json --first-damage");
   EXPECT_EQ(programs.status, 1);
   const auto account = nlohmann::json::parse(programs.out);
   EXPECT_EQ(account["output"], "new.vtr");
@@ -65,7 +65,7 @@ TEST_F(RecoverCommand, AccountsForProgramsAndPeople) {
   EXPECT_EQ(account["parts"]["Module"]["outcome"], "notReached");
   EXPECT_TRUE(account["message"].get<std::string>().starts_with("List of the structures that were sucessfuly read"));
 
-  const Outcome people = vtrout("recover d.vtr --output other.vtr");
+  const Outcome people = vtrout("recover d.vtr --output other.vtr --first-damage");
   EXPECT_TRUE(std::regex_search(
       people.err,
       std::regex("damaged: reading stopped at byte [0-9]+, SectionTag\\[6\\]: the file .*, from byte [0-9]+ on\n")))
@@ -87,7 +87,7 @@ TEST_F(RecoverCommand, TellsOfASectionThatHidesBehindABadTag) {
   std::string bytes = sample("odd/reversed-sections.vtr");
   bytes[bytes.find("\x0A\0ControlTag"s) + 2] = 'c';
   put("d.vtr", bytes);
-  for (const char* command : {"info d.vtr --json", "recover d.vtr --output new.vtr --json"}) {
+  for (const char* command : {"info d.vtr --json", "recover d.vtr --output new.vtr --json --first-damage"}) {
     const Outcome run = vtrout(command);
     EXPECT_EQ(run.status, 1) << command;
     EXPECT_NE(run.err.find("were skipped: \"controlTag\""), std::string::npos) << run.err;
@@ -103,6 +103,58 @@ TEST_F(RecoverCommand, TellsOfASectionThatHidesBehindABadTag) {
   for (const char* empty : {"--output ''", "--log ''"}) {
     EXPECT_EQ(vtrout("recover d.vtr --yes " + std::string(empty)).status, 2) << empty;
   }
+}
+
+TEST_F(RecoverCommand, SavesWhatStandsBehindTheDamage) {
+  std::string bytes = sample("plant.vtr");
+  const auto places = section_places(bytes);
+  const SectionPlace hidden = places[2], tree = places[3];
+  std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(tree.begin + 200), 300, '\0');
+  bytes[bytes.find("\x0A\0ControlTag"s) + 2] = 'c';
+  put("d.vtr", bytes);
+  fs::create_directory(at("pieces"));
+  const Outcome run = vtrout("recover d.vtr --output new.vtr --json --unexplained pieces");
+  EXPECT_EQ(run.status, 1);
+  const auto account = nlohmann::json::parse(run.out);
+  EXPECT_EQ(account["nothingLost"], false);
+  EXPECT_EQ(account["parts"]["Hidden"]["outcome"], "whole");
+  EXPECT_EQ(account["parts"]["Module"]["outcome"], "whole");
+  const auto& nodes = account["parts"]["TreeHierarchy"]["lists"]["tree"];
+  EXPECT_EQ(nodes["announced"], 7);
+  EXPECT_LT(nodes["kept"], 7);
+  EXPECT_GT(nodes["kept"], 2);
+  std::uint64_t unexplained = 0;
+  for (const auto& range : account["salvage"]["unexplained"]) {
+    const std::uint64_t begin = range["begin"], end = range["end"];
+    unexplained += end - begin;
+    const std::string piece = "pieces/d.vtr." + std::to_string(begin) + '-' + std::to_string(end);
+    EXPECT_TRUE(get(piece) == bytes.substr(begin, end - begin)) << piece;
+  }
+  EXPECT_EQ(account["salvage"]["bytesExplained"], bytes.size() - unexplained);
+  EXPECT_EQ(account["unexplainedFiles"].size(), account["salvage"]["unexplained"].size());
+  Reading reading;
+  reading.read(get("new.vtr"));
+  EXPECT_TRUE(section_bytes(reading, "Hidden") == bytes.substr(hidden.begin, hidden.end - hidden.begin));
+
+  const Outcome people = vtrout("recover d.vtr --output other.vtr");
+  EXPECT_NE(people.err.find("ControlTag: whole, found behind damage at byte "), people.err.npos) << people.err;
+  EXPECT_NE(people.err.find("missing in TreeHierarchy/Items: bytes "), people.err.npos) << people.err;
+  // Only looking writes nothing.
+  const Outcome info = vtrout("info d.vtr --salvage");
+  EXPECT_EQ(info.status, 1);
+  EXPECT_NE(info.err.find("read on behind the damage"), info.err.npos) << info.err;
+  EXPECT_NE(info.out.find("ControlTag: whole, found behind damage"), info.out.npos) << info.out;
+  EXPECT_EQ(vtrout("report d.vtr --salvage --temporary --part ctrltag").status, 1);
+  EXPECT_NE(vtrout("report d.vtr --temporary --part ctrltag --yes").err, "");
+  EXPECT_TRUE(get("d.vtr") == bytes);
+
+  // A struck header is no hindrance any more.
+  bytes.replace(bytes.find("01.02.00"), 2, "\x01\x02");
+  put("h.vtr", bytes);
+  EXPECT_EQ(vtrout("recover h.vtr --output h2.vtr --first-damage").status, 2);
+  const Outcome headless = vtrout("recover h.vtr --output h2.vtr");
+  EXPECT_EQ(headless.status, 1) << headless.err;
+  EXPECT_NE(headless.err.find("the sections fit that of 01.02.00"), headless.err.npos) << headless.err;
 }
 
 // A list that fails its test and can't be emptied, or isn't reached, is named, here and by `info` on the new file.

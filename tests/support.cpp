@@ -93,7 +93,8 @@ void Reading::read(std::string_view bytes) {
   damage.reset();
   complete = false;
   try {
-    complete = reader.read(image_of(bytes));
+    image = image_of(bytes);
+    complete = reader.read(image);
   } catch (const ReadError& error) {
     damage = std::make_unique<ReadError>(error);
   }

@@ -79,6 +79,7 @@ class FileBuilder {
 
 // One document and its reading, without a class around it.
 struct Reading {
+  std::shared_ptr<const vtrfile::Image> image;
   vtrfile::DocumentSlots current;
   vtrfile::GroupSlots group;
   vtrfile::Slot<vtrfile::SCHEMA_STRUCT_OLD1> schema_old;

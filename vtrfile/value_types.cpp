@@ -1,6 +1,7 @@
 #include "vtrfile/value_types.h"
 
 #include <algorithm>
+#include <bit>
 #include <stdexcept>
 #include <string>
 
@@ -56,13 +57,14 @@ const ValueType* element_of(const std::array<Element, Size>&) {
 
 template <class Record>
 void describe_members(ValueType& type) {
-  const Record& record = kEmpty<Record>;
+  const Record record{};
   for_each_field(record, [&](const char* name, const auto& member) {
     using Member = Described<std::remove_cvref_t<decltype(member)>>;
     static_assert(sizeof(member) == sizeof(typename Member::Value));
-    const auto offset = reinterpret_cast<const std::byte*>(&member) - reinterpret_cast<const std::byte*>(&record);
+    // Where it stands, in bytes.
+    const auto offset = reinterpret_cast<std::uintptr_t>(&member) - reinterpret_cast<std::uintptr_t>(&record);
     const ValueType& described_member = described<typename Member::Value>();
-    type.members.push_back({name, static_cast<std::size_t>(offset), &described_member, Member::kSince});
+    type.members.push_back({name, offset, &described_member, Member::kSince});
     if (!Member::kSince.empty() || !described_member.same_in_all_versions) type.same_in_all_versions = false;
   });
 }
@@ -132,7 +134,7 @@ std::span<const unsigned char> Value::bytes() const noexcept {
 }
 
 std::uint32_t Value::elements() const noexcept {
-  return static_cast<std::uint32_t>(kind() == Kind::kRun ? type_->count : array().size());
+  return kind() == Kind::kRun ? static_cast<std::uint32_t>(type_->count) : static_cast<std::uint32_t>(array().size());
 }
 
 Value Value::element(std::uint32_t place) const noexcept {
@@ -244,10 +246,8 @@ bool equal(Value a, Value b) {
     case Kind::kInt16:
     case Kind::kInt32:
       return a.integer() == b.integer();
-    case Kind::kFloat: {
-      const auto one = a.real(), other = b.real();
-      return std::memcmp(&one, &other, sizeof one) == 0;
-    }
+    case Kind::kFloat:
+      return std::bit_cast<std::uint32_t>(a.real()) == std::bit_cast<std::uint32_t>(b.real());
     case Kind::kFlag:
       return a.flag() == b.flag();
     case Kind::kText:
@@ -285,6 +285,8 @@ bool is_empty(Value value) {
 }
 
 Value header_of(const DocumentSlots& document) { return record_value(*document.Header); }
+
+const ValueType& old_schema_type() { return described<SCHEMA_STRUCT_OLD1>(); }
 
 std::vector<SectionValue> sections_of(const DocumentSlots& document) {
   std::vector<SectionValue> sections;

@@ -117,6 +117,8 @@ struct SectionValue {
 };
 
 Value header_of(const DocumentSlots& document);
+// The type of the section "Schema" in a file of the old format.
+const ValueType& old_schema_type();
 // All sections in the order in which they are written. Those of an empty document tell the types.
 std::vector<SectionValue> sections_of(const DocumentSlots& document);
 

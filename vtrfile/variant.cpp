@@ -37,6 +37,10 @@ int plain_width(std::uint16_t tag) {
 
 bool can_be_element(std::uint16_t tag) { return plain_width(tag) > 0 || tag == kVariantText || tag == kVariantVariant; }
 
+bool is_array_of(std::uint16_t tag) {
+  return tag >= kVariantArray && can_be_element(static_cast<std::uint16_t>(tag - kVariantArray));
+}
+
 }  // namespace
 
 const unsigned char* VariantWalk::variant(const unsigned char* at, int depth) {
@@ -62,7 +66,7 @@ const unsigned char* VariantWalk::body(std::uint16_t tag, const unsigned char* t
     const std::size_t whole = 2 + std::size_t{load<std::uint16_t>(at)};
     return whole <= left(at) ? at + whole : nullptr;
   }
-  if (tag >= kVariantArray && can_be_element(static_cast<std::uint16_t>(tag - kVariantArray))) {
+  if (is_array_of(tag)) {
     return array(static_cast<std::uint16_t>(tag - kVariantArray), at, depth);
   }
   throw ReadError(offset(tag_at), "variant type " + std::to_string(tag) + ", which the format doesn't have");
@@ -85,6 +89,7 @@ const unsigned char* VariantWalk::array(std::uint16_t element_tag, const unsigne
                     ReadError::Cause::kOutOfStep);
   }
   for (std::uint64_t element = 0; element < count; ++element) {
+    ++work_;
     at = element_tag == kVariantVariant ? variant(at, depth + 1) : body(element_tag, at, at, depth);
     if (!at) return nullptr;
   }
@@ -99,6 +104,10 @@ void append_variants(std::string& out, const unsigned char* at, std::size_t coun
   const std::size_t start = out.size();
   out.append(reinterpret_cast<const char*>(at), static_cast<std::size_t>(behind - at));
   for (const unsigned char* flag : odd_flags) out.replace(start + static_cast<std::size_t>(flag - at), 2, "\xFF\xFF");
+}
+
+bool is_variant_tag(std::uint16_t tag) noexcept {
+  return plain_width(tag) != kNoPlainBody || tag == kVariantText || is_array_of(tag);
 }
 
 VariantValue value_of(Var variant) noexcept {

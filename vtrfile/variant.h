@@ -44,6 +44,9 @@ class VariantWalk {
   // doesn't know, an array that can't be honoured, and nesting beyond kMaxDepth.
   const unsigned char* skip(const unsigned char* at) { return variant(at, 0); }
 
+  // Elements of arrays gone through so far.
+  std::uint64_t work() const noexcept { return work_; }
+
   static constexpr int kMaxDepth = 32;
 
  private:
@@ -58,11 +61,15 @@ class VariantWalk {
   const unsigned char* begin_ = nullptr;
   const unsigned char* end_ = nullptr;
   Allowance allowance_ = 0;
+  std::uint64_t work_ = 0;
   std::vector<const unsigned char*>* odd_flags_ = nullptr;
 };
 
 // Appends the `count` variants that stand from `at` on, as they are written: a True is -1, whatever value stood for it.
 void append_variants(std::string& out, const unsigned char* at, std::size_t count);
+
+// Whether a variant can have this type tag.
+bool is_variant_tag(std::uint16_t tag) noexcept;
 
 // A variant's type and where its body stands.
 struct VariantValue {

@@ -145,8 +145,8 @@ struct stat FileHandle::status() const {
 
 std::uint64_t FileHandle::size() const { return static_cast<std::uint64_t>(status().st_size); }
 
-void FileHandle::rewind() const {
-  if (lseek(descriptor_, 0, SEEK_SET) != 0) raise(errno);
+void FileHandle::seek(std::uint64_t offset) const {
+  if (lseek(descriptor_, static_cast<off_t>(offset), SEEK_SET) < 0) raise(errno);
 }
 
 std::string FileHandle::read_rest() const {

@@ -32,8 +32,9 @@ class FileHandle {
   // Returns fewer bytes than asked at the end of the file, or in front of what can't be read, for which the next call
   // raises ServiceError.
   std::size_t read(std::span<unsigned char> into) const;
-  // The next read begins at the first byte. Raises ServiceError.
-  void rewind() const;
+  // The next read begins at this byte. Raises ServiceError.
+  void seek(std::uint64_t offset) const;
+  void rewind() const { seek(0); }
   // The bytes from here to the end. Raises ServiceError.
   std::string read_rest() const;
   // What the machine tells of the file. Raises ServiceError.

@@ -19,6 +19,7 @@ class LocalBinaryFile : public BinaryFile {
 
   std::uint64_t Size() override { return file_.size(); }
   std::size_t Read(std::span<unsigned char> into) override { return file_.read(into); }
+  bool SkipTo(std::uint64_t offset) override { return file_.seek(offset), true; }
   void Close() override {
     if (const int error = file_.close(); error != 0) file_.raise(error);
   }

@@ -29,6 +29,7 @@ TEST_F(Exchange, ThereAndBack) {
   EXPECT_EQ(there.status, 0) << there.err;
   EXPECT_EQ(there.out, "plant.json\n");
   EXPECT_EQ(vtrout("export plant.vtr --json").out, get("plant.json"));
+  EXPECT_EQ(vtrout("export --json plant.vtr").out, get("plant.json"));
   const Outcome back = vtrout("import plant.json back.vtr");
   EXPECT_EQ(back.status, 0) << back.err;
   EXPECT_EQ(back.out, "back.vtr\n");
@@ -52,10 +53,13 @@ TEST_F(Exchange, NothingIsLost) {
   expect_refused("vtrout import plant.json no-folder/new.vtr", "no-folder");
   expect_refused("vtrout export plant.vtr --json plant.vtr --yes", "never overwritten");
   expect_refused("vtrout export plant.vtr dense.vtr --ndjson dense.vtr --yes", "never overwritten");
+  expect_refused("vtrout export --json dense.vtr plant.vtr --yes", "name the files to export first");
+  expect_refused("vtrout export --sqlite new.db", "FILE is required");
+  expect_refused("vtrout export plant.vtr --ndjson --pretty", "--json");
   expect_refused("vtrout export damaged.vtr --json new.json", "vtrout recover");
   expect_refused("vtrout export plant.vtr dense.vtr --json new.json", "--json takes one file");
   expect_refused("vtrout export plant.vtr damaged.vtr --ndjson new.ndjson", "nothing was exported");
-  expect_refused("vtrout export plant.vtr --sqlite dense.vtr", "file is not a database");
+  expect_refused("vtrout export plant.vtr --sqlite dense.vtr", "never overwritten");
   expect_refused("vtrout export plant.vtr --sqlite text.txt", "file is not a database");
   expect_refused("vtrout export plant.vtr --sqlite other.db", "holds something else");
   expect_refused("vtrout export plant-next.vtr damaged.vtr --sqlite plants.db", "nothing was exported");

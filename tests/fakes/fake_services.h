@@ -39,6 +39,8 @@ class MemoryFiles : public Files {
   int closed = 0;  // calls of Close
   // Where a file's medium is bad: nothing from this byte on can be read.
   std::map<std::u16string, std::size_t> bad_from;
+  // Where it's bad for a while: from the first byte up to the second nothing can be read.
+  std::map<std::u16string, std::pair<std::size_t, std::size_t>> bad_range;
 
   // Counts anew from 1, the calls on the files and on all objects that come from them together, and lets call `call`
   // raise an error in place of doing its work; 0: none fails. Destroying an object is no call.
@@ -139,17 +141,24 @@ class MemoryFiles : public Files {
     std::uint64_t Size() override { return bytes().size(); }
     std::size_t Read(std::span<unsigned char> into) override {
       const std::size_t readable = std::min(into.size(), readable_to() - std::min(readable_to(), position_));
-      if (readable == 0 && !into.empty() && owner().bad_from.contains(path())) {
+      const bool bad = owner().bad_from.contains(path()) || owner().bad_range.contains(path());
+      if (readable == 0 && !into.empty() && bad) {
         refuse(ErrorNumber::kDeviceError, path());
       }
       const std::size_t length = bytes().copy(reinterpret_cast<char*>(into.data()), readable, position_);
       position_ += length;
       return length;
     }
+    bool SkipTo(std::uint64_t offset) override {
+      position_ = static_cast<std::size_t>(offset);
+      return true;
+    }
     void Close() override { finish(); }
 
    private:
     std::size_t readable_to() {
+      const auto range = owner().bad_range.find(path());
+      if (range != owner().bad_range.end() && position_ < range->second.second) return range->second.first;
       const auto bad = owner().bad_from.find(path());
       return bad == owner().bad_from.end() ? std::string::npos : bad->second;
     }
