@@ -5,6 +5,7 @@
 
 #include "reports/columns.h"
 #include "vtrfile/value_types.h"
+#include "vtrfile/variant.h"
 
 namespace trvtrout {
 namespace {
@@ -22,13 +23,29 @@ constexpr ComparedList list(std::string_view path) {
   return {path, [](const void* one, const void* other) { return differ(kColumns, one, other); }};
 }
 
+// As they are compared: only texts with the indexes 0 to 3 are looked at, and none of a definition that had no scripts.
+bool scripts_differ(vtrfile::Var one, vtrfile::Var other) {
+  constexpr int kScripts = 4;
+  if (one.empty() || equal(one, other)) return false;
+  try {
+    for (int script = 0; script < kScripts; ++script) {
+      const auto old_value = vtrfile::element_of(one, script), new_value = vtrfile::element_of(other, script);
+      if (old_value.tag != vtrfile::kVariantText || new_value.tag != vtrfile::kVariantText) return true;
+      if (vtrfile::Text(old_value.body) != vtrfile::Text(new_value.body)) return true;
+    }
+  } catch (const vtrfile::SubscriptOutOfRange&) {
+    return true;
+  }
+  return false;
+}
+
 // Two values of a definition are compared that no column shows as they are.
 bool definitions_differ(const void* one, const void* other) {
   const auto header_of = [](const void* item) -> const auto& {
     return static_cast<const vtrfile::DATASEND_ITEM_STRUCT*>(item)->Header;
   };
   return differ(kDefinitionColumns, one, other) || header_of(one).Number1 != header_of(other).Number1 ||
-         !equal(header_of(one).VBSInfo, header_of(other).VBSInfo);
+         scripts_differ(header_of(one).VBSInfo, header_of(other).VBSInfo);
 }
 
 constexpr std::array kLists = {

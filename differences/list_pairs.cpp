@@ -2,13 +2,14 @@
 //
 // 1. Equal items at the beginning and at the end of both lists are partners.
 // 2. In between, both lists are walked side by side. Equal items are partners; where two differ, the walk goes on
-// behind
-//    them, or behind some items that one list has more, whichever finds more equal ones.
+//    behind them, or behind some items that one list has more, whichever finds more equal ones.
 // 3. Of what is left over, items with a key that occurs once in both are partners; of a key that occurs several times,
 //    equal items first, then the others in order.
 // 4. Of what is left over then, equal items, in order.
 // 5. The longest run of partners that stand in the same order in both lists stays; the others have moved.
-// 6. What is left over between the same two of those that stay, and is alike, is a changed item.
+// 6. Where some have moved and several items have the same content, the walk may have taken one of these for another.
+//    Then 3 to 5 are tried with a longest common subsequence in place of the walk, if there is one to be found soon.
+// 7. What is left over between the same two of those that stay, and is alike, is a changed item.
 //
 // Each step is linear in the items that the one before it left, but for sorting them; none compares all with all,
 // whatever the items are.
@@ -24,6 +25,7 @@
 #include <tuple>
 #include <utility>
 
+#include "differences/common_sequence.h"
 #include "differences/likeness.h"
 #include "vtrfile/item_keys.h"
 
@@ -33,7 +35,6 @@ namespace {
 using vtrfile::Value;
 
 constexpr std::uint32_t kNone = ListPairs::kNone;
-
 using Places = std::vector<std::uint32_t>;
 
 // An item that is looked for, with what it's known by.
@@ -55,13 +56,10 @@ class Pairing {
 
   ListPairs run() {
     strip_ends();
-    partner_of_old_.assign(old_end_ - front_, kNone);
-    partner_of_new_.assign(new_end_ - front_, kNone);
-    same_.assign(partner_of_new_.size(), false);
+    forget_pairs();
     walk_side_by_side();
-    pair_by_key();
-    pair_by_content(left_over(partner_of_old_), left_over(partner_of_new_));
-    find_moved();
+    pair_others();
+    if (count_moved() > 0) try_common_order();
     pair_alike();
     return result();
   }
@@ -85,19 +83,25 @@ class Pairing {
     return same(front_ + old_place, front_ + new_place);
   }
 
+  void forget_pairs();
+  void pair_others();
+  std::ptrdiff_t count_moved() const { return std::ranges::count(moved_, true); }
   void strip_ends();
   void walk_side_by_side();
   std::pair<std::uint32_t, std::uint32_t> go_on_from(std::uint32_t old_place, std::uint32_t new_place) const;
   std::uint32_t equal_run(std::uint32_t old_place, std::uint32_t new_place) const;
   void pair_by_key();
   void pair_by_content(const Places& old_places, const Places& new_places);
+  template <class Visit>
+  void for_each_common_content(const Places& old_places, const Places& new_places, Visit&& visit);
   std::vector<Known> by_content(Value list, const Places& places);
   std::vector<Known> by_key(Value list, const Places& places) const;
   void find_moved();
+  void try_common_order();
+  bool find_tokens(Places& of_old, Places& of_new);
   void pair_alike();
   void pair_alike_within(const Places& old_gap, const Places& new_gap);
   ListPairs result() const;
-
   static Places left_over(const Places& partners);
   void pair(std::uint32_t old_place, std::uint32_t new_place, bool same) {
     partner_of_old_[old_place] = new_place;
@@ -116,6 +120,19 @@ class Pairing {
   std::vector<bool> moved_;           // of the new items
   std::vector<std::string> written_;  // items as they'd be written, where no image has them
 };
+
+void Pairing::forget_pairs() {
+  partner_of_old_.assign(old_end_ - front_, kNone);
+  partner_of_new_.assign(new_end_ - front_, kNone);
+  same_.assign(partner_of_new_.size(), false);
+}
+
+// Those that stand in no common order.
+void Pairing::pair_others() {
+  pair_by_key();
+  pair_by_content(left_over(partner_of_old_), left_over(partner_of_new_));
+  find_moved();
+}
 
 void Pairing::strip_ends() {
   const std::uint32_t shorter = std::min(old_count_, new_count_);
@@ -246,12 +263,15 @@ std::vector<Known> Pairing::by_content(Value list, const Places& places) {
   return known;
 }
 
-void Pairing::pair_by_content(const Places& old_places, const Places& new_places) {
+template <class Visit>
+void Pairing::for_each_common_content(const Places& old_places, const Places& new_places, Visit&& visit) {
   written_.clear();
   written_.reserve(old_places.size() + new_places.size());  // so that none of them moves
-  const auto of_old = by_content(old_, old_places);
-  const auto of_new = by_content(new_, new_places);
-  for_each_common(of_old, of_new, [&](std::span<const Known> some, std::span<const Known> others) {
+  for_each_common(by_content(old_, old_places), by_content(new_, new_places), visit);
+}
+
+void Pairing::pair_by_content(const Places& old_places, const Places& new_places) {
+  for_each_common_content(old_places, new_places, [&](std::span<const Known> some, std::span<const Known> others) {
     for (std::size_t nth = 0; nth < std::min(some.size(), others.size()); ++nth) {
       pair(some[nth].place, others[nth].place, true);
     }
@@ -277,6 +297,41 @@ void Pairing::find_moved() {
   }
   if (last_of_length.empty()) return;
   for (std::uint32_t place = last_of_length.back(); place != kNone; place = before[place]) moved_[place] = false;
+}
+
+// Numbers by which an item and those that may be its partners are known: its key, if it occurs once in both, else its
+// content. False when each item has a number of its own; then no order of pairs is better than another.
+bool Pairing::find_tokens(Places& of_old, Places& of_new) {
+  std::uint32_t next = 0;
+  bool repeated = false;
+  const auto number = [&](std::span<const Known> some, std::span<const Known> others) {
+    for (const Known& known : some) of_old[known.place] = next;
+    for (const Known& known : others) of_new[known.place] = next;
+    ++next;
+  };
+  if (key_) {
+    for_each_common(by_key(old_, left_over(of_old)), by_key(new_, left_over(of_new)), [&](auto some, auto others) {
+      if (some.size() == 1 && others.size() == 1) number(some, others);
+    });
+  }
+  for_each_common_content(left_over(of_old), left_over(of_new), [&](auto some, auto others) {
+    repeated = repeated || some.size() > 1 || others.size() > 1;
+    number(some, others);
+  });
+  std::ranges::replace(of_new, kNone, kNone - 1);  // no token of an old item
+  return repeated;
+}
+
+void Pairing::try_common_order() {
+  Places of_old(partner_of_old_.size(), kNone), of_new(partner_of_new_.size(), kNone);
+  const auto common = find_tokens(of_old, of_new) ? longest_common(of_old, of_new) : std::nullopt;
+  if (!common) return;
+  const auto moved = count_moved();
+  const auto before = std::tuple(partner_of_old_, partner_of_new_, same_, moved_);
+  forget_pairs();
+  for (const auto& [old_place, new_place] : *common) pair(old_place, new_place, same_between(old_place, new_place));
+  pair_others();
+  if (count_moved() >= moved) std::tie(partner_of_old_, partner_of_new_, same_, moved_) = before;
 }
 
 // Between two items that stay stand those that are left over and those that have moved.

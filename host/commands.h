@@ -45,7 +45,7 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task);
 enum class ColorWhen { kAuto, kAlways, kNever };
 
 struct DiffTask {
-  // OLD and NEW, or the seven to nine arguments with which git calls a command that shows differences.
+  // OLD and NEW, or the one or seven to nine arguments with which git calls a command that shows differences.
   std::vector<std::string> arguments;
   std::vector<std::string> parts, only, ignore;  // everything when all are empty
   bool json = false;

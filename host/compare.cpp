@@ -2,6 +2,7 @@
 #include <iomanip>
 #include <optional>
 
+#include "component/parts.h"
 #include "host/commands.h"
 #include "host/difference_counts.h"
 #include "host/json.h"
@@ -54,8 +55,8 @@ vtrfile::DocumentSlots document_of(const TarvelVtrOut_InOut& utility) {
 
 // Both documents as they were read.
 struct BothRead {
-  PartSelection parts;           // which can be compared
-  DifferenceCounts beside_them;  // what the comparisons say nothing of
+  PartSelection parts;  // which can be compared
+  CountsBesideComparisons counts;
 };
 
 // Nothing when the documents can't be read whole.
@@ -118,7 +119,7 @@ void print_json(const ComparisonTask& task, const std::vector<PartResult>& resul
                       {"workbook", task.workbook.empty() || status == kTrouble ? Json() : Json(task.workbook)},
                       {"parts", parts},
                       {"notCompared", both.parts.left_out},
-                      {"differencesBeside", both.beside_them.all()}};
+                      {"differencesBeside", both.counts.beside.all()}};
   show_json("compare", whole);
 }
 
@@ -158,7 +159,7 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
   }
   TarvelVtrOut_InOut utility(machine.services()), primary_alone(machine.services());
   utility.SetReportFolder(platform::class_path(task.output_dir));
-  const auto both = read_both(machine, utility, task);
+  auto both = read_both(machine, utility, task);
   if (!both) return kTrouble;
   if (both->parts.compared.empty()) {
     if (task.json) print_json(task, {}, *both, kTrouble);
@@ -175,13 +176,16 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
         results.push_back(result_of(utility, part, output == Output::kFiles ? report : u"", whole, task.json));
       });
   if (!task.workbook.empty()) std::ranges::reverse(results);
-  const bool different = both->beside_them.all() > 0 || std::ranges::any_of(results, &PartResult::different);
+  const bool labelled = std::ranges::any_of(results, &PartResult::different);
+  // When no row of any part is labelled, none of the differences is one that they show.
+  if (!labelled && results.size() == document_parts().size()) both->counts.beside = both->counts.all;
+  const bool different = both->counts.beside.all() > 0 || labelled;
   if (status == kFine && different) status = kRemarkable;
   if (!both->parts.left_out.empty()) status = kTrouble;
   if (task.json) {
     print_json(task, results, *both, status);
   } else if (task.summary || !settings.quiet) {
-    print_table(task.summary ? std::cout : std::cerr, results, both->beside_them);
+    print_table(task.summary ? std::cout : std::cerr, results, both->counts.beside);
   }
   return status;
 }

@@ -16,8 +16,10 @@
 #include "host/read_whole.h"
 #include "host/terminal/differences_text.h"
 #include "host/terminal/paged_output.h"
+#include "platform/console/printable.h"
 #include "platform/files/path.h"
 #include "platform/files/staged_files.h"
+#include "text/utf8.h"
 #include "vtrfile/sections.h"
 
 namespace trvtrout::host {
@@ -68,6 +70,9 @@ struct FilePair {
 // and a text about the renaming.
 std::optional<FilePair> files_of(const std::vector<std::string>& arguments) {
   switch (arguments.size()) {
+    case 1:  // of a file that isn't merged git has one name
+      if (!std::getenv("GIT_DIFF_PATH_COUNTER")) return {};
+      return FilePair{"", "", arguments[0], "", true};
     case 2:
       return FilePair{arguments[0], arguments[1], arguments[0], arguments[1]};
     case 7:
@@ -79,6 +84,9 @@ std::optional<FilePair> files_of(const std::vector<std::string>& arguments) {
       return {};
   }
 }
+
+// The name of a file in a repository, which may hold anything.
+std::string shown_name(const std::string& name) { return platform::printable_line(text::from_utf8(name)); }
 
 bool colors_wanted(ColorWhen when) {
   if (when != ColorWhen::kAuto) return when == ColorWhen::kAlways;
@@ -192,7 +200,9 @@ bool show(const Settings& settings, const DiffTask& task, Machine& machine, cons
     PagedOutput paged;
     std::ostream& out = paged.stream();
     const Painter painter(colors_wanted(task.color));
-    if (files.for_git) out << painter.heading("vtrout diff " + files.old_name + ' ' + files.new_name) << '\n';
+    if (files.for_git) {
+      out << painter.heading("vtrout diff " + shown_name(files.old_name) + ' ' + shown_name(files.new_name)) << '\n';
+    }
     if (task.summary) {
       show_summary(out, documents);
     } else {
@@ -211,6 +221,10 @@ ExitStatus diff(const Settings& settings, const DiffTask& task) {
     complain("diff takes two files, OLD and NEW; see vtrout help diff");
     return kTrouble;
   }
+  if (files->old_file.empty()) {
+    std::cout << shown_name(files->old_name) << " isn't merged\n";
+    return kFine;
+  }
   const PathFilter filter(patterns_of(task), task.ignore);
   Machine machine(settings);
   Documents documents(machine, filter);
@@ -218,7 +232,7 @@ ExitStatus diff(const Settings& settings, const DiffTask& task) {
   if (read == kTrouble) {
     if (!files->for_git) return kTrouble;
     // Anything else than 0 would end git's own work.
-    std::cout << files->old_name << " and " << files->new_name << " can't be compared\n";
+    std::cout << shown_name(files->old_name) << " and " << shown_name(files->new_name) << " can't be compared\n";
     return kFine;
   }
   const Counted counted = count(documents);

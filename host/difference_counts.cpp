@@ -93,11 +93,12 @@ std::string DifferenceCounts::text() const {
   return text;
 }
 
-DifferenceCounts differences_beside_comparisons(const vtrfile::DocumentSlots& old_document,
-                                                const vtrfile::DocumentSlots& new_document) {
-  DifferenceCounts counts;
+CountsBesideComparisons differences_beside_comparisons(const vtrfile::DocumentSlots& old_document,
+                                                       const vtrfile::DocumentSlots& new_document) {
+  CountsBesideComparisons counts;
   differences::find_differences(old_document, new_document, [&](const Difference& difference) {
-    if (!is_compared(difference)) counts.add(difference);
+    counts.all.add(difference);
+    if (!is_compared(difference)) counts.beside.add(difference);
   });
   return counts;
 }

@@ -20,8 +20,14 @@ struct DifferenceCounts {
   std::string text() const;
 };
 
-// Those that none of the eight comparisons shows with a label.
-DifferenceCounts differences_beside_comparisons(const vtrfile::DocumentSlots& old_document,
-                                                const vtrfile::DocumentSlots& new_document);
+struct CountsBesideComparisons {
+  DifferenceCounts all;
+  DifferenceCounts beside;  // those that none of the eight comparisons looks at
+};
+
+// A removed and an added item count as looked at, although the comparison may find that they are one and the same to
+// it.
+CountsBesideComparisons differences_beside_comparisons(const vtrfile::DocumentSlots& old_document,
+                                                       const vtrfile::DocumentSlots& new_document);
 
 }  // namespace trvtrout::host

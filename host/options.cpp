@@ -135,7 +135,7 @@ void add_diff(CLI::App& command, Request& request) {
   DiffTask& task = request.diff;
   command.add_option("FILE", task.arguments, "The VTR files OLD and NEW; or what git gives to such a command")
       ->required()
-      ->expected(2, 9)
+      ->expected(1, 9)
       ->check(check_path);
   add_parts(command, task.parts);
   const auto add_patterns = [&](const char* name, std::vector<std::string>& patterns, const char* description) {

@@ -1,5 +1,6 @@
 #include <nlohmann/json.hpp>
 #include <regex>
+#include <set>
 
 #include "tests/command.h"
 
@@ -160,6 +161,33 @@ TEST_F(Diff, LongTextsAreShownWhereTheyDiffer) {
             "Schema\n  Product/Text2 only the line ends differ\n1 difference: 1 changed\n");
 }
 
+TEST_F(Diff, TextsOfDocumentsThatDifferAreUnlike) {
+  ASSERT_EQ(vtrout("export a.vtr --json a.json").status, 0);
+  const auto document = nlohmann::ordered_json::parse(get("a.json"));
+  const auto text_with = [&](const char* place, const char* value) {
+    auto edited = document;
+    edited["sections"][nlohmann::ordered_json::json_pointer(place)] = nlohmann::ordered_json::parse(value);
+    put("c.json", edited.dump());
+    EXPECT_EQ(vtrout("import --yes c.json c.vtr").status, 0);
+    return vtrout("text c.vtr").out;
+  };
+  const char* const data = "/IncludeFileNew/Items/0/Data";
+  EXPECT_NE(text_with(data, R"("0102")"), text_with(data, R"("0103")"));
+  const char* const text = "/Schema/Product/SQLInitialize";
+  EXPECT_NE(text_with(text, R"("a\r\nb")"), text_with(text, R"("a\nb")"));
+  EXPECT_NE(text_with(text, R"("a\r\nb")"), text_with(text, R"("a\r\nb\r\n")"));
+  const char* const variant = "/Module/Var1";
+  const char* const values[] = {R"({"type": 2, "value": 5})",
+                                R"({"type": 3, "value": 5})",
+                                R"({"type": 8195, "items": null})",
+                                R"({"type": 8195, "lower": 0, "items": [0, 1, 2, 3, 4, 5, 6, 7, 8]})",
+                                R"({"type": 8195, "lower": 1, "items": [0, 1, 2, 3, 4, 5, 6, 7, 8]})",
+                                R"({"type": 8195, "lower": 1, "items": [0, 1, 2, 3, 4, 5, 6, 7, 9]})"};
+  std::set<std::string> texts;
+  for (const char* const value : values) texts.insert(text_with(variant, value));
+  EXPECT_EQ(texts.size(), std::size(values));
+}
+
 TEST_F(Diff, ColoursAndThePagerAreForPeople) {
   const std::string colored = vtrout("diff --color always a.vtr b.vtr").out;
   EXPECT_NE(colored.find("\033[31m12.5\033[0m -> \033[32m40\033[0m"), std::string::npos) << colored;
@@ -191,6 +219,40 @@ TEST_F(Diff, CompareTellsOfWhatItDoesntLookAt) {
   const auto json = nlohmann::json::parse(vtrout("compare --summary --json a.vtr c.vtr").out);
   EXPECT_EQ(json["different"], false);
   EXPECT_EQ(json["differencesBeside"], 3);
+}
+
+// What a comparison looks at may be less than a value or an item.
+TEST_F(Diff, CompareNeverCallsDocumentsTheSameThatDiffer) {
+  ASSERT_EQ(vtrout("export a.vtr --json a.json").status, 0);
+  const auto document = nlohmann::ordered_json::parse(get("a.json"));
+  const auto expect_beside = [&](const nlohmann::ordered_json& one, const nlohmann::ordered_json& other) {
+    put("one.json", one.dump());
+    put("other.json", other.dump());
+    ASSERT_EQ(vtrout("import --yes one.json one.vtr").status, 0);
+    ASSERT_EQ(vtrout("import --yes other.json other.vtr").status, 0);
+    const Outcome run = vtrout("compare --summary one.vtr other.vtr");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_NE(run.out.find("and beside what these comparisons look at: "), std::string::npos) << run.out;
+  };
+  const auto with_scripts = [&](const char* scripts) {
+    auto edited = document;
+    auto& header = edited["sections"]["TarvelDefinitionHeader"]["Items"][0]["Header"];
+    header["VBSInfo"] = nlohmann::ordered_json::parse(scripts);
+    return edited;
+  };
+  const char* const scripts = R"({"type": 8200, "lower": 0, "items": ["a", "b", "c", "d", "e"]})";
+  expect_beside(with_scripts(scripts),
+                with_scripts(R"({"type": 8200, "lower": 0, "items": ["a", "b", "c", "d", "f"]})"));
+  expect_beside(with_scripts("null"), with_scripts(scripts));
+  // Two nodes that are unlike but for what the comparison goes by.
+  auto one = document, other = document;
+  auto& old_node = one["sections"]["TarvelDefinitionHeader"]["Items"][0]["Nodes"][0];
+  for (auto& [name, value] : old_node.items()) {
+    if (value.is_string()) value = "";
+  }
+  auto& new_node = other["sections"]["TarvelDefinitionHeader"]["Items"][0]["Nodes"][0] = old_node;
+  for (const char* name : {"Var1", "Var2", "Var3", "Var4"}) new_node[name] = {{"type", 2}, {"value", 7}};
+  expect_beside(one, other);
 }
 
 TEST_F(Diff, WhatCanBeSavedOfADamagedFileIsComparedAndExported) {
@@ -225,6 +287,8 @@ TEST_F(Diff, GitShowsDifferencesBetweenVersions) {
   EXPECT_NE(run("git config --unset diff.vtr.command; GIT_EXTERNAL_DIFF='vtrout diff' git diff HEAD~1 HEAD -- p.vtr")
                 .find(expected),
             std::string::npos);
+  // Of a file that isn't merged git has one name alone, which may hold anything.
+  EXPECT_EQ(run("GIT_DIFF_PATH_COUNTER=1 vtrout diff \"$(printf 'a\\033b')\""), "a\\x1Bb isn't merged\n");
   // Renamed, and damaged: git goes on.
   run(git + "mv p.vtr q.vtr && printf x >>q.vtr && head -c 9000 q.vtr >r.vtr && mv r.vtr q.vtr && git add -A");
   EXPECT_NE(run("git config diff.vtr.command 'vtrout diff' && git diff --cached -M10 HEAD").find("can't be compared"),

@@ -65,6 +65,26 @@ TEST(Differences, AppliedToTheOldDocumentTheyGiveTheNewOne) {
   EXPECT_LE(told_per_edit[told_per_edit.size() / 2], 1.2);
 }
 
+// Many items are like each other: none is taken for another, however many came in front of them.
+TEST(Differences, ItemsThatOccurOftenStayWhereTheyAre) {
+  Json before = sample("plant.vtr");
+  Json& texts = before["sections"]["TarvelDefinitionHeader"]["TextList"];
+  texts = Json::array();
+  std::mt19937 random(5);
+  for (int nth = 0; nth < 200; ++nth) texts.push_back(std::string(1, static_cast<char>('A' + random() % 20)));
+  for (const int added : {1, 5, 9, 40}) {
+    Json after = before;
+    Json& new_texts = after["sections"]["TarvelDefinitionHeader"]["TextList"];
+    new_texts.erase(150);
+    new_texts.back() = "changed";
+    for (int nth = 0; nth < added; ++nth) new_texts.insert(new_texts.begin(), "new " + std::to_string(nth));
+    const Json differences = differences_between(document_of(before), document_of(after));
+    EXPECT_EQ(applied(before, differences), after);
+    EXPECT_EQ(differences["counts"],
+              Json::parse(R"({"changed":1,"removed":1,"added":)" + std::to_string(added) + R"(,"moved":0})"));
+  }
+}
+
 TEST(Differences, UnlikeDocumentsToo) {
   const Json documents[] = {sample("plant.vtr"), sample("dense.vtr"), sample("odd/header-and-eof.vtr"),
                             sample("plant-old-format.vtr"), sample("dense-next.vtr")};

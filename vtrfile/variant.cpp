@@ -134,6 +134,24 @@ VariantValue element_at(const VariantValue& value, std::size_t place) {
   return {load<std::uint16_t>(at), at + kTagBytes};
 }
 
+void for_each_element(const VariantValue& value, const std::function<void(const VariantValue& element)>& visit) {
+  const std::uint32_t count = element_count(value);
+  if (count == 0) return;
+  const auto element_tag = static_cast<std::uint16_t>(value.tag - kVariantArray);
+  const auto width = static_cast<std::size_t>(std::max(plain_width(element_tag), 0));
+  VariantWalk walk;
+  const unsigned char* at = value.body + kDescriptorBytes;
+  for (std::uint32_t nth = 0; nth < count; ++nth) {
+    if (element_tag == kVariantVariant) {
+      visit({load<std::uint16_t>(at), at + kTagBytes});
+      at = walk.skip(at);
+    } else {
+      visit({element_tag, at});
+      at += width > 0 ? width : 2 + load<std::uint16_t>(at);
+    }
+  }
+}
+
 VariantValue element_of(Var variant, std::int64_t index) {
   const VariantValue value = value_of(variant);
   if (element_count(value) == 0) throw SubscriptOutOfRange();

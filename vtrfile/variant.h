@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -82,6 +83,8 @@ VariantValue value_of(Var variant) noexcept;
 std::uint32_t element_count(const VariantValue& value) noexcept;
 // The one at this place, counted from 0 and below element_count().
 VariantValue element_at(const VariantValue& value, std::size_t place);
+// Calls visit(element) for each of them in order, in time linear in the array.
+void for_each_element(const VariantValue& value, const std::function<void(const VariantValue& element)>& visit);
 
 // The element with this index (by the array's own lower bound) of a variant that holds an array. Raises
 // SubscriptOutOfRange when the variant holds none or the index lies outside it.

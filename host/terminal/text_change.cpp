@@ -80,8 +80,10 @@ Lines line_changes(Locale& locale, const Painter& painter, std::string_view old_
 Lines text_change(Locale& locale, const Painter& painter, std::string_view old_text, std::string_view new_text) {
   const auto has_lines = [](std::string_view text) { return text.find_first_of("\r\n") != std::string_view::npos; };
   if (old_text.size() + new_text.size() <= kShort) {
-    return {painter.removed('"' + shown(locale, old_text) + '"') + " -> " +
-            painter.added('"' + shown(locale, new_text) + '"')};
+    const std::string old_shown = '"' + shown(locale, old_text) + '"', new_shown = '"' + shown(locale, new_text) + '"';
+    // A line end looks like a backslash with an "n".
+    const char* const unlike = old_shown == new_shown ? ", with other content" : "";
+    return {painter.removed(old_shown) + " -> " + painter.added(new_shown + unlike)};
   }
   if (has_lines(old_text) || has_lines(new_text)) return line_changes(locale, painter, old_text, new_text);
   return {word_change(locale, painter, old_text, new_text)};

@@ -24,16 +24,6 @@ std::string quoted(Locale& locale, std::string_view bytes) { return '"' + shown(
 
 std::string array_text(Locale& locale, const VariantValue& value);
 
-std::string hex(std::span<const unsigned char> bytes) {
-  std::string digits;
-  for (const unsigned char byte : bytes) {
-    std::array<char, 3> two;
-    std::snprintf(two.data(), two.size(), "%02x", byte);
-    digits += two.data();
-  }
-  return digits;
-}
-
 std::string count_text(std::int64_t count, const std::string& what) {
   return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
 }
@@ -99,6 +89,16 @@ std::string array_text(Value value, const std::string& what) {
 }
 
 }  // namespace
+
+std::string hex(std::span<const unsigned char> bytes) {
+  std::string digits;
+  for (const unsigned char byte : bytes) {
+    std::array<char, 3> two;
+    std::snprintf(two.data(), two.size(), "%02x", byte);
+    digits += two.data();
+  }
+  return digits;
+}
 
 std::string shown(Locale& locale, std::string_view bytes) {
   std::string line;
