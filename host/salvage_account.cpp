@@ -14,7 +14,6 @@
 namespace trvtrout::host {
 namespace {
 
-using vtrfile::DocumentSlots;
 using vtrfile::FileRange;
 using vtrfile::kSection;
 using vtrfile::Salvaged;

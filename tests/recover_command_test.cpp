@@ -108,7 +108,7 @@ TEST_F(RecoverCommand, TellsOfASectionThatHidesBehindABadTag) {
 TEST_F(RecoverCommand, SavesWhatStandsBehindTheDamage) {
   std::string bytes = sample("plant.vtr");
   const auto places = section_places(bytes);
-  const SectionPlace hidden = places[2], tree = places[3];
+  const SectionPlace &hidden = places[2], &tree = places[3];
   std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(tree.begin + 200), 300, '\0');
   bytes[bytes.find("\x0A\0ControlTag"s) + 2] = 'c';
   put("d.vtr", bytes);

@@ -131,8 +131,8 @@ TEST(Salvage, AWholeFileIsSavedAsItIs) {
   }
 }
 
-// Every bit of the smallest sample flipped, and bytes all over another one dropped. Where the descriptor of a list lost a
-// byte, short items can fit in another phase: there may be one such place.
+// Every bit of the smallest sample flipped, and bytes all over another one dropped. Where the descriptor of a list lost
+// a byte, short items can fit in another phase: there may be one such place.
 TEST(Salvage, NoBitAndHardlyAMissingByteMakesAnItem) {
   std::string smallest = sample("odd/header-and-eof.vtr");
   for (std::size_t bit = 0; bit < 8 * smallest.size(); ++bit) {

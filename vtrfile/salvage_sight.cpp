@@ -154,7 +154,7 @@ const std::vector<TagPlace>& Sight::tags() {
     const auto tag = tag_at(at);
     if (!tag) continue;
     const bool rely = can_rely(*tag);
-    if (rely) relied_on[static_cast<std::size_t>(tag->section + 1)] = true;
+    if (rely) relied_on[static_cast<std::size_t>(tag->section) + 1] = true;
     if (rely || tag->plain) {
       all.push_back(*tag);
       all.back().plain = rely;
@@ -162,7 +162,7 @@ const std::vector<TagPlace>& Sight::tags() {
   }
   // A tag that nothing but its own bytes speaks for is one if there is no better one of its name.
   for (const TagPlace& tag : all) {
-    if (tag.plain || !relied_on[static_cast<std::size_t>(tag.section + 1)]) tags_->push_back(tag);
+    if (tag.plain || !relied_on[static_cast<std::size_t>(tag.section) + 1]) tags_->push_back(tag);
   }
   return *tags_;
 }

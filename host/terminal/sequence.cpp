@@ -33,7 +33,7 @@ void add_all(std::vector<Piece>& pieces, In in, const Parts& parts) {
 }
 
 void add_middle(std::vector<Piece>& pieces, const Parts& one, const Parts& other) {
-  constexpr std::size_t kMost = 250'000;
+  constexpr std::size_t kMost = 40'000;
   if (one.empty() || other.empty() || one.size() > kMost / other.size()) {
     add_all(pieces, In::kOldAlone, one);
     add_all(pieces, In::kNewAlone, other);
