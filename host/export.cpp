@@ -46,7 +46,7 @@ std::unique_ptr<TarvelVtrOut_InOut> Documents::read_whole(const std::string& fil
   } else if (read_status == kRemarkable) {
     const auto& damage = utility->LastDamage();
     complain(file + ": " + (damage ? damage_text(*damage) : "damaged") + kNothingExported +
-             ": --salvage exports what can be saved of it");
+             ": --salvage exports what vtrout recover would save of it");
     return nullptr;
   }
   for (const vtrfile::PartRead& part : utility->LastRead().parts) {

@@ -30,7 +30,9 @@ ExitStatus read_saving(Machine& machine, TarvelVtrOut_InOut& utility, const std:
     // A version that isn't supported is no damage; of all other troubles the class has made its lists.
     if (status == kFine || (status == kTrouble && structure_list.empty())) return status;
   }
-  if (salvage(machine, utility, file, is_secondary)) {
+  const bool saved = salvage(machine, utility, file, is_secondary);
+  // Without a header and without a single section nothing says that it's a VTR file at all.
+  if (saved && (has_header || !utility.LastSalvage()->sections.empty())) {
     complain(file + ": read on behind the damage; " + share_text(*utility.LastSalvage()));
     return kRemarkable;
   }

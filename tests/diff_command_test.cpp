@@ -262,7 +262,7 @@ TEST_F(Diff, WhatCanBeSavedOfADamagedFileIsComparedAndExported) {
   EXPECT_EQ(saved.out, "no differences\n");
   EXPECT_NE(saved.err.find("d.vtr: read on behind the damage"), std::string::npos) << saved.err;
   EXPECT_EQ(vtrout("diff --salvage a.vtr a.vtr").status, 0);
-  expect_refused("vtrout export d.vtr --json", "--salvage exports what can be saved of it");
+  expect_refused("vtrout export d.vtr --json", "--salvage exports what vtrout recover would save of it");
   const Outcome exported = vtrout("export --salvage d.vtr --json d.json");
   EXPECT_EQ(exported.status, 1) << exported.err;
   EXPECT_EQ(vtrout("import d.json e.vtr && vtrout diff a.vtr e.vtr").out, "e.vtr\nno differences\n");
