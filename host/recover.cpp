@@ -125,7 +125,7 @@ bool read_damaged(Machine& machine, TarvelVtrOut_InOut& utility, const RecoveryT
   const std::string& file = task.file;
   if (read_saving(machine, utility, file, !task.first_damage, message) == kTrouble) {
     // Of a file that can't be read at all the list has been made, and the user told why.
-    if (message.empty() && !utility.LastRead().parts.empty())
+    if (message.empty() && !utility.LastSalvage() && !utility.LastRead().parts.empty())
       complain(file + ": its version can't be read; the file may be damaged" + kNothingWritten);
     return false;
   }
