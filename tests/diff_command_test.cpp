@@ -201,6 +201,7 @@ TEST_F(Diff, ColoursAndThePagerAreForPeople) {
   EXPECT_EQ(terminal("", "--color never").find("\033[3"), std::string::npos);
   EXPECT_NE(terminal("PAGER=\"sed s/^/paged:/\"", "").find("paged:"), std::string::npos);
   EXPECT_EQ(terminal("PAGER=\"sed s/^/paged:/\"", "--part lang").find("paged:"), std::string::npos);
+  EXPECT_NE(terminal("PAGER=no-such-pager", "--color never").find("F004: Lenght 12.5 -> 40"), std::string::npos);
   EXPECT_EQ(shell("PAGER='sed s/^/paged:/' vtrout diff a.vtr b.vtr").out.find("paged:"), std::string::npos);
 }
 

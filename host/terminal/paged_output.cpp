@@ -5,7 +5,9 @@
 #include <cstdlib>
 #include <iostream>
 #include <sys/ioctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace trvtrout::host {
 namespace {
@@ -23,11 +25,12 @@ std::size_t lines_on_screen() {
 PagedOutput::PagedOutput() : room_(lines_on_screen()) {}
 
 PagedOutput::~PagedOutput() {
-  if (pager_) {
-    pclose(pager_);
-  } else {
-    std::cout << held_;
-  }
+  // What the shell ends with when there is no such program, or it may not be run: then nothing was shown.
+  constexpr int kMayNotRun = 126, kNoSuchProgram = 127;
+  const int status = pager_ ? pclose(pager_) : 0;
+  const bool shown =
+      pager_ && !(WIFEXITED(status) && (WEXITSTATUS(status) == kMayNotRun || WEXITSTATUS(status) == kNoSuchProgram));
+  if (!shown) std::cout << held_;
 }
 
 PagedOutput::int_type PagedOutput::overflow(int_type character) {
@@ -41,19 +44,17 @@ std::streamsize PagedOutput::xsputn(const char* bytes, std::streamsize size) {
     std::cout << text;
     return std::cout ? size : 0;
   }
-  if (!pager_) {
-    held_ += text;
-    if (static_cast<std::size_t>(std::ranges::count(held_, '\n')) < room_) return size;
+  held_ += text;
+  if (pager_) {
+    pass_on(text);
+  } else if (static_cast<std::size_t>(std::ranges::count(held_, '\n')) >= room_) {
     open_pager();
     if (pager_) {
       pass_on(held_);
     } else {
-      std::cout << held_;
+      std::cout << std::exchange(held_, {});
       room_ = 0;
     }
-    held_.clear();
-  } else {
-    pass_on(text);
   }
   return size;
 }

@@ -25,7 +25,7 @@ class PagedOutput : private std::streambuf {
   void pass_on(const std::string& text);
   void open_pager();
 
-  std::string held_;      // as long as it may fit the screen
+  std::string held_;      // all of it: it may fit the screen, or the pager may not be there
   std::size_t room_ = 0;  // lines that fit; 0: nothing is held back
   std::FILE* pager_ = nullptr;
   std::ostream stream_{this};
