@@ -25,8 +25,8 @@ bool is_odd_flag(Place at) {
 
 }  // namespace
 
-LayoutWalk::LayoutWalk(Place begin, Place end, std::span<const ByteRange> unreadable) noexcept
-    : begin_(begin), end_(end), unreadable_(unreadable) {}
+LayoutWalk::LayoutWalk(Place begin, std::span<const ByteRange> unreadable) noexcept
+    : begin_(begin), unreadable_(unreadable) {}
 
 LayoutWalk::Place LayoutWalk::steps(const Layout& layout, std::uint32_t step, std::uint32_t behind, Place at,
                                     Place limit, Findings& found) {

@@ -35,7 +35,7 @@ class LayoutWalk {
   };
 
   // `unreadable`: ranges of which nothing is known, in their order. All of it must outlive the walk.
-  LayoutWalk(Place begin, Place end, std::span<const ByteRange> unreadable) noexcept;
+  LayoutWalk(Place begin, std::span<const ByteRange> unreadable) noexcept;
 
   // Where the steps from `step` up to `behind` end that begin at `at`; null when they break off, which they do at
   // `limit` at the latest.
@@ -60,7 +60,7 @@ class LayoutWalk {
   Place list(const Layout::Step& step, Place at, Place limit, Findings& found);
   void look_for_unreadable(Place at, Place behind, Findings& found) const;
 
-  Place begin_, end_;
+  Place begin_;
   std::span<const ByteRange> unreadable_;
   std::uint64_t work_ = 0;
 };

@@ -30,7 +30,7 @@ SalvageRun::SalvageRun(const Image& image, std::span<const FileRange> unreadable
         for (const FileRange& range : unreadable) ranges.push_back({begin_ + range.begin, begin_ + range.end});
         return ranges;
       }()),
-      walk_(begin_, end_, unreadable_),
+      walk_(begin_, unreadable_),
       allowed_work_(kWork + kWorkPerByte * image.size()),
       at_(begin_),
       limit_(end_) {
