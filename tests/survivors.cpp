@@ -15,7 +15,7 @@ using namespace vtrfile;
 std::optional<std::string> own_bytes(const Layout& layout, std::span<const unsigned char> image) {
   const unsigned char* at = image.data();
   const unsigned char* const end = at + image.size();
-  LayoutWalk walk(at, end, {});
+  LayoutWalk walk(at, {});
   std::string own;
   LayoutWalk::Findings found;
   for (std::uint32_t step = 0; step < layout.size(); ++step) {

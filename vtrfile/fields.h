@@ -27,7 +27,7 @@ template <class Record, class Visit>
 #define VTR_LIST(Record, Base, visit_base, ...)                                        \
   using Listed = Record;                                                               \
   using ListedBase = Base;                                                             \
-  static constexpr const char* kName = #Record;                                        \
+  [[maybe_unused]] static constexpr const char* kName = #Record;                       \
   static constexpr const char* kListed = #__VA_ARGS__;                                 \
   template <class Self, class Visit>                                                   \
   [[gnu::always_inline]] static constexpr void each_member(Self& self, Visit& visit) { \
