@@ -21,17 +21,6 @@ struct Exchange {
   Measured to_database_again{"export --sqlite, again"};
 };
 
-Cost reading_cost(const std::filesystem::path& file) {
-  return in_child([&] {
-    Host host;
-    return cost_of([&] {
-      auto document = std::make_unique<TarvelVtrOut_InOut>(host.services());
-      read_into(*document, file);
-      return document;
-    });
-  });
-}
-
 void measure(const std::filesystem::path& folder, Exchange& exchange, benchmark::State& state) {
   const std::string file = large_document(folder), json = folder / "large.json", back = folder / "back.vtr",
                     lines = folder / "large.ndjson", database = folder / "large.db";

@@ -97,6 +97,17 @@ void read_into(TarvelVtrOut_InOut& document, const std::filesystem::path& file, 
   if (!document.ReadVTR(path, structures, is_secondary)) throw std::runtime_error(document.LastFailure());
 }
 
+Cost reading_cost(const std::filesystem::path& file) {
+  return in_child([&] {
+    Host host;
+    return cost_of([&] {
+      auto document = std::make_unique<TarvelVtrOut_InOut>(host.services());
+      read_into(*document, file);
+      return document;
+    });
+  });
+}
+
 void write_document(const std::filesystem::path& file, const DocumentSize& size) {
   in_child([&] {
     std::ofstream out(file, std::ios::binary);

@@ -146,6 +146,9 @@ Cost command_cost(const Words& words, int expected_status = 0);
 
 void read_into(TarvelVtrOut_InOut& document, const std::filesystem::path& file, Boolean is_secondary = False);
 
+// Of ReadVTR on an object of its own.
+Cost reading_cost(const std::filesystem::path& file);
+
 // In a child too: what making the document takes would stay with this process, and be copied to each of the others.
 void write_document(const std::filesystem::path& file, const DocumentSize& size);
 

@@ -14,17 +14,6 @@ namespace {
 constexpr int kReadRuns = 15;
 constexpr int kReportRuns = 5;
 
-Cost reading_cost(const std::filesystem::path& file) {
-  return in_child([&] {
-    Host host;
-    return cost_of([&] {
-      auto document = std::make_unique<TarvelVtrOut_InOut>(host.services());
-      read_into(*document, file);
-      return document;
-    });
-  });
-}
-
 struct Free {
   void operator()(void* memory) const { std::free(memory); }
 };

@@ -20,17 +20,6 @@ std::filesystem::path damaged_document(const std::filesystem::path& folder, test
   return damaged;
 }
 
-Cost reading_cost(const std::filesystem::path& file) {
-  return in_child([&] {
-    Host host;
-    return cost_of([&] {
-      auto document = std::make_unique<TarvelVtrOut_InOut>(host.services());
-      read_into(*document, file);
-      return document;
-    });
-  });
-}
-
 Cost salvaging_cost(const std::filesystem::path& file) {
   return in_child([&] {
     Host host;
