@@ -65,6 +65,16 @@ class VariantWalker {
   void require_only(const Members& members, std::initializer_list<std::size_t Members::*> wanted);
   void body(std::uint16_t tag, int depth);
   void array(std::uint16_t element_tag, const Members& members, int depth);
+  // The object with digits at this place; append() is called at the digits.
+  template <class Append>
+  void hex_object(Append append) {
+    const Members found = members();
+    require_only(found, {&Members::hex});
+    const std::size_t behind = at_;
+    at_ = found.hex;
+    append();
+    at_ = behind;
+  }
   void text();
   template <class Real>
   void real();
@@ -211,12 +221,7 @@ void VariantWalker::text() {
     ++at_;
     return;
   }
-  const Members found = members();
-  require_only(found, {&Members::hex});
-  const std::size_t behind = at_;
-  at_ = found.hex;
-  append_hex_text(out_, token());
-  at_ = behind;
+  hex_object([this] { append_hex_text(out_, token()); });
 }
 
 template <class Real>
@@ -226,12 +231,7 @@ void VariantWalker::real() {
     ++at_;
     return;
   }
-  const Members found = members();
-  require_only(found, {&Members::hex});
-  const std::size_t behind = at_;
-  at_ = found.hex;
-  append_hex(out_, token(), sizeof(Real));
-  at_ = behind;
+  hex_object([this] { append_hex(out_, token(), sizeof(Real)); });
 }
 
 void VariantWalker::currency() {
