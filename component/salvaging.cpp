@@ -33,7 +33,7 @@ class PatientReader {
         if (count == 0) break;
         at_ += count;
       } catch (const ServiceError&) {
-        if (!once_more(whole)) throw;
+        once_more(whole);
       }
     }
     if (at_ < whole.size()) made_.image->shorten(at_);
@@ -44,23 +44,19 @@ class PatientReader {
   }
 
  private:
-  // Tries a small block, and passes over it when that fails too. False when the file can't be read any further.
-  bool once_more(std::span<unsigned char> whole) {
+  // Tries a small block, and passes over it when that fails too; over all that is left when the file can't be read any
+  // further.
+  void once_more(std::span<unsigned char> whole) {
     const std::size_t size = std::min(kLeastBlock - at_ % kLeastBlock, whole.size() - at_);
-    if (!file_.SkipTo(at_)) return give_up(whole);
+    if (!file_.SkipTo(at_)) return pass_over(whole, whole.size() - at_);
     try {
       const std::size_t count = file_.Read(whole.subspan(at_, size));
       at_ += count;
-      if (count > 0) return true;
+      if (count > 0) return;
     } catch (const ServiceError&) {
     }
     pass_over(whole, size);
-    return file_.SkipTo(at_) || give_up(whole);
-  }
-
-  bool give_up(std::span<unsigned char> whole) {
-    pass_over(whole, whole.size() - at_);
-    return true;
+    if (!file_.SkipTo(at_)) pass_over(whole, whole.size() - at_);
   }
 
   void pass_over(std::span<unsigned char> whole, std::size_t size) {
