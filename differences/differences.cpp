@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <span>
-#include <vector>
 
 #include "differences/list_pairs.h"
 #include "vtrfile/item_keys.h"
@@ -116,14 +114,6 @@ void Walk::compare_lists(const Place& list) const {
   tell_removed(pairs.removed_of_old.size());
 }
 
-// The steps from a document to a value.
-std::vector<const Place*> steps_to(const Place& place) {
-  std::vector<const Place*> steps;
-  for (const Place* step = &place; step; step = step->parent) steps.push_back(step);
-  std::ranges::reverse(steps);
-  return steps;
-}
-
 std::string path(const Place& place, std::uint32_t Place::*number) {
   std::string text;
   for (const Place* const step : steps_to(place)) {
@@ -142,17 +132,25 @@ constexpr std::string_view kSpare = "Spare";
 
 }  // namespace
 
+std::vector<const Place*> steps_to(const Place& place) {
+  std::vector<const Place*> steps;
+  for (const Place* step = &place; step; step = step->parent) steps.push_back(step);
+  std::ranges::reverse(steps);
+  return steps;
+}
+
 bool Difference::unused() const {
   return (kind == Kind::kRemoved && is_empty(place.old_value)) || (kind == Kind::kAdded && is_empty(place.new_value));
 }
 
-bool Difference::is_bookkeeping() const {
-  if (unused() || (kind == Kind::kMoved && is_empty(place.old_value) && is_empty(place.new_value))) return true;
-  if (std::ranges::find(kSlotNumbers, place.name) != kSlotNumbers.end()) return true;
+Bookkeeping Difference::bookkeeping() const {
+  const bool moved_empty = kind == Kind::kMoved && is_empty(place.old_value) && is_empty(place.new_value);
+  if (unused() || moved_empty) return Bookkeeping::kUnusedSlot;
+  if (std::ranges::find(kSlotNumbers, place.name) != kSlotNumbers.end()) return Bookkeeping::kSlotNumber;
   for (const Place* step = &place; step; step = step->parent) {
-    if (step->name == kSpare) return true;
+    if (step->name == kSpare) return Bookkeeping::kSpare;
   }
-  return false;
+  return Bookkeeping::kNone;
 }
 
 void find_differences(const vtrfile::DocumentSlots& old_document, const vtrfile::DocumentSlots& new_document,

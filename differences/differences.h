@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "vtrfile/document.h"
 #include "vtrfile/value_types.h"
@@ -29,15 +30,22 @@ struct Place {
   bool in_list = false;  // an element of an array, not of a fixed run
 };
 
+// What a difference is about when it's about nothing that a document says.
+enum class Bookkeeping {
+  kNone,  // it's about something
+  kUnusedSlot,
+  kSlotNumber,  // how many slots there are, or which one was used last
+  kSpare,       // a value in a spare run
+};
+
 struct Difference {
   Kind kind;
   const Place& place;  // has the values; of a moved item both
 
   // An added or removed item with nothing in it.
   bool unused() const;
-  // Whether it is about nothing that a document says: an unused slot, a number that only says how many slots there are
-  // or which one was used last, a spare run.
-  bool is_bookkeeping() const;
+  Bookkeeping bookkeeping() const;
+  bool is_bookkeeping() const { return bookkeeping() != Bookkeeping::kNone; }
 };
 
 using Tell = std::function<void(const Difference& difference)>;
@@ -49,6 +57,9 @@ void find_differences(const vtrfile::DocumentSlots& old_document, const vtrfile:
 // The same for the headers, which no difference between documents is told of.
 void find_header_differences(const vtrfile::DocumentSlots& old_document, const vtrfile::DocumentSlots& new_document,
                              const Tell& tell);
+
+// The steps from a document to the place, which is the last one.
+std::vector<const Place*> steps_to(const Place& place);
 
 // "Schema/Tables/Items[3]/Tid": the way to the value in the old and in the new document, whatever lower bounds arrays
 // have.

@@ -116,9 +116,7 @@ void show_summary(std::ostream& out, const Documents& documents) {
   constexpr int kTitleWidth = 28, kNumberWidth = 10;
   std::map<std::string_view, DifferenceCounts> of_section;
   documents.of_document([&](const Difference& difference) {
-    const differences::Place* step = &difference.place;
-    while (step->parent) step = step->parent;
-    of_section[step->name].add(difference);
+    of_section[differences::steps_to(difference.place).front()->name].add(difference);
   });
   if (of_section.empty()) return;
   out << std::left << std::setw(kTitleWidth) << "section" << std::right;

@@ -183,16 +183,17 @@ void DifferencesText::show_item(const Label& label, const Difference& difference
 }
 
 void DifferencesText::put_aside(const Label& label, const Difference& difference) {
-  const bool is_spare = difference.kind == Kind::kChanged && label.member.find("Spare") != std::string::npos;
-  const bool is_number = difference.kind == Kind::kChanged && !is_spare;
+  using differences::Bookkeeping;
+  const Bookkeeping kind = difference.bookkeeping();
   const std::size_t last = label.member.rfind('/');
   const std::string record = last == std::string::npos ? "" : label.member.substr(0, last);
   std::string list = label.list;
-  if (is_number || label.item.empty()) {
+  if (kind == Bookkeeping::kSlotNumber || label.item.empty()) {
     list = label.item.empty() || record.empty() ? label.item + record : label.item + " / " + record;
   }
   if (aside_.empty() || aside_.back().list != list) aside_.push_back({.list = list});
-  ++(is_spare ? aside_.back().spare : is_number ? aside_.back().numbers : aside_.back().unused_slots);
+  Aside& aside = aside_.back();
+  ++(kind == Bookkeeping::kSpare ? aside.spare : kind == Bookkeeping::kSlotNumber ? aside.numbers : aside.unused_slots);
 }
 
 void DifferencesText::end_lists(const Label& label) {

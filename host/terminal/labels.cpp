@@ -36,10 +36,7 @@ void append(std::string& text, const char* between, const std::string& more) {
 }  // namespace
 
 Label label_of(Locale& locale, const Place& place) {
-  std::vector<const Place*> steps;
-  for (const Place* step = &place; step; step = step->parent) steps.push_back(step);
-  std::ranges::reverse(steps);
-
+  const std::vector<const Place*> steps = differences::steps_to(place);
   Label label{.section = std::string(steps.front()->name)};
   for (std::size_t at = 1; at < steps.size(); ++at) {
     const Place& step = *steps[at];
