@@ -32,9 +32,9 @@ void require_whole(const Document& document) {
 JsonWriter::Sink sink_of(Document& at, trvtrout_write write, void* context) {
   place(write, "write");
   return [&at, write, context, done = std::uint64_t{0}](std::string_view bytes) mutable {
-    at.watch.at_output(done);
+    at.watch.require_going();
     if (write(context, bytes.data(), bytes.size()) != 0) at.watch.raise_stopped();
-    done += bytes.size();
+    at.watch.at_output(done += bytes.size());
   };
 }
 

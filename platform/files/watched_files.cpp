@@ -15,9 +15,11 @@ class Watched : public Interface {
 
  protected:
   Interface& behind() { return *behind_; }
-  void tell(std::uint64_t total) { watch_.at(path_, done_, total); }
-  void go_on(std::uint64_t bytes) { done_ += bytes; }
   void go_to(std::uint64_t offset) { done_ = offset; }
+  void go_on(std::uint64_t bytes, std::uint64_t total = 0) {
+    done_ += bytes;
+    watch_.at(path_, done_, total);
+  }
 
  private:
   std::unique_ptr<Interface> behind_;
@@ -31,9 +33,8 @@ class WatchedInput : public Watched<BinaryFile> {
   using Watched::Watched;
   std::uint64_t Size() override { return total_ = behind().Size(); }
   std::size_t Read(std::span<unsigned char> into) override {
-    tell(total_);
     const std::size_t count = behind().Read(into);
-    go_on(count);
+    go_on(count, total_);
     return count;
   }
   bool SkipTo(std::uint64_t offset) override {
@@ -50,7 +51,6 @@ class WatchedOutput : public Watched<BinaryOutput> {
  public:
   using Watched::Watched;
   void Write(std::string_view bytes) override {
-    tell(0);
     behind().Write(bytes);
     go_on(bytes.size());
   }
@@ -61,21 +61,20 @@ class WatchedText : public Watched<TextStream> {
  public:
   using Watched::Watched;
   void WriteLine(std::string_view text) override {
-    count(text.size() + 2);
     behind().WriteLine(text);
+    count(text.size() + 2);
   }
   void Write(std::string_view text) override {
-    count(text.size());
     behind().Write(text);
+    count(text.size());
   }
 
  private:
   static constexpr std::size_t kBlock = 4096;
   void count(std::size_t bytes) {
-    if (since_told_ == 0) tell(0);
     since_told_ += bytes;
-    go_on(bytes);
-    if (since_told_ >= kBlock) since_told_ = 0;
+    if (since_told_ < kBlock) return;
+    go_on(std::exchange(since_told_, 0));
   }
 
   std::size_t since_told_ = 0;
