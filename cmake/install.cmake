@@ -13,7 +13,7 @@ if(TARGET trvtrout_shared)
     LIBRARY COMPONENT library NAMELINK_COMPONENT development
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
   set_property(GLOBAL APPEND PROPERTY trvtrout_parts trvtrout)
-  set_property(GLOBAL APPEND PROPERTY trvtrout_headers ${PROJECT_SOURCE_DIR}/embed/trvtrout.h)
+  install(FILES embed/trvtrout.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 endif()
 
 get_property(trvtrout_parts GLOBAL PROPERTY trvtrout_parts)
