@@ -38,9 +38,7 @@ JsonWriter::Sink sink_of(Document& at, trvtrout_write write, void* context) {
   };
 }
 
-exchange::Texts texts_of(int code_page) {
-  return {code_page, std::make_shared<const platform::CodePage>(code_page)};
-}
+exchange::Texts texts_of(int code_page) { return {code_page, std::make_shared<const platform::CodePage>(code_page)}; }
 
 std::vector<std::string> patterns(const char* const* given, std::size_t count, const char* name) {
   std::vector<std::string> all;
@@ -72,7 +70,8 @@ trvtrout_result diff(Document& at, Document& other, const differences::PathFilte
     JsonWriter json(sink_of(at, write, context));
     exchange::Texts texts = texts_of(at.code_page());
     write_differences(
-        json, texts, head, [&](const Tell& tell) { differences::find_header_differences(old_slots, new_slots, tell); }, of_document);
+        json, texts, head, [&](const Tell& tell) { differences::find_header_differences(old_slots, new_slots, tell); },
+        of_document);
   }
   const auto& of_kind = head.counts.of_kind;
   if (counts) give(counts, {0, 0, of_kind[0], of_kind[1], of_kind[2], of_kind[3]}, "counts");
@@ -83,7 +82,8 @@ trvtrout_result diff(Document& at, Document& other, const differences::PathFilte
 trvtrout_result carried(Document& at) {
   for (const vtrfile::PartRead& part : at.utility.LastRead().parts) {
     if (part.carried != vtrfile::Carried::kPart) continue;
-    at.message = at.source + ": it's of the old format, and some of its product's values have no place in the current one";
+    at.message =
+        at.source + ": it's of the old format, and some of its product's values have no place in the current one";
     return TRVTROUT_INCOMPLETE;
   }
   return TRVTROUT_OK;
