@@ -17,7 +17,7 @@ if(TARGET trvtrout_shared)
     LIBRARY COMPONENT library NAMELINK_COMPONENT development
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
   set_property(GLOBAL APPEND PROPERTY trvtrout_parts trvtrout)
-  install(FILES embed/trvtrout.h DESTINATION ${trvtrout_include_dir} COMPONENT development)
+  install(FILES embed/trvtrout.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 endif()
 
 get_property(trvtrout_parts GLOBAL PROPERTY trvtrout_parts)
