@@ -25,11 +25,18 @@ function(trvtrout_package component name section summary description)
 endfunction()
 
 trvtrout_package(runtime vtrout utils "report on, compare, export and save binary VTR files"
-  "vtrout reads the binary VTR files in which a tool keeps its product definitions. It says what a file holds, writes reports, shows every difference between two files, exports documents as JSON and to databases, and saves what can be saved of a damaged file.")
+"vtrout reads the binary VTR files in which a tool keeps its product
+definitions. It says what a file holds, writes reports, shows every difference
+between two files, exports documents as JSON and to databases, and saves what
+can be saved of a damaged file.")
 trvtrout_package(library libtrvtrout1 libs "library to read, compare and save binary VTR files"
-  "A C interface to VTR files, the binary files in which a tool keeps its product definitions: reports, comparisons, differences, exports and recovery for programs in any language.")
-trvtrout_package(development libtrvtrout-dev libdevel "library to read, compare and save binary VTR files (development)"
-  "Headers, static libraries, a CMake package and pkg-config files to build hosts with: in C by the shared library, in C++ by the class itself.")
+"A C interface to VTR files, the binary files in which a tool keeps its product
+definitions: reports, comparisons, differences, exports and recovery for
+programs in any language.")
+trvtrout_package(development libtrvtrout-dev libdevel
+"library to read, compare and save binary VTR files (development)"
+"Headers, static libraries, a CMake package and pkg-config files to build hosts
+with: in C by the shared library, in C++ by the class itself.")
 
 # What the binaries need is found in them. Only what they load when they need it has to be named.
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_SHLIBDEPS ON)
