@@ -142,6 +142,7 @@ Target target_for(Document& at, const std::u16string& source, const std::u16stri
 }
 
 void put(Document& at, const Target& target, bool same) {
+  if (at.watch.stopped()) throw Stopped();
   if (same) return at.new_files.commit(target.replaces);
   throw Refusal(TRVTROUT_FAILED, platform::machine_path(target.path) +
                                      ": what was written doesn't read back as the same document; nothing was written");

@@ -16,10 +16,8 @@ class Watched : public Interface {
  protected:
   Interface& behind() { return *behind_; }
   void go_to(std::uint64_t offset) { done_ = offset; }
-  void go_on(std::uint64_t bytes, std::uint64_t total = 0) {
-    done_ += bytes;
-    watch_.at(path_, done_, total);
-  }
+  std::uint64_t go_on(std::uint64_t bytes) { return done_ += bytes; }
+  void tell(std::uint64_t total = 0) { watch_.at(path_, done_, total); }
 
  private:
   std::unique_ptr<Interface> behind_;
@@ -34,7 +32,8 @@ class WatchedInput : public Watched<BinaryFile> {
   std::uint64_t Size() override { return total_ = behind().Size(); }
   std::size_t Read(std::span<unsigned char> into) override {
     const std::size_t count = behind().Read(into);
-    go_on(count, total_);
+    go_on(count);
+    tell(total_);
     return count;
   }
   bool SkipTo(std::uint64_t offset) override {
@@ -53,6 +52,7 @@ class WatchedOutput : public Watched<BinaryOutput> {
   void Write(std::string_view bytes) override {
     behind().Write(bytes);
     go_on(bytes.size());
+    tell();
   }
 };
 
@@ -72,12 +72,13 @@ class WatchedText : public Watched<TextStream> {
  private:
   static constexpr std::size_t kBlock = 4096;
   void count(std::size_t bytes) {
-    since_told_ += bytes;
-    if (since_told_ < kBlock) return;
-    go_on(std::exchange(since_told_, 0));
+    const std::uint64_t done = go_on(bytes);
+    if (done < next_) return;
+    next_ = done + kBlock;
+    tell();
   }
 
-  std::size_t since_told_ = 0;
+  std::uint64_t next_ = 0;  // when somebody is told
 };
 
 class WatchedFileSystem : public FileSystemObject {
