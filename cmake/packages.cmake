@@ -8,6 +8,13 @@ set(CPACK_PACKAGE_DIRECTORY ${PROJECT_BINARY_DIR}/packages)
 set(CPACK_PRE_BUILD_SCRIPTS ${PROJECT_SOURCE_DIR}/packaging/stage.cmake)
 set(CPACK_INSTALL_DEFAULT_DIRECTORY_PERMISSIONS
   OWNER_READ OWNER_WRITE OWNER_EXECUTE GROUP_READ GROUP_EXECUTE WORLD_READ WORLD_EXECUTE)
+# Packages of what isn't released yet come after those of the release before it.
+file(STRINGS CHANGELOG.md sections REGEX "^## ")
+list(GET sections 0 section)
+set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
+if(section STREQUAL "## Unreleased")
+  string(APPEND CPACK_PACKAGE_VERSION "+unreleased")
+endif()
 set(CPACK_TRVTROUT_SOURCES ${PROJECT_SOURCE_DIR})
 
 set(CPACK_DEBIAN_PACKAGE_MAINTAINER "TrVtrOut maintainers <maintainers@trvtrout.example>")
@@ -45,7 +52,7 @@ execute_process(COMMAND dpkg-query -S "*/${TRVTROUT_LIBZIP}" OUTPUT_VARIABLE lib
 string(REGEX REPLACE ":.*" "" libzip_package "${libzip_package}")
 set(CPACK_DEBIAN_RUNTIME_PACKAGE_RECOMMENDS ${libzip_package})
 set(CPACK_DEBIAN_LIBRARY_PACKAGE_RECOMMENDS ${libzip_package})
-set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libtrvtrout1 (= ${PROJECT_VERSION})")
+set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_DEPENDS "libtrvtrout1 (= ${CPACK_PACKAGE_VERSION})")
 # For the static libraries of the parts spreadsheet and platform.
 set(CPACK_DEBIAN_DEVELOPMENT_PACKAGE_RECOMMENDS "libpugixml-dev, nettle-dev")
 
