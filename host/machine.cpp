@@ -25,7 +25,7 @@ bool can_erase() {
   return isatty(STDERR_FILENO) != 0 && terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb";
 }
 
-const char* line_start() { return can_erase() ? kEraseLine : ""; }
+const char* line_start() { return !CaughtOutput::is_catching() && can_erase() ? kEraseLine : ""; }
 
 }  // namespace
 
@@ -33,17 +33,19 @@ Machine::Machine(const Settings& settings, Output output)
     : output_(output == Output::kFiles  ? static_cast<Files&>(report_files_)
               : output == Output::kNone ? static_cast<Files&>(no_files_)
                                         : held_files_),
-      message_box_(settings.overwrite, std::cin, std::cerr, person_is_there(), line_start()),
-      save_dialog_(output_, std::cin, std::cerr, person_is_there()),
+      message_box_(settings.overwrite, std::cin, err(), person_is_there(), line_start()),
+      save_dialog_(output_, std::cin, err(), person_is_there()),
       locale_(settings.code_page) {
   spreadsheet_.set_rules(workbook_rules(settings));
+  message_box_.share(settings.terminal);
 }
 
 void complain(const std::string& line) {
-  std::cerr << line_start() << "vtrout: " << platform::printable_line(text::from_utf8(line)) << '\n';
+  note_complaint(line);
+  err() << line_start() << "vtrout: " << platform::printable_line(text::from_utf8(line)) << '\n';
 }
 
-Progress::Progress() : has_line_(!is_off_ && can_erase()) {}
+Progress::Progress() : has_line_(!is_off_ && !CaughtOutput::is_catching() && can_erase()) {}
 
 void Progress::show(const std::string& doing) {
   if (!has_line_ || (doing.empty() && !shown_)) return;

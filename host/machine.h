@@ -1,8 +1,10 @@
 #pragma once
 
 #include <iostream>
+#include <memory>
 
 #include "component/TarvelVtrOut_InOut.h"
+#include "host/console.h"
 #include "platform/console/console_message_box.h"
 #include "platform/console/console_save_dialog.h"
 #include "platform/console/quiet_message_loop.h"
@@ -31,6 +33,7 @@ struct Settings {
   bool quiet = false;           // errors and questions alone on stderr
   bool replace_sheets = false;  // of earlier reports, in workbooks
   unsigned wait_seconds = 0;    // for a workbook that another program holds
+  std::shared_ptr<platform::SharedTerminal> terminal = {};  // of many files
 };
 
 // What becomes of the texts that operations write: files, nothing (only the results count), or texts in memory

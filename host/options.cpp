@@ -95,6 +95,28 @@ CLI::Option* add_output_dir(CLI::App& command, std::string& folder) {
   return add_folder(command, "--output-dir", folder, "Write the reports into this folder, which must exist");
 }
 
+void add_run_options(CLI::App& command, InputOptions& inputs) {
+  constexpr unsigned kMostJobs = 128;
+  command.add_flag("--recursive", inputs.recursive, "Of a folder, take the folders in it, too");
+  command.add_option("--jobs", inputs.jobs, "Work on N files at the same time; by default one for each core")
+      ->option_text("N")
+      ->check(CLI::Range(1U, kMostJobs));
+}
+
+void add_log(CLI::App& command, std::string& log) {
+  add_file(command, "--log", log, "Append a line for each file to this text file: exit status, file, why");
+}
+
+// Any number of files and folders.
+void add_inputs(CLI::App& command, InputOptions& inputs, const char* description) {
+  command.add_option("FILE", inputs.operands, description)->check(check_path);
+  command.add_option("--files-from", inputs.files_from,
+                 "Take the files and folders in LIST, too: one to a line, or with zero bytes between them; - for stdin")
+      ->option_text("LIST")
+      ->check(check_path);
+  add_run_options(command, inputs);
+}
+
 void add_salvage(CLI::App& command, bool& salvage) {
   command.add_flag("--salvage", salvage, "Of a damaged file, take all that `vtrout recover` would save");
 }
@@ -103,7 +125,8 @@ void add_salvage(CLI::App& command, bool& salvage) {
 
 void add_info(CLI::App& command, Request& request) {
   InfoTask& task = request.info;
-  add_file_operand(command, "FILE", task.file, "A VTR file");
+  add_inputs(command, request.inputs, "VTR files, and folders that have some");
+  add_log(command, request.inputs.log);
   add_json(command, task.json);
   add_salvage(command, task.salvage);
   add_code_page(command, request.settings);
@@ -111,7 +134,8 @@ void add_info(CLI::App& command, Request& request) {
 
 void add_report(CLI::App& command, Request& request) {
   ReportTask& task = request.report;
-  add_file_operand(command, "FILE", task.file, "A VTR file");
+  add_inputs(command, request.inputs, "VTR files, and folders that have some");
+  add_log(command, request.inputs.log);
   add_parts(command, task.parts);
   auto* const temporary =
       command.add_flag("--temporary", task.temporary, "Use the temporary name, which has no date in it");
@@ -181,9 +205,12 @@ void add_text(CLI::App& command, Request& request) {
 
 void add_recover(CLI::App& command, Request& request) {
   RecoveryTask& task = request.recovery;
-  add_file_operand(command, "FILE", task.file, "A VTR file, damaged or of the old format; it's never changed");
-  add_file(command, "--output", task.output, "The new file; by default a name beside FILE");
-  add_file(command, "--log", task.log, "A text file for the lists of what was read and recovered");
+  add_inputs(command, request.inputs, "VTR files, damaged or of the old format, and folders; they're never changed");
+  auto* const output = add_file(command, "--output", task.output, "The new file; by default a name beside FILE");
+  add_file(command, "--output-dir", task.output_dir, "Write the new files into this folder, which must exist")
+      ->excludes(output);
+  add_file(command, "--log", task.log,
+           "A text file for the lists of what was read and recovered; of several files, append a line for each to it");
   command.add_flag("--first-damage", task.first_damage, "Save only what stands in front of the first damage");
   add_folder(command, "--unexplained", task.unexplained,
              "Write the bytes of which nothing can be told into this folder, each range to a file");

@@ -18,6 +18,7 @@ class UsageError : public std::runtime_error {
 // What the arguments ask for.
 struct Request {
   Settings settings;
+  InputOptions inputs;
   InfoTask info;
   ReportTask report;
   ComparisonTask comparison;
