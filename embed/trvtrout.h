@@ -144,7 +144,7 @@ enum { TRVTROUT_PRIMARY = 0, TRVTROUT_SECONDARY = 1 };
  * failure the document is as it was, but for TRVTROUT_UNSUPPORTED, where it has the header. */
 TRVTROUT_API trvtrout_result trvtrout_read(trvtrout_document* document, const char* path, int32_t role);
 
-/* Reads on behind the damage of a file: the document becomes all that can be saved of it, sections that weren't found
+/* SalvageVTR: reads on behind the damage of a file: the document becomes all that can be saved of it, sections that weren't found
  * empty. TRVTROUT_NOT_A_DOCUMENT when nothing of one can be found, and then the document is as it was. */
 TRVTROUT_API trvtrout_result trvtrout_salvage(trvtrout_document* document, const char* path, int32_t role);
 
