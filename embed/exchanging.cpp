@@ -41,6 +41,9 @@ JsonWriter::Sink sink_of(Document& at, trvtrout_write write, void* context) {
 exchange::Texts texts_of(int code_page) { return {code_page, std::make_shared<const platform::CodePage>(code_page)}; }
 
 std::vector<std::string> patterns(const char* const* given, std::size_t count, const char* name) {
+  // More than a person or a program would give was never set.
+  constexpr std::size_t kMost = 65536;
+  if (count > kMost) throw Refusal(TRVTROUT_INVALID_ARGUMENT, std::string(name) + " has too many patterns");
   std::vector<std::string> all;
   for (std::size_t at = 0; at < count; ++at) {
     all.push_back(text::to_utf8(text_of(place(given, name) ? given[at] : nullptr, name)));
