@@ -67,10 +67,11 @@ std::string folder_for(const std::string& folder, const Input& file) {
 // What is done with a file whose new files would get the names of another one's.
 bool has_own_names(const InputList& list, const std::vector<std::size_t>& owners, std::size_t number) {
   if (owners[number] == number) return true;
-  complain(list.files[number].path + ": what is written about it would have the same names as for " +
-           list.files[owners[number]].path +
-           ", which are made of what stands in front of the first full stop; nothing was written: rename it, or give it "
-           "a run and an --output-dir of its own");
+  complain(
+      list.files[number].path + ": what is written about it would have the same names as for " +
+      list.files[owners[number]].path +
+      ", which are made of what stands in front of the first full stop; nothing was written: rename it, or give it "
+      "a run and an --output-dir of its own");
   return false;
 }
 
@@ -105,7 +106,8 @@ ExitStatus report_files(const Settings& settings, const InputOptions& options, c
                         return report(shared, task);
                       }};
   if (is_one_file(options)) return do_one(settings, options, each);
-  if (!given.workbook.empty()) return refuse("--workbook takes the reports on one file; the sheets of several would have the same names");
+  if (!given.workbook.empty())
+    return refuse("--workbook takes the reports on one file; the sheets of several would have the same names");
   list = list_inputs(options);
   owners = owners_of_names(list.files, given.output_dir);
   return for_each_file(settings, options, list, each);
@@ -132,7 +134,8 @@ ExitStatus recover_files(const Settings& settings, const InputOptions& given_opt
   // Of one file the log has the lists of what was read and recovered.
   if (is_one) return do_one(settings, options, each);
   options.log = given.log;
-  if (!given.output.empty()) return refuse("--output names the new file of one file; --output-dir takes those of several");
+  if (!given.output.empty())
+    return refuse("--output names the new file of one file; --output-dir takes those of several");
   list = list_inputs(options);
   owners = owners_of_names(list.files, given.output_dir);
   return for_each_file(settings, options, list, each);

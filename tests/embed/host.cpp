@@ -34,7 +34,7 @@ std::string EmbeddedDocument::text(int32_t which) const {
   char* text = nullptr;
   size_t length = 0;
   EXPECT_EQ(trvtrout_get_text(handle_, which, &text, &length), TRVTROUT_OK) << which;
-  const std::string found(text, length);
+  std::string found(text, length);
   trvtrout_free(text);
   return found;
 }
@@ -46,7 +46,7 @@ void replace_all(std::string& text, const std::string& what, const std::string& 
 }
 
 std::string taken(char* text) {
-  const std::string found = text ? text : "";
+  std::string found = text ? text : "";
   trvtrout_free(text);
   return found;
 }

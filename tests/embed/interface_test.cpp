@@ -42,13 +42,12 @@ using Numbers = std::array<std::int32_t, 4>;  // count, current, max, size
 using Utility = TarvelVtrOut_InOut;
 template <auto Operation>
 std::u16string tell(Utility& utility, Numbers& numbers) {
-  auto& [count, current, max, size] = numbers;
-  if constexpr (requires { (utility.*Operation)(count, current, max, size); }) {
-    return (utility.*Operation)(count, current, max, size);
-  } else if constexpr (requires { (utility.*Operation)(count, size); }) {
-    return (utility.*Operation)(count, size);
+  if constexpr (std::is_invocable_v<decltype(Operation), Utility&, int&, int&, int&, int&>) {
+    return (utility.*Operation)(numbers[0], numbers[1], numbers[2], numbers[3]);
+  } else if constexpr (std::is_invocable_v<decltype(Operation), Utility&, int&, int&>) {
+    return (utility.*Operation)(numbers[0], numbers[3]);
   } else {
-    return (utility.*Operation)(size);
+    return (utility.*Operation)(numbers[3]);
   }
 }
 std::u16string tell_data_send(Utility& utility, Numbers& numbers) {
