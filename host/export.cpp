@@ -1,10 +1,10 @@
 #include <algorithm>
 
+#include "component/document_kind.h"
 #include "exchange/database_export.h"
 #include "exchange/json_document.h"
 #include "exchange/lines.h"
 #include "host/commands.h"
-#include "component/document_kind.h"
 #include "host/exchanged_texts.h"
 #include "host/new_file.h"
 #include "host/read_saving.h"

@@ -109,11 +109,13 @@ void add_log(CLI::App& command, std::string& log) {
 
 // Any number of files and folders.
 void add_inputs(CLI::App& command, InputOptions& inputs, const char* description) {
-  command.add_option("FILE", inputs.operands, description)->check(check_path);
-  command.add_option("--files-from", inputs.files_from,
-                 "Take the files and folders in LIST, too: one to a line, or with zero bytes between them; - for stdin")
+  command.add_option("FILE", inputs.operands, description)->type_name("")->check(check_path, "", kTakesFile);
+  command
+      .add_option(
+          "--files-from", inputs.files_from,
+          "Take the files and folders in LIST, too: one to a line, or with zero bytes between them; - for stdin")
       ->option_text("LIST")
-      ->check(check_path);
+      ->check(check_path, "", kTakesFile);
   add_run_options(command, inputs);
 }
 
