@@ -1,4 +1,5 @@
-// Writes the reports on the tables and fields of the VTR file that comes on stdin to stdout. No file is read or written.
+// Writes the reports on the tables and fields of the VTR file that comes on stdin to stdout. No file is read or
+// written.
 //
 //   reports_in_memory <FILE.vtr
 #include <iostream>

@@ -13,8 +13,8 @@ class FileWatch {
  public:
   virtual ~FileWatch() = default;
   // Behind each block that was read or written: `done` bytes were by then, of `total`, 0 where nobody knows. What it
-  // raises comes out of the call on the file. To end an operation of the class it must be no ServiceError: a medium that
-  // fails costs the class only what stands behind.
+  // raises comes out of the call on the file. To end an operation of the class it must be no ServiceError: a medium
+  // that fails costs the class only what stands behind.
   virtual void at(const std::u16string& path, std::uint64_t done, std::uint64_t total) = 0;
 };
 

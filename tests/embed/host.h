@@ -17,10 +17,10 @@ namespace trvtrout::tests {
 struct Host {
   std::vector<std::string> prompts;
   int32_t answer = TRVTROUT_ANSWER_CANCEL;
-  std::string path;         // chosen; none when it's empty
-  int stop_at = 0;          // stops at this call of progress, counted from 1; 0: never
-  int told = 0;             // calls of progress
-  std::uint64_t done = 0;   // of the last one
+  std::string path;        // chosen; none when it's empty
+  int stop_at = 0;         // stops at this call of progress, counted from 1; 0: never
+  int told = 0;            // calls of progress
+  std::uint64_t done = 0;  // of the last one
   std::uint64_t total = 0;
   std::function<void()> on_progress = [] {};
 

@@ -62,8 +62,8 @@ TEST(EmbedHostile, HandlesThatAreNone) {
   ASSERT_EQ(trvtrout_free(gone), TRVTROUT_OK);
   EXPECT_EQ(trvtrout_free(gone), TRVTROUT_INVALID_HANDLE);
   int here = 0;
-  for (auto* const none : {static_cast<trvtrout_document*>(nullptr), gone,
-                           reinterpret_cast<trvtrout_document*>(&here)}) {
+  for (auto* const none :
+       {static_cast<trvtrout_document*>(nullptr), gone, reinterpret_cast<trvtrout_document*>(&here)}) {
     for (const auto& [name, call] : calls) EXPECT_EQ(call(none, "x.vtr"), TRVTROUT_INVALID_HANDLE) << name;
     EXPECT_STREQ(trvtrout_last_message(none), trvtrout_result_text(TRVTROUT_INVALID_HANDLE));
   }

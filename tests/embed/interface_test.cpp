@@ -56,12 +56,12 @@ std::u16string tell_data_send(Utility& utility, Numbers& numbers) {
   return utility.GetDsmInfo(numbers[0], file, version, numbers[3]);
 }
 constexpr std::array kAccessors = {
-    tell<&Utility::GetTableInfo>,    tell<&Utility::GetFieldsInfo>,    tell<&Utility::GetLookupInfo>,
-    tell<&Utility::GetRelInfo>,      tell<&Utility::GetHidTableInfo>,  tell<&Utility::GetHidFieldsInfo>,
-    tell<&Utility::GetHidLookInfo>,  tell<&Utility::GetTreInfo>,       tell<&Utility::GetLanInfo>,
-    tell<&Utility::GetMdlInfo>,      tell<&Utility::GetFmsInfo>,       tell<&Utility::GetExtInfo>,
-    tell<&Utility::GetInclInfo>,     tell<&Utility::GetTagInfo>,       tell<&Utility::GetDSNInfo>,
-    tell<&Utility::GetIncNewInfo>,   tell<&Utility::GetResiTblInfo>,   tell_data_send,
+    tell<&Utility::GetTableInfo>,   tell<&Utility::GetFieldsInfo>,   tell<&Utility::GetLookupInfo>,
+    tell<&Utility::GetRelInfo>,     tell<&Utility::GetHidTableInfo>, tell<&Utility::GetHidFieldsInfo>,
+    tell<&Utility::GetHidLookInfo>, tell<&Utility::GetTreInfo>,      tell<&Utility::GetLanInfo>,
+    tell<&Utility::GetMdlInfo>,     tell<&Utility::GetFmsInfo>,      tell<&Utility::GetExtInfo>,
+    tell<&Utility::GetInclInfo>,    tell<&Utility::GetTagInfo>,      tell<&Utility::GetDSNInfo>,
+    tell<&Utility::GetIncNewInfo>,  tell<&Utility::GetResiTblInfo>,  tell_data_send,
 };
 
 TEST_F(Embed, TellsOfEachSampleWhatTheClassTells) {
@@ -258,7 +258,8 @@ TEST_F(Embed, WhatIsStoppedLeavesNothingBehind) {
       {"read", [&] { return trvtrout_read(document, first.c_str(), TRVTROUT_PRIMARY); }},
       {"salvage", [&] { return trvtrout_salvage(document, first.c_str(), TRVTROUT_PRIMARY); }},
       {"report", [&] { return trvtrout_report(document, TRVTROUT_PART_FIELD, first.c_str(), 1, &made); }},
-      {"compare", [&] { return trvtrout_compare(document, TRVTROUT_PART_FIELD, first.c_str(), second.c_str(), &made); }},
+      {"compare",
+       [&] { return trvtrout_compare(document, TRVTROUT_PART_FIELD, first.c_str(), second.c_str(), &made); }},
       {"recover", [&] { return trvtrout_recover(document, at("recovered.vtr").c_str(), nullptr); }},
       {"diff", [&] { return trvtrout_diff(document, other, nullptr, append, &json, nullptr); }},
       {"export", [&] { return trvtrout_export(document, TRVTROUT_LINES, append, &json); }},
