@@ -1,19 +1,18 @@
 #include <algorithm>
-#include <filesystem>
 
 #include "exchange/database_export.h"
 #include "exchange/json_document.h"
 #include "exchange/lines.h"
 #include "host/batch/batch.h"
 #include "host/commands.h"
-#include "host/document_kind.h"
+#include "component/document_kind.h"
 #include "host/exchanged_texts.h"
 #include "host/new_file.h"
 #include "host/read_saving.h"
 #include "platform/files/path.h"
 #include "platform/files/sha256.h"
 #include "platform/files/staged_files.h"
-#include "text/surrogates.h"
+#include "text/utf8.h"
 
 namespace trvtrout::host {
 namespace {
@@ -69,25 +68,10 @@ ExitStatus read_whole(const Export& exported, const std::string& file, Document&
   return status;
 }
 
-// A name's bytes need be no UTF-8.
-std::string as_utf8(const std::string& name) {
-  std::u16string units = text::from_utf8(name);
-  for (std::size_t at = 0; at < units.size(); ++at) {
-    if (text::is_pair_at(units, at)) {
-      ++at;
-    } else if ((units[at] & 0xF800) == 0xD800) {
-      units[at] = u'\uFFFD';
-    }
-  }
-  return text::to_utf8(units);
-}
-
-// The file as the database knows it, by whatever name it was given.
 exchange::DocumentFile file_in_database(Files& files, const std::string& file) {
-  const std::filesystem::path path = std::filesystem::weakly_canonical(std::filesystem::absolute(file));
   const auto bytes = files.OpenBinary(platform::class_path(file));
   const auto digest = platform::sha256([&](std::span<unsigned char> into) { return bytes->Read(into); });
-  return {as_utf8(path), as_utf8(path.filename()), bytes->Size(), platform::hex(digest)};
+  return exchange::document_file(file, bytes->Size(), platform::hex(digest));
 }
 
 // Reads the documents, several at a time, and puts those that can be exported where they go, one after the other.
@@ -138,7 +122,7 @@ ExportEnd write_text(const Export& exported, const exchange::JsonWriter::Sink& s
   ExportEnd end = put_each(exported, [&](const std::string& file, const Document& document) {
     const vtrfile::DocumentSlots& slots = document.utility.CurrentSlots();
     if (exported.task.form == ExportForm::kJson) return write_document(json, texts, slots);
-    exchange::write_lines(json, texts, as_utf8(file), slots);
+    exchange::write_lines(json, texts, text::valid_utf8(file), slots);
   });
   json.flush();
   return end;
@@ -182,26 +166,9 @@ ExportEnd export_text(Machine& machine, const Export& exported) {
   return end;
 }
 
-// A database that wasn't there isn't left behind empty.
-class NewDatabase {
- public:
-  explicit NewDatabase(std::string path) : path_(std::move(path)), was_there_(platform::name_is_taken(path_)) {}
-  ~NewDatabase() {
-    std::error_code none;
-    if (!was_there_ && std::filesystem::file_size(path_, none) == 0 && !none) std::filesystem::remove(path_, none);
-  }
-  NewDatabase(const NewDatabase&) = delete;
-  NewDatabase& operator=(const NewDatabase&) = delete;
-
- private:
-  std::string path_;
-  bool was_there_;
-};
-
 ExportEnd export_to_database(Machine& machine, const Export& exported) {
   const std::string& output = exported.task.output;
   if (is_document(machine.services().files, exported.task)) return {kNotBegun};
-  const NewDatabase database(output);
   exchange::DatabaseExport target(output, texts_of(exported.settings.code_page));
   const ExportEnd end = put_each(exported, [&](const std::string&, const Document& document) {
     target.put(document.file, document.utility.CurrentSlots());

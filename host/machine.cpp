@@ -4,7 +4,7 @@
 #include <string_view>
 #include <unistd.h>
 
-#include "host/document_kind.h"
+#include "component/document_kind.h"
 #include "host/workbook_target.h"
 #include "platform/console/printable.h"
 #include "platform/files/path.h"
@@ -88,20 +88,6 @@ ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string
 void complain_of_part(const char* what, const char* part, const std::u16string& path, const std::string& why) {
   const std::string where = platform::machine_path(path);
   complain(std::string("no complete ") + what + ' ' + part + (where.empty() ? "" : " in " + where) + ": " + why);
-}
-
-std::string damage_text(const vtrfile::ReadError& damage) {
-  std::string text = "damaged: reading stopped at byte " + std::to_string(damage.offset()) + ", " + damage.path() +
-                     ": " + damage.found();
-  if (damage.may_begin_at() != damage.offset()) {
-    text += "; the damage may begin earlier, from byte " + std::to_string(damage.may_begin_at()) + " on";
-  }
-  return text;
-}
-
-std::string gap_text(const vtrfile::Gap& gap) {
-  return "damaged: " + std::to_string(gap.end - gap.begin) + " bytes from byte " + std::to_string(gap.begin) +
-         " on were skipped: " + gap.found + "; the damage may begin earlier, and a section may be missing";
 }
 
 }  // namespace trvtrout::host

@@ -15,6 +15,7 @@
 #include "platform/locale/us_locale.h"
 #include "platform/program/spreadsheet_program.h"
 #include "text/utf8.h"
+#include "vtrfile/damage_text.h"
 
 namespace trvtrout::host {
 
@@ -101,9 +102,7 @@ ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string
 // One line on stderr: no complete `what` `part`, where its file is if there is one, and why.
 void complain_of_part(const char* what, const char* part, const std::u16string& path, const std::string& why);
 
-// Where the reading of a damaged file broke off, for people.
-std::string damage_text(const vtrfile::ReadError& damage);
-// Which bytes nothing is known about, for people.
-std::string gap_text(const vtrfile::Gap& gap);
+using vtrfile::damage_text;
+using vtrfile::gap_text;
 
 }  // namespace trvtrout::host

@@ -10,16 +10,18 @@
 
 namespace trvtrout::host {
 
-std::string joined(const std::vector<std::string>& names) {
+std::string joined(const std::vector<std::string>& names, const char* separator) {
   std::string text;
-  for (const std::string& name : names) (text += text.empty() ? "" : ", ") += name;
+  for (const std::string& name : names) (text += text.empty() ? "" : separator) += name;
   return text;
 }
 
 namespace {
 
 void add_code_page(CLI::App& command, Settings& settings) {
-  command.add_option("--code-page", settings.code_page, "Code page of the texts in the file")->capture_default_str();
+  command.add_option("--code-page", settings.code_page, "Code page of the texts in the file")
+      ->type_name("NUMBER")
+      ->capture_default_str();
 }
 
 void add_overwrite(CLI::App& command, Settings& settings) {
@@ -35,12 +37,15 @@ void add_overwrite(CLI::App& command, Settings& settings) {
 void add_parts(CLI::App& command, std::vector<std::string>& parts) {
   const std::vector<std::string> names = part_names();
   command.add_option("--part", parts, "Only this part; may be given several times: " + joined(names))
-      ->check([names](const std::string& given) {
-        if (std::ranges::find(names, given) != names.end()) return std::string();
-        const std::string meant = did_you_mean(given, names);
-        throw UsageError("there is no part \"" + given + "\"" +
-                         (meant.empty() ? "; the parts are " + joined(names) : meant));
-      })
+      ->type_name("PART")
+      ->check(
+          [names](const std::string& given) {
+            if (std::ranges::find(names, given) != names.end()) return std::string();
+            const std::string meant = did_you_mean(given, names);
+            throw UsageError("there is no part \"" + given + "\"" +
+                             (meant.empty() ? "; the parts are " + joined(names) : meant));
+          },
+          "", std::string(kTakesOneOf) + joined(names, " "))
       ->take_all()
       ->allow_extra_args(false);
 }
@@ -57,11 +62,15 @@ std::string check_path(const std::string& given) {
 }
 
 void add_file_operand(CLI::App& command, const char* name, std::string& file, const char* description) {
-  command.add_option(name, file, description)->required()->check(check_path);
+  command.add_option(name, file, description)->required()->type_name("")->check(check_path, "", kTakesFile);
 }
 
 CLI::Option* add_file(CLI::App& command, const char* name, std::string& file, const char* description) {
-  return command.add_option(name, file, description)->check(check_path);
+  return command.add_option(name, file, description)->type_name("FILE")->check(check_path, "", kTakesFile);
+}
+
+CLI::Option* add_folder(CLI::App& command, const char* name, std::string& folder, const char* description) {
+  return command.add_option(name, folder, description)->type_name("FOLDER")->check(check_path, "", kTakesFolder);
 }
 
 CLI::Option* add_wait(CLI::App& command, Settings& settings) {
@@ -83,7 +92,7 @@ CLI::Option* add_workbook(CLI::App& command, std::string& workbook, Settings& se
 }
 
 CLI::Option* add_output_dir(CLI::App& command, std::string& folder) {
-  return add_file(command, "--output-dir", folder, "Write the reports into this folder, which must exist");
+  return add_folder(command, "--output-dir", folder, "Write the reports into this folder, which must exist");
 }
 
 void add_run_options(CLI::App& command, InputOptions& inputs) {
@@ -100,11 +109,11 @@ void add_log(CLI::App& command, std::string& log) {
 
 // Any number of files and folders.
 void add_inputs(CLI::App& command, InputOptions& inputs, const char* description) {
-  command.add_option("FILE", inputs.operands, description)->check(check_path);
+  command.add_option("FILE", inputs.operands, description)->type_name("")->check(check_path, "", kTakesFile);
   command.add_option("--files-from", inputs.files_from,
                  "Take the files and folders in LIST, too: one to a line, or with zero bytes between them; - for stdin")
       ->option_text("LIST")
-      ->check(check_path);
+      ->check(check_path, "", kTakesFile);
   add_run_options(command, inputs);
 }
 
@@ -161,8 +170,9 @@ void add_diff(CLI::App& command, Request& request) {
   DiffTask& task = request.diff;
   command.add_option("FILE", task.arguments, "The VTR files or folders OLD and NEW; or what git gives to such a command")
       ->required()
+      ->type_name("")
       ->expected(1, 9)
-      ->check(check_path);
+      ->check(check_path, "", kTakesFile);
   add_run_options(command, request.inputs);
   add_log(command, request.inputs.log);
   add_parts(command, task.parts);
@@ -182,6 +192,7 @@ void add_diff(CLI::App& command, Request& request) {
   command.add_option("--color", task.color, "When to use colours: auto, always or never")
       ->option_text("WHEN")
       ->transform(CLI::Transformer(kWhen))
+      ->check(CLI::Validator(), std::string(kTakesOneOf) + "auto always never")
       ->default_str("auto");
   add_salvage(command, task.salvage);
   add_json(command, task.json, "The differences for programs");
@@ -205,8 +216,8 @@ void add_recover(CLI::App& command, Request& request) {
   add_file(command, "--log", task.log,
            "A text file for the lists of what was read and recovered; of several files, append a line for each to it");
   command.add_flag("--first-damage", task.first_damage, "Save only what stands in front of the first damage");
-  add_file(command, "--unexplained", task.unexplained,
-           "Write the bytes of which nothing can be told into this folder, each range to a file");
+  add_folder(command, "--unexplained", task.unexplained,
+             "Write the bytes of which nothing can be told into this folder, each range to a file");
   add_json(command, task.json);
   add_overwrite(command, request.settings);
   add_code_page(command, request.settings);
@@ -216,7 +227,7 @@ void add_statistics(CLI::App& command, Request& request) {
   StatisticsTask& task = request.statistics;
   add_file_operand(command, "WORKBOOK", task.workbook, "An .xls or .xlsx file");
   add_file_operand(command, "REPORT", task.report, "A comma-separated text whose name ends in .csv");
-  command.add_option("SHEET", task.sheet_name, "Name of the new sheet")->required();
+  command.add_option("SHEET", task.sheet_name, "Name of the new sheet")->required()->type_name("");
   add_code_page(command, request.settings);
   add_wait(command, request.settings);
 }

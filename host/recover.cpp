@@ -3,10 +3,10 @@
 #include <iostream>
 #include <optional>
 
+#include "component/read_back.h"
 #include "host/commands.h"
 #include "host/json.h"
 #include "host/new_file.h"
-#include "host/read_back.h"
 #include "host/read_saving.h"
 #include "host/recovery_account.h"
 #include "host/salvage_account.h"
