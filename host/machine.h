@@ -30,9 +30,9 @@ enum ExitStatus : int {
 struct Settings {
   int code_page = 1252;
   platform::Overwrite overwrite = platform::Overwrite::kAsk;
-  bool quiet = false;                                       // errors and questions alone on stderr
-  bool replace_sheets = false;                              // of earlier reports, in workbooks
-  unsigned wait_seconds = 0;                                // for a workbook that another program holds
+  bool quiet = false;           // errors and questions alone on stderr
+  bool replace_sheets = false;  // of earlier reports, in workbooks
+  unsigned wait_seconds = 0;    // for a workbook that another program holds
   std::shared_ptr<platform::SharedTerminal> terminal = {};  // of many files
 };
 

@@ -44,8 +44,8 @@ class BatchProgress {
     std::string text = std::to_string(done) + " of " + count_text(files_);
     if (done > 0 && seconds > 0) {
       const double rate = static_cast<double>(done) / seconds;
-      text +=
-          ", " + one_place(rate) + " a second, " + duration_text(static_cast<double>(files_ - done) / rate) + " left";
+      text += ", " + one_place(rate) + " a second, " + duration_text(static_cast<double>(files_ - done) / rate) +
+              " left";
     }
     progress_.show(text);
   }
@@ -82,8 +82,7 @@ class Tally {
   std::string text() const {
     std::string text = count_text(done());
     const char* separator = ": ";
-    for (const auto& [count, what] : {std::pair(counts_[kFine], "fine"),
-                                      {counts_[kRemarkable], batch_.remark},
+    for (const auto& [count, what] : {std::pair(counts_[kFine], "fine"), {counts_[kRemarkable], batch_.remark},
                                       {counts_[kTrouble], "in trouble"}}) {
       if (count == 0) continue;
       (((text += separator) += std::to_string(count)) += ' ') += what;
