@@ -102,7 +102,8 @@ bool colors_wanted(ColorWhen when) {
 // What is asked for, one pattern each; none when all is.
 std::vector<std::string> patterns_of(const DiffTask& task) {
   std::vector<std::string> only = task.only;
-  for (const std::string& part : task.parts) std::ranges::copy(differences::patterns_of_part(part), std::back_inserter(only));
+  for (const std::string& part : task.parts)
+    std::ranges::copy(differences::patterns_of_part(part), std::back_inserter(only));
   return only;
 }
 

@@ -1,11 +1,11 @@
 #include <algorithm>
 
+#include "component/document_kind.h"
 #include "exchange/database_export.h"
 #include "exchange/json_document.h"
 #include "exchange/lines.h"
 #include "host/batch/batch.h"
 #include "host/commands.h"
-#include "component/document_kind.h"
 #include "host/exchanged_texts.h"
 #include "host/new_file.h"
 #include "host/read_saving.h"
@@ -50,8 +50,7 @@ struct ExportEnd {
 ExitStatus read_whole(const Export& exported, const std::string& file, Document& document) {
   const TarvelVtrOut_InOut& utility = document.utility;
   std::u16string structure_list;
-  ExitStatus status =
-      read_saving(document.machine, document.utility, file, exported.task.salvage, structure_list);
+  ExitStatus status = read_saving(document.machine, document.utility, file, exported.task.salvage, structure_list);
   if (status == kTrouble) return status;
   if (status == kRemarkable && !utility.LastSalvage()) {
     const auto& damage = utility.LastDamage();

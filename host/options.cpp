@@ -110,8 +110,10 @@ void add_log(CLI::App& command, std::string& log) {
 // Any number of files and folders.
 void add_inputs(CLI::App& command, InputOptions& inputs, const char* description) {
   command.add_option("FILE", inputs.operands, description)->type_name("")->check(check_path, "", kTakesFile);
-  command.add_option("--files-from", inputs.files_from,
-                 "Take the files and folders in LIST, too: one to a line, or with zero bytes between them; - for stdin")
+  command
+      .add_option(
+          "--files-from", inputs.files_from,
+          "Take the files and folders in LIST, too: one to a line, or with zero bytes between them; - for stdin")
       ->option_text("LIST")
       ->check(check_path, "", kTakesFile);
   add_run_options(command, inputs);
@@ -168,7 +170,8 @@ void add_compare(CLI::App& command, Request& request) {
 
 void add_diff(CLI::App& command, Request& request) {
   DiffTask& task = request.diff;
-  command.add_option("FILE", task.arguments, "The VTR files or folders OLD and NEW; or what git gives to such a command")
+  command
+      .add_option("FILE", task.arguments, "The VTR files or folders OLD and NEW; or what git gives to such a command")
       ->required()
       ->type_name("")
       ->expected(1, 9)
@@ -211,7 +214,7 @@ void add_recover(CLI::App& command, Request& request) {
   RecoveryTask& task = request.recovery;
   add_inputs(command, request.inputs, "VTR files, damaged or of the old format, and folders; they're never changed");
   auto* const output = add_file(command, "--output", task.output, "The new file; by default a name beside FILE");
-  add_file(command, "--output-dir", task.output_dir, "Write the new files into this folder, which must exist")
+  add_folder(command, "--output-dir", task.output_dir, "Write the new files into this folder, which must exist")
       ->excludes(output);
   add_file(command, "--log", task.log,
            "A text file for the lists of what was read and recovered; of several files, append a line for each to it");

@@ -10,7 +10,7 @@
 #include <system_error>
 #include <unistd.h>
 
-#include "host/document_kind.h"
+#include "component/document_kind.h"
 #include "host/machine.h"
 #include "platform/files/path.h"
 #include "services/guard.h"
