@@ -68,8 +68,8 @@ struct DiffTask {
 
 // `vtrout diff`: every difference between two documents. kRemarkable when there are any outside the header; called by
 // git always kFine, for git takes anything else for a failure of its own.
-// `counts`, unless it's null, gets the differences of each kind; the files are then one pair of many, of which nothing is
-// shown when they're the same.
+// `counts`, unless it's null, gets the differences of each kind; the files are then one pair of many, of which nothing
+// is shown when they're the same.
 ExitStatus diff(const Settings& settings, const DiffTask& task, PairCounts* counts = nullptr);
 // Of two files, or of the pairs in two folders.
 ExitStatus diff_files(const Settings& settings, const InputOptions& options, const DiffTask& task);
@@ -118,8 +118,8 @@ struct ExportTask {
 };
 
 // `vtrout export`: documents for other programs, as JSON (of one file), as lines of JSON or in a database. A damaged
-// document is refused without `salvage`; the others are exported. kRemarkable when something of a document isn't in what
-// was exported.
+// document is refused without `salvage`; the others are exported. kRemarkable when something of a document isn't in
+// what was exported.
 ExitStatus export_documents(const Settings& settings, const InputOptions& options, const ExportTask& task);
 
 struct ImportTask {

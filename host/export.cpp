@@ -50,8 +50,7 @@ struct ExportEnd {
 ExitStatus read_whole(const Export& exported, const std::string& file, Document& document) {
   const TarvelVtrOut_InOut& utility = document.utility;
   std::u16string structure_list;
-  ExitStatus status =
-      read_saving(document.machine, document.utility, file, exported.task.salvage, structure_list);
+  ExitStatus status = read_saving(document.machine, document.utility, file, exported.task.salvage, structure_list);
   if (status == kTrouble) return status;
   if (status == kRemarkable && !utility.LastSalvage()) {
     const auto& damage = utility.LastDamage();

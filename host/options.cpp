@@ -214,7 +214,7 @@ void add_recover(CLI::App& command, Request& request) {
   RecoveryTask& task = request.recovery;
   add_inputs(command, request.inputs, "VTR files, damaged or of the old format, and folders; they're never changed");
   auto* const output = add_file(command, "--output", task.output, "The new file; by default a name beside FILE");
-  add_file(command, "--output-dir", task.output_dir, "Write the new files into this folder, which must exist")
+  add_folder(command, "--output-dir", task.output_dir, "Write the new files into this folder, which must exist")
       ->excludes(output);
   add_file(command, "--log", task.log,
            "A text file for the lists of what was read and recovered; of several files, append a line for each to it");

@@ -20,27 +20,33 @@ constexpr const char* kDiffered =
     "Paths are those of --json: Schema/Tables/Items[3]/Name. In a GLOB \"*\" stands for any characters of a step,\n"
     "\"**\" for any steps, and a list's name for all of its items. docs/git.md tells how git can call it.\n";
 
+constexpr const char* kManyFiles =
+    "Of several files each is told in its turn, the trouble of one doesn't stop the others, and the exit status is the\n"
+    "worst of all; docs/batch.md tells all about folders, lists and names.\n";
+constexpr const char* kManyPairs =
+    "Two folders are compared file by file, with a table of all pairs at the end; docs/batch.md tells how.\n";
+
 constexpr Subcommand kSubcommands[] = {
     {"info",
      "Show what a file holds, and whether its lists hold together",
      add_info,
      [](const Request& request) { return info_files(request.settings, request.inputs, request.info); },
-     {},
-     {"vtrout info plant.vtr", "vtrout info --json plant.vtr"},
+     {kManyFiles},
+     {"vtrout info plant.vtr", "vtrout info --json --recursive archive"},
      {"the whole file was read, and its lists hold together",
       "the file is damaged, and what could be read is shown; or a list doesn't hold together", kTroubleStatus}},
     {"report",
      "Write detail reports beside a file, and print their paths",
      add_report,
      [](const Request& request) { return report_files(request.settings, request.inputs, request.report); },
-     {kCutCells},
+     {kCutCells, kManyFiles},
      {"vtrout report plant.vtr --part table --part field", "vtrout report plant.vtr --workbook plant.xlsx"},
      {"fine", "the file is damaged; the reports hold what could be read", kTroubleStatus}},
     {"compare",
      "Compare two files part by part; print the reports' paths, and count the rows",
      add_compare,
      [](const Request& request) { return compare_files(request.settings, request.inputs, request.comparison); },
-     {kCompared, kCutCells},
+     {kCompared, kCutCells, kManyPairs},
      {"vtrout compare old.vtr new.vtr --summary", "vtrout compare old.vtr new.vtr --workbook changes.xlsx"},
      {"nothing differs outside the header", "a row changed, was deleted or was added, or something else differs",
       "trouble, explained on stderr; also when a part that was asked for\n     couldn't be compared to its end"}},
@@ -48,7 +54,7 @@ constexpr Subcommand kSubcommands[] = {
      "Show every difference between two files, item by item",
      add_diff,
      [](const Request& request) { return diff_files(request.settings, request.inputs, request.diff); },
-     {kDiffered},
+     {kDiffered, kManyPairs},
      {"vtrout diff old.vtr new.vtr", "vtrout diff old.vtr new.vtr --html changes.html"},
      {"nothing differs outside the header", "something differs", kTroubleStatus}},
     {"text",
@@ -62,7 +68,7 @@ constexpr Subcommand kSubcommands[] = {
      "Write what can be saved of a file to a new one; print its path, and what became of each section",
      add_recover,
      [](const Request& request) { return recover_files(request.settings, request.inputs, request.recovery); },
-     {},
+     {kManyFiles},
      {"vtrout recover damaged.vtr", "vtrout recover old.vtr --output new.vtr --log lost.txt"},
      {"nothing was lost", "something was lost, or may have been",
       "nothing was written; a line on stderr says why and what to do"}},
@@ -70,10 +76,11 @@ constexpr Subcommand kSubcommands[] = {
      "Write the content of files for other programs: as JSON, or in a database",
      add_export,
      [](const Request& request) { return export_documents(request.settings, request.inputs, request.exported); },
-     {"docs/json.md tells the forms of JSON, docs/queries.md what can be asked of a database.\n"},
+     {"docs/json.md tells the forms of JSON, docs/queries.md what can be asked of a database.\n",
+      kManyFiles},
      {"vtrout export plant.vtr --json plant.json", "vtrout export plant.vtr plant-next.vtr --sqlite plants.db"},
      {"fine", "something of a file in the old format has no place in the current one",
-      "nothing was exported; a line on stderr says why and what to do"}},
+      "nothing was exported, or one of several files wasn't; a line on stderr\n     says why and what to do"}},
     {"import",
      "Write the VTR file that a document's JSON describes",
      add_import,

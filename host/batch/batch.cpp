@@ -44,8 +44,8 @@ class BatchProgress {
     std::string text = std::to_string(done) + " of " + count_text(files_);
     if (done > 0 && seconds > 0) {
       const double rate = static_cast<double>(done) / seconds;
-      text += ", " + one_place(rate) + " a second, " + duration_text(static_cast<double>(files_ - done) / rate) +
-              " left";
+      text +=
+          ", " + one_place(rate) + " a second, " + duration_text(static_cast<double>(files_ - done) / rate) + " left";
     }
     progress_.show(text);
   }
@@ -82,7 +82,8 @@ class Tally {
   std::string text() const {
     std::string text = count_text(done());
     const char* separator = ": ";
-    for (const auto& [count, what] : {std::pair(counts_[kFine], "fine"), {counts_[kRemarkable], batch_.remark},
+    for (const auto& [count, what] : {std::pair(counts_[kFine], "fine"),
+                                      {counts_[kRemarkable], batch_.remark},
                                       {counts_[kTrouble], "in trouble"}}) {
       if (count == 0) continue;
       (((text += separator) += std::to_string(count)) += ' ') += what;
@@ -170,10 +171,10 @@ std::string folder_for(const std::string& folder, const Input& file) {
 
 bool has_own_names(const std::vector<Input>& files, const std::vector<std::size_t>& owners, std::size_t number) {
   if (owners[number] == number) return true;
-  complain(files[number].path + ": what is written about it would have the same names as for " +
-           files[owners[number]].path +
-           ", which are made of what stands in front of the first full stop; nothing was written: rename it, or give it "
-           "a run and a folder of its own");
+  complain(
+      files[number].path + ": what is written about it would have the same names as for " + files[owners[number]].path +
+      ", which are made of what stands in front of the first full stop; nothing was written: rename it, or give it "
+      "a run and a folder of its own");
   return false;
 }
 

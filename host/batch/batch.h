@@ -42,8 +42,8 @@ ExitStatus run_one(const InputOptions& options, const char* subcommand, const st
 // Whether any file or folder was named; the user is told when none was.
 bool has_operands(const InputOptions& options, const char* subcommand);
 
-// The folder for what is written about a file that was found in a folder: as far below `folder` as the file is below the
-// one that was named, so that files with one name don't meet. It's made if need be; raises
+// The folder for what is written about a file that was found in a folder: as far below `folder` as the file is below
+// the one that was named, so that files with one name don't meet. It's made if need be; raises
 // std::filesystem::filesystem_error.
 std::string folder_for(const std::string& folder, const Input& file);
 

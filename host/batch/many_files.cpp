@@ -16,10 +16,12 @@ struct EachFile {
 };
 
 ExitStatus do_one(const Settings& settings, const InputOptions& options, const EachFile& each) {
-  return run_one(options, each.subcommand, options.operands.front(), [&] { return each.work(settings, {options.operands.front()}, 0); });
+  return run_one(options, each.subcommand, options.operands.front(),
+                 [&] { return each.work(settings, {options.operands.front()}, 0); });
 }
 
 ExitStatus for_each_file(const Settings& settings, const InputOptions& options, InputList list, const EachFile& each) {
+  if (list.files.empty()) return list.is_whole ? kFine : kTrouble;
   Batch batch{.subcommand = each.subcommand, .remark = each.remark};
   for (const Input& file : list.files) batch.files.push_back(file.path);
   batch.work = [&](const Settings& shared, std::size_t number) {
@@ -70,7 +72,8 @@ ExitStatus report_files(const Settings& settings, const InputOptions& options, c
                         return report(shared, task);
                       }};
   if (is_one_file(options)) return do_one(settings, options, each);
-  if (!given.workbook.empty()) return refuse("--workbook takes the reports on one file; the sheets of several would have the same names");
+  if (!given.workbook.empty())
+    return refuse("--workbook takes the reports on one file; the sheets of several would have the same names");
   list = list_inputs(options);
   owners = owners_of_names(list.files, given.output_dir);
   return for_each_file(settings, options, list, each);
@@ -97,7 +100,8 @@ ExitStatus recover_files(const Settings& settings, const InputOptions& given_opt
   // Of one file the log has the lists of what was read and recovered.
   if (is_one) return do_one(settings, options, each);
   options.log = given.log;
-  if (!given.output.empty()) return refuse("--output names the new file of one file; --output-dir takes those of several");
+  if (!given.output.empty())
+    return refuse("--output names the new file of one file; --output-dir takes those of several");
   list = list_inputs(options);
   owners = owners_of_names(list.files, given.output_dir);
   return for_each_file(settings, options, list, each);

@@ -34,10 +34,13 @@ void show_unpaired(const Folders& folders, const FolderPair& pair) {
                          {"different", true}});
 }
 
-const char* why_unpaired(const FolderPair& pair) { return pair.in_old ? "only in the old folder" : "only in the new folder"; }
+const char* why_unpaired(const FolderPair& pair) {
+  return pair.in_old ? "only in the old folder" : "only in the new folder";
+}
 
 ExitStatus for_each_pair(const Settings& settings, const InputOptions& options, const Folders& folders,
                          const PairList& list, EachPair& each) {
+  if (list.pairs.empty()) return list.is_whole ? kFine : kTrouble;
   Batch batch{.subcommand = each.subcommand, .remark = "different"};
   for (const FolderPair& pair : list.pairs) batch.files.push_back(pair.path);
   std::vector<std::optional<PairCounts>> counts(list.pairs.size());
@@ -50,8 +53,7 @@ ExitStatus for_each_pair(const Settings& settings, const InputOptions& options, 
     }
     const std::string old_file = in_folder(folders.old_folder, pair.path);
     PairCounts counted{};
-    const ExitStatus status =
-        each.work(shared, number, old_file, in_folder(folders.new_folder, pair.path), counted);
+    const ExitStatus status = each.work(shared, number, old_file, in_folder(folders.new_folder, pair.path), counted);
     if (status != kTrouble) counts[number] = counted;
     if (status == kTrouble && each.json && !CaughtOutput::has_data()) show_trouble_json(old_file);
     return status;
@@ -59,12 +61,12 @@ ExitStatus for_each_pair(const Settings& settings, const InputOptions& options, 
   batch.told = [&](std::size_t number, FileOutcome& outcome) {
     const FolderPair& pair = list.pairs[number];
     each.rows.add(pair.path, counts[number],
-                  !pair.in_old || !pair.in_new  ? why_unpaired(pair)
+                  !pair.in_old || !pair.in_new ? why_unpaired(pair)
                   : outcome.status == kTrouble ? "not compared"
                                                : nullptr);
   };
   const BatchEnd end = run_batch(settings, options, batch);
-  if (each.table && end.done > 0) each.rows.print(*each.table);
+  if (each.table) each.rows.print(*each.table);
   return std::max(finish_batch(end), list.is_whole ? kFine : kTrouble);
 }
 
