@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <filesystem>
 #include <optional>
 #include <thread>
 
@@ -142,6 +143,38 @@ ExitStatus finish_batch(const BatchEnd& end) {
     end_by(end.signal);
   }
   return end.status;
+}
+
+ExitStatus run_one(const InputOptions& options, const char* subcommand, const std::string& file,
+                   const std::function<ExitStatus()>& work) {
+  std::optional<BatchLog> log;
+  if (!options.log.empty()) log.emplace(options.log, subcommand, 1);
+  forget_complaint();
+  const FileOutcome outcome{work(), first_complaint()};
+  if (log) log->add(file, outcome);
+  return outcome.status;
+}
+
+bool has_operands(const InputOptions& options, const char* subcommand) {
+  if (!options.operands.empty() || !options.files_from.empty()) return true;
+  complain(std::string("FILE is required; see vtrout help ") + subcommand);
+  return false;
+}
+
+std::string folder_for(const std::string& folder, const Input& file) {
+  if (folder.empty() || file.below.empty()) return folder;
+  const std::string below = in_folder(folder, file.below.substr(0, file.below.size() - 1));
+  if (is_folder(folder)) std::filesystem::create_directories(below);
+  return below;
+}
+
+bool has_own_names(const std::vector<Input>& files, const std::vector<std::size_t>& owners, std::size_t number) {
+  if (owners[number] == number) return true;
+  complain(files[number].path + ": what is written about it would have the same names as for " +
+           files[owners[number]].path +
+           ", which are made of what stands in front of the first full stop; nothing was written: rename it, or give it "
+           "a run and a folder of its own");
+  return false;
 }
 
 void show_trouble_json(const std::string& file) {
