@@ -1,5 +1,5 @@
-// Many small files in one run of the command, beside the same calls of the class in one process without it, and beside a
-// process for each file.
+// Many small files in one run of the command, beside the same calls of the class in one process without it, and beside
+// a process for each file.
 #include <iomanip>
 
 #include "bench/measure.h"

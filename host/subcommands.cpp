@@ -21,7 +21,8 @@ constexpr const char* kDiffered =
     "\"**\" for any steps, and a list's name for all of its items. docs/git.md tells how git can call it.\n";
 
 constexpr const char* kManyFiles =
-    "Of several files each is told in its turn, the trouble of one doesn't stop the others, and the exit status is the\n"
+    "Of several files each is told in its turn, the trouble of one doesn't stop the others, and the exit status is "
+    "the\n"
     "worst of all; docs/batch.md tells all about folders, lists and names.\n";
 constexpr const char* kManyPairs =
     "Two folders are compared file by file, with a table of all pairs at the end; docs/batch.md tells how.\n";
@@ -76,8 +77,7 @@ constexpr Subcommand kSubcommands[] = {
      "Write the content of files for other programs: as JSON, or in a database",
      add_export,
      [](const Request& request) { return export_documents(request.settings, request.inputs, request.exported); },
-     {"docs/json.md tells the forms of JSON, docs/queries.md what can be asked of a database.\n",
-      kManyFiles},
+     {"docs/json.md tells the forms of JSON, docs/queries.md what can be asked of a database.\n", kManyFiles},
      {"vtrout export plant.vtr --json plant.json", "vtrout export plant.vtr plant-next.vtr --sqlite plants.db"},
      {"fine", "something of a file in the old format has no place in the current one",
       "nothing was exported, or one of several files wasn't; a line on stderr\n     says why and what to do"}},

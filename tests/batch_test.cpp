@@ -1,8 +1,7 @@
-#include "host/batch/ordered_run.h"
-
 #include <future>
 #include <nlohmann/json.hpp>
 
+#include "host/batch/ordered_run.h"
 #include "tests/command.h"
 
 namespace trvtrout::tests {
@@ -101,15 +100,12 @@ TEST_F(Batch, TakesTheVtrFilesOfFolders) {
         {"f/in/c\nd\xFF.vtr", "plant.vtr"},
         {"f/in/deep/no-eof.vtr", "damaged/no-eof.vtr"}});
   put("f/in/text.txt", "01.02.00");
-  shell("ln -s .. f/in/loop; ln -s ../b.vtr f/in/link.vtr; ln -s nowhere f/in/gone.vtr; mkfifo f/in/pipe.vtr; mkdir f/e.vtr");
+  shell(
+      "ln -s .. f/in/loop; ln -s ../b.vtr f/in/link.vtr; ln -s nowhere f/in/gone.vtr; mkfifo f/in/pipe.vtr; mkdir "
+      "f/e.vtr");
   EXPECT_EQ(listed("f"), (Paths{"f/a.VTR", "f/b.vtr", "f/by-content"}));
-  const Paths all = {"f/a.VTR",
-                     "f/b.vtr",
-                     "f/by-content",
-                     "f/in/c\nd\uFFFD.vtr",
-                     "f/in/deep/no-eof.vtr",
-                     "f/in/gone.vtr",
-                     "f/in/link.vtr"};
+  const Paths all = {"f/a.VTR",       "f/b.vtr",      "f/by-content", "f/in/c\nd\uFFFD.vtr", "f/in/deep/no-eof.vtr",
+                     "f/in/gone.vtr", "f/in/link.vtr"};
   EXPECT_EQ(listed("f --recursive"), all);
   EXPECT_EQ(listed("f --recursive --jobs 7 f/in ./f/b.vtr").size(), all.size() + 1) << "named files stay";
   put("list", "f/b.vtr\r\n\nf/in\n");
@@ -148,8 +144,12 @@ TEST_F(Batch, TellsEachFileInItsPlaceAndEndsWithTheWorst) {
 }
 
 TEST_F(Batch, NoFileIsWrittenOverThatOfAnother) {
-  fill({{"f/v1.2.vtr", "plant.vtr"}, {"f/v1.3.vtr", "dense.vtr"}, {"f/in/v1.vtr", "dense.vtr"}, {"out/kept", "plant.vtr"}});
-  for (const char* command : {"report f --recursive --temporary --yes", "report --jobs 3 f/in f/v1.2.vtr f/v1.3.vtr --temporary --yes"}) {
+  fill({{"f/v1.2.vtr", "plant.vtr"},
+        {"f/v1.3.vtr", "dense.vtr"},
+        {"f/in/v1.vtr", "dense.vtr"},
+        {"out/kept", "plant.vtr"}});
+  for (const char* command :
+       {"report f --recursive --temporary --yes", "report --jobs 3 f/in f/v1.2.vtr f/v1.3.vtr --temporary --yes"}) {
     const Outcome run = vtrout(command);
     EXPECT_EQ(run.status, 2);
     EXPECT_EQ(lines(run.out).size(), 16U);
@@ -173,7 +173,8 @@ TEST_F(Batch, QuestionsComeInOrderAndOneAnswerCanStandForAll) {
   fill({{"1.vtr", "plant.vtr"}, {"2.vtr", "plant.vtr"}, {"3.vtr", "plant.vtr"}});
   ASSERT_EQ(vtrout("report . --temporary --part table --part field").status, 0);
   const auto before = files();
-  const std::string command = " | TERM=dumb script -qec 'vtrout report . --temporary --part table --part field --jobs 3' typed";
+  const std::string command =
+      " | TERM=dumb script -qec 'vtrout report . --temporary --part table --part field --jobs 3' typed";
   const Outcome some = shell("printf 'y\\nc\\na\\n'" + command);
   const auto at = [&](const char* text) { return some.out.find(text); };
   EXPECT_LT(at("File ./~tmp1_Table.CSV already exists."), at("./~tmp1_Table.CSV\r\n"));

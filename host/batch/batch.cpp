@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cmath>
 #include <filesystem>
 #include <optional>
 #include <thread>
@@ -21,12 +22,12 @@ using Clock = std::chrono::steady_clock;
 std::string count_text(std::size_t count) { return std::to_string(count) + (count == 1 ? " file" : " files"); }
 
 std::string one_place(double number) {
-  const auto tenths = static_cast<std::size_t>(number * 10 + 0.5);
+  const auto tenths = std::lround(number * 10);
   return std::to_string(tenths / 10) + '.' + std::to_string(tenths % 10);
 }
 
 std::string duration_text(double seconds) {
-  const auto whole = static_cast<std::size_t>(seconds + 0.5);
+  const auto whole = std::lround(seconds);
   if (whole < 60) return std::to_string(whole) + " s";
   if (whole < 3600) return std::to_string(whole / 60) + " min " + std::to_string(whole % 60) + " s";
   return std::to_string(whole / 3600) + " h " + std::to_string(whole / 60 % 60) + " min";
@@ -164,7 +165,7 @@ bool has_operands(const InputOptions& options, const char* subcommand) {
 
 std::string folder_for(const std::string& folder, const Input& file) {
   if (folder.empty() || file.below.empty()) return folder;
-  const std::string below = in_folder(folder, file.below.substr(0, file.below.size() - 1));
+  std::string below = in_folder(folder, file.below.substr(0, file.below.size() - 1));
   if (is_folder(folder)) std::filesystem::create_directories(below);
   return below;
 }
