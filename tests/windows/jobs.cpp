@@ -14,6 +14,13 @@ namespace fs = std::filesystem;
 
 std::string narrow(const std::wstring& text) { return text::to_utf8(std::u16string(text.begin(), text.end())); }
 
+std::string in_code_page(const std::wstring& text) {
+  std::string bytes(2 * text.size(), '\0');
+  const int length = WideCharToMultiByte(CP_ACP, 0, text.data(), static_cast<int>(text.size()), bytes.data(),
+                                         static_cast<int>(bytes.size()), nullptr, nullptr);
+  return bytes.substr(0, static_cast<std::size_t>(length));
+}
+
 std::wstring widen(const std::string& text) {
   const std::u16string wide = text::from_utf8(text);
   return {wide.begin(), wide.end()};
@@ -87,18 +94,18 @@ namespace {
 std::string marked(std::string report, const std::vector<std::wstring>& paths) {
   const char* const marks[2][2] = {{"@FNAME@", ""}, {"@PRIMFNAME@", "@SECFNAME@"}};
   for (std::size_t at = 0; at < paths.size(); ++at) {
-    const std::string path = narrow(paths[at]);
+    const std::string path = in_code_page(paths[at]);
     if (const auto place = report.find(path); place != report.npos)
       report.replace(place, path.size(), marks[paths.size() - 1][at]);
   }
   const std::string label = "Date and time created:,";
   const auto begin = report.find(label) + label.size();
-  const std::wstring moment = widen(report.substr(begin, report.find("\r\n", begin) - begin));
+  std::wstring moment = widen(report.substr(begin, report.find("\r\n", begin) - begin));
   DATE written = 0, now = 0;
   SYSTEMTIME time;
   GetLocalTime(&time);
   SystemTimeToVariantTime(&time, &now);
-  EXPECT_EQ(VarDateFromStr(moment.c_str(), LOCALE_USER_DEFAULT, 0, &written), S_OK) << narrow(moment);
+  EXPECT_EQ(VarDateFromStr(moment.data(), LOCALE_USER_DEFAULT, 0, &written), S_OK) << narrow(moment);
   EXPECT_NEAR(written, now, 10.0 / (24 * 60)) << narrow(moment);
   BSTR general = nullptr;
   VarBstrFromDate(written, LOCALE_USER_DEFAULT, 0, &general);
@@ -119,7 +126,7 @@ std::set<std::string> approved_names(const fs::path& folder) {
 }  // namespace
 
 void expect_approved_files(const Folder& folder, const std::string& approved, const std::vector<std::wstring>& paths,
-                           const std::vector<Shown>& shown) {
+                           const std::vector<Shown>& shown, bool has_references) {
   const fs::path wanted = SAMPLES "/expected/" + approved;
   EXPECT_EQ(approved_names(folder.path()), approved_names(wanted)) << approved;
   for (const std::string& name : approved_names(wanted)) {
@@ -133,7 +140,10 @@ void expect_approved_files(const Folder& folder, const std::string& approved, co
         EXPECT_EQ(box.title, L"VTR Output Warning");
       }
     }
-    EXPECT_EQ(bytes, file_bytes((wanted / name).string())) << approved << ' ' << name;
+    std::string text = file_bytes((wanted / name).string());
+    if (!has_references && name == "read.txt") text.resize(text.find('\n') + 1);
+    if (!has_references && name == "recover.txt") text = "@GIVEN@";
+    EXPECT_EQ(bytes, text) << approved << ' ' << name;
   }
 }
 

@@ -43,14 +43,16 @@ void report_on(Way way, std::wstring document);
 void compare(Way way, std::wstring first, std::wstring second);
 
 // Holds what a job left in a folder to what is approved. `paths`: those that were passed, which the reports tell;
-// `shown`: what the user was told meanwhile.
+// `shown`: what the user was told meanwhile. A host that gets no variables back knows of a read its result alone, and
+// of a recovery no lists (`has_references` false).
 void expect_approved_files(const Folder& folder, const std::string& approved, const std::vector<std::wstring>& paths,
-                           const std::vector<Shown>& shown);
+                           const std::vector<Shown>& shown, bool has_references = true);
 
 // Starts a program and returns its exit status. Its output goes where this program's goes.
 unsigned long run_program(std::wstring command_line);
 
 std::string narrow(const std::wstring& text);  // UTF-8
+std::string in_code_page(const std::wstring& text);
 std::wstring widen(const std::string& text);
 
 }  // namespace trvtrout::tests

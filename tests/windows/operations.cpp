@@ -1,7 +1,8 @@
 #include "tests/windows/operations.h"
 
+#include <algorithm>
 #include <cctype>
-#include <cstring>
+#include <stdexcept>
 
 namespace trvtrout::tests {
 
@@ -51,6 +52,12 @@ std::span<const Operation> operations() {
       {L"Compare_DSend", "sss", 'B'},
   };
   return kOperations;
+}
+
+const Operation& operation_named(std::wstring_view name) {
+  const auto found = std::ranges::find(operations(), name, &Operation::name);
+  if (found == operations().end()) throw std::out_of_range("no such operation");
+  return *found;
 }
 
 VARTYPE type_of(char letter) {

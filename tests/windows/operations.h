@@ -1,7 +1,8 @@
 #pragma once
 
-#include <oaidl.h>
 #include <span>
+#include <string_view>
+#include <windows.h>
 
 namespace trvtrout::tests {
 
@@ -15,6 +16,8 @@ struct Operation {
 
 // In the order of their slots.
 std::span<const Operation> operations();
+// Raises out_of_range when there is none.
+const Operation& operation_named(std::wstring_view name);
 
 // The variant type of a letter, without its reference.
 VARTYPE type_of(char letter);

@@ -1,8 +1,6 @@
 #include "tests/windows/utility.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <oleauto.h>
 
 namespace trvtrout::tests {
 namespace {
@@ -45,7 +43,7 @@ void require(HRESULT result, const std::string& what) {
   if (SUCCEEDED(result)) return;
   char number[16];
   std::snprintf(number, sizeof number, "0x%08lX", static_cast<unsigned long>(result));
-  throw CallError(what + ": " + number, result);
+  throw CallError(what + ": " + number);
 }
 
 VARIANT reference_to(VARIANT& value, VARTYPE type) {
@@ -142,20 +140,21 @@ void Utility::call_late(const Operation& operation, std::span<Value> values, VAR
 }
 
 std::wstring Utility::call(const std::wstring& name, std::initializer_list<Argument> arguments) {
-  const auto operation = std::ranges::find(operations(), name, &Operation::name);
+  const Operation& operation = operation_named(name);
   std::vector<Value> values(arguments.size());
   std::size_t at = 0;
   for (const Argument& argument : arguments) std::visit(Load{values[at++]}, argument);
   Value result;
   if (way_ == Way::kEarly) {
-    call_early(*operation, values, result);
+    call_early(operation, values, result);
   } else {
-    call_late(*operation, values, result);
+    call_late(operation, values, result);
   }
   at = 0;
   for (const Argument& argument : arguments) std::visit(Store{values[at++]}, argument);
-  if (result.vt != type_of(operation->result)) throw CallError("the type of the result", DISP_E_TYPEMISMATCH);
-  if (result.vt == VT_BOOL) return result.boolVal == VARIANT_TRUE ? L"True" : L"False";
+  if (result.vt != type_of(operation.result)) throw CallError("the result has another type");
+  if (result.vt == VT_BOOL)
+    return result.boolVal == VARIANT_TRUE ? L"True" : result.boolVal == VARIANT_FALSE ? L"False" : L"neither";
   return {result.bstrVal ? result.bstrVal : L"", SysStringLen(result.bstrVal)};
 }
 

@@ -2,12 +2,12 @@
 
 #include <cstdint>
 #include <initializer_list>
-#include <oaidl.h>
 #include <span>
 #include <stdexcept>
 #include <string>
 #include <variant>
 #include <vector>
+#include <windows.h>
 #include <wrl/client.h>
 
 #include "tests/windows/operations.h"
@@ -20,10 +20,9 @@ using Microsoft::WRL::ComPtr;
 // whose variables all are variants.
 enum class Way { kEarly, kLate, kLateVariants };
 
-// What a call itself came to, when that was no success.
+// What the runtime says against a call, with the number of its error.
 struct CallError : std::runtime_error {
-  CallError(const std::string& what, HRESULT result) : std::runtime_error(what), result(result) {}
-  HRESULT result;
+  using std::runtime_error::runtime_error;
 };
 
 // A variable of the caller, which the call may change.
@@ -32,7 +31,7 @@ using Argument = std::variant<std::wstring*, LONG*, VARIANT_BOOL*, DATE*, IDispa
 // A VARIANT that is cleared at its end.
 struct Value : VARIANT {
   Value() { VariantInit(this); }
-  Value(const Value& other) : Value() { VariantCopy(this, &other); }
+  Value(const Value& other) : Value() { VariantCopy(this, const_cast<Value*>(&other)); }
   Value& operator=(const Value&) = delete;
   ~Value() { VariantClear(this); }
 };
