@@ -1,28 +1,13 @@
 #include "component/parts.h"
 
-#include "vtrfile/lists.h"
-
 namespace trvtrout {
 namespace {
 
 using Utility = TarvelVtrOut_InOut;
-using vtrfile::DocumentSlots;
 using vtrfile::ListId;
-using vtrfile::ListInfo;
-
-ListInfo recount(const DocumentSlots& document, ListId list) { return vtrfile::list_of(list).recount(document); }
 
 template <ListId... list>
-std::int64_t rows_of(const DocumentSlots& document) {
-  const auto size_if_ok = [](const ListInfo& info) { return std::int64_t{info.ok ? info.size : 0}; };
-  return (size_if_ok(recount(document, list)) + ...);
-}
-
-// Definitions and their nodes take a row each.
-std::int64_t data_send_rows(const DocumentSlots& document) {
-  const ListInfo nodes = recount(document, ListId::kDataSend);
-  return nodes.ok ? std::int64_t{*nodes.count} + nodes.size : 0;
-}
+constexpr ListId kLists[] = {list...};
 
 constexpr Part kParts[] = {
     {"product",
@@ -35,56 +20,56 @@ constexpr Part kParts[] = {
       .compared_moments = {u"D7", u"I7"},
       .first_item_row = 28,
       .rows_between = 6},
-     rows_of<ListId::kIncludeFiles, ListId::kModules>},
+     kLists<ListId::kIncludeFiles, ListId::kModules>},
     {"table",
      &kTableReport,
      &kTableComparison,
      &Utility::ASCII_Output_Table,
      &Utility::Compare_Table,
      {.name = u"Tables", .first_item_row = 12},
-     rows_of<ListId::kTables>},
+     kLists<ListId::kTables>},
     {"field",
      &kFieldReport,
      &kFieldComparison,
      &Utility::ASCII_Output_Field,
      &Utility::Compare_Field,
      {.name = u"Fields", .report_digits = u"N", .compared_digits = u"O", .first_item_row = 8},
-     rows_of<ListId::kFields>},
+     kLists<ListId::kFields>},
     {"tree",
      &kTreeReport,
      &kTreeComparison,
      &Utility::ASCII_Output_Tree,
      &Utility::Compare_Tree,
      {.name = u"Tree", .compared_digits = u"G", .first_item_row = 12},
-     rows_of<ListId::kTree>},
+     kLists<ListId::kTree>},
     {"lookup",
      &kLookupReport,
      &kLookupComparison,
      &Utility::ASCII_Output_Lookup,
      &Utility::Compare_Lookup,
      {.name = u"Lookups", .first_item_row = 12},
-     rows_of<ListId::kLookups>},
+     kLists<ListId::kLookups>},
     {"ctrltag",
      &kControlTagReport,
      &kControlTagComparison,
      &Utility::ASCII_Output_CtrlTag,
      &Utility::Compare_CtrlTag,
      {.name = u"Control Tags", .first_item_row = 10},
-     rows_of<ListId::kControlTags>},
+     kLists<ListId::kControlTags>},
     {"lang",
      &kLanguageReport,
      &kLanguageComparison,
      &Utility::ASCII_Output_Lang,
      &Utility::Compare_Lang,
      {.name = u"Languages", .first_item_row = 10},
-     rows_of<ListId::kLanguages>},
+     kLists<ListId::kLanguages>},
     {"dsend",
      &kDataSendReport,
      &kDataSendComparison,
      &Utility::ASCII_Output_DSend,
      &Utility::Compare_DSend,
      {.name = u"Data Send", .first_item_row = 12, .rows_between = 4},
-     data_send_rows},
+     kLists<ListId::kDataSend>},
 };
 
 }  // namespace

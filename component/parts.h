@@ -1,11 +1,11 @@
 #pragma once
 
-#include <cstdint>
 #include <span>
 
 #include "compare/comparisons.h"
 #include "component/TarvelVtrOut_InOut.h"
 #include "reports/detail_reports.h"
+#include "vtrfile/lists.h"
 #include "workbook/part_sheet.h"
 
 namespace trvtrout {
@@ -19,8 +19,8 @@ struct Part {
   Boolean (TarvelVtrOut_InOut::*compare)(std::u16string& PrimFname, std::u16string& SecFname,
                                          std::u16string& ASCIIFname);
   PartSheet sheet;  // in a workbook
-  // How many item rows a comparison takes for one document at the most. A list that doesn't hold together has none.
-  std::int64_t (*item_rows)(const vtrfile::DocumentSlots& document);
+  // The lists whose items take a row each in a comparison.
+  std::span<const vtrfile::ListId> item_lists;
 };
 
 // All of them, in the order in which they are written.

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+
+#include "windows/system.h"
+
+// The library itself.
+namespace trvtrout::windows {
+
+// The name by which hosts create the class.
+inline constexpr std::u16string_view kProgramId = u"TrVtrOut.TarvelVtrOut_InOut";
+
+// Keeps the library loaded while it lives: a member of whatever a host holds.
+class ModuleUse {
+ public:
+  ModuleUse() noexcept;
+  ~ModuleUse();
+  ModuleUse(const ModuleUse&) = delete;
+  ModuleUse& operator=(const ModuleUse&) = delete;
+  static bool any() noexcept;
+  // By a host that holds nothing; each lock takes one release.
+  static void lock(bool locked) noexcept;
+};
+
+// Where the library's file stands. Raises ServiceError.
+std::u16string module_path();
+
+// The type library that is a part of this one. Raises ServiceError.
+ComPtr<ITypeLib> load_type_library();
+
+}  // namespace trvtrout::windows
