@@ -13,7 +13,7 @@ const std::vector<int> kYesNoCancel = {IDCANCEL, IDYES, IDNO};
 const std::string kMine = "what stood there before";
 
 void put(const std::wstring& path) { std::ofstream(std::filesystem::path(path), std::ios::binary) << kMine; }
-std::string at(const std::wstring& path) { return file_bytes(std::filesystem::path(path).string()); }
+std::string at(const std::wstring& path) { return file_bytes(path); }
 
 // An object that has read plant.vtr from a folder of its own.
 struct Reader {
@@ -56,7 +56,7 @@ TEST(Boxes, AnExistingReportIsAskedAbout) {
   EXPECT_EQ(rows(at(other)), rows(report));
   ASSERT_EQ(shown.size(), 2U);
   EXPECT_EQ(shown[1].filter, L"VTR Files (*.CSV)");
-  EXPECT_EQ(shown[1].name, L"plant.vtr");
+  EXPECT_EQ(shown[1].title, L"plant.vtr");
   // Nothing is named, so nothing is written.
   EXPECT_EQ(run({{IDNO}, {IDCANCEL}}, false, L"").size(), 2U);
   EXPECT_EQ(at(standing), kMine);

@@ -132,7 +132,7 @@ void expect_approved_files(const Folder& folder, const std::string& approved, co
   for (const std::string& name : approved_names(wanted)) {
     const fs::path made = folder.path() / name;
     if (!fs::exists(made)) continue;
-    std::string bytes = file_bytes(made.string());
+    std::string bytes = file_bytes(made);
     if (name.ends_with(".csv")) bytes = marked(std::move(bytes), paths);
     if (name == "read.txt") {
       for (const Shown& box : shown) {
@@ -140,7 +140,7 @@ void expect_approved_files(const Folder& folder, const std::string& approved, co
         EXPECT_EQ(box.title, L"VTR Output Warning");
       }
     }
-    std::string text = file_bytes((wanted / name).string());
+    std::string text = file_bytes(wanted / name);
     if (!has_references && name == "read.txt") text.resize(text.find('\n') + 1);
     if (!has_references && name == "recover.txt") text = "@GIVEN@";
     EXPECT_EQ(bytes, text) << approved << ' ' << name;

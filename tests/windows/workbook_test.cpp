@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
+#include "component/exporting.h"
 #include "component/parts.h"
 #include "platform/program/spreadsheet_program.h"
 #include "spreadsheet/text/comma_text.h"
@@ -109,9 +110,12 @@ class Workbooks : public testing::Test {
     secondary.read(sample("plant-next.vtr"));
     const std::u16string into = utf16(workbook), from = utf16(report), name(part.sheet.name);
     const ReportMove move{into, from, name};
-    const auto rows = [&] { return part.item_rows(primary.current) + part.item_rows(secondary.current); };
-    const auto failure = compared ? output_compared(spreadsheet, move, &part.sheet, rows)
-                                  : output_statistics(spreadsheet, move, &part.sheet);
+    const auto recount = [](const Reading& of) {
+      return [&of](vtrfile::ListId list) { return vtrfile::list_of(list).recount(of.current); };
+    };
+    const auto failure = compared
+                             ? export_comparison(spreadsheet, move, recount(primary), recount(secondary), True)
+                             : output_statistics(spreadsheet, move, &part.sheet);
     EXPECT_FALSE(failure) << failure->what;
   }
   std::wstring empty_workbook(const wchar_t* name, spreadsheet::WorkbookFormat format) {
@@ -128,7 +132,7 @@ class Workbooks : public testing::Test {
 
 // The texts of the cells in column A of a report.
 std::map<std::string, std::u16string> labels(const std::wstring& report) {
-  const auto sheet = spreadsheet::read_comma_text(file_bytes(fs::path(report).string()), 2004);
+  const auto sheet = spreadsheet::read_comma_text(file_bytes(report), 2004);
   std::map<std::string, std::u16string> texts;
   for (std::uint32_t row = 0; row < sheet.rows(); ++row) {
     const auto cells = sheet.row(row);
@@ -159,7 +163,7 @@ TEST_F(Workbooks, ComeOutAsWithoutTheRuntime) {
         move_here(here, reference, text, part, compared);
         EXPECT_TRUE(move(workbook, text, sheet, compared)) << part.name;
         EXPECT_EQ(program.calls(), recording.calls) << part.name;
-        EXPECT_TRUE(file_bytes(fs::path(workbook).string()) == file_bytes(fs::path(reference).string())) << part.name;
+        EXPECT_TRUE(file_bytes(workbook) == file_bytes(reference)) << part.name;
       }
       fs::remove(workbook);
       empty_workbook(name, format);
@@ -171,7 +175,7 @@ TEST_F(Workbooks, ComeOutAsWithoutTheRuntime) {
 // was saved before.
 TEST_F(Workbooks, EachFailureEndsTheProgram) {
   const std::wstring workbook = empty_workbook(L"b.xls", spreadsheet::WorkbookFormat::kBiff8);
-  const std::string empty = file_bytes(fs::path(workbook).string());
+  const std::string empty = file_bytes(workbook);
   for (const bool compared : {false, true}) {
     const std::wstring text = report(kPartNames[1], compared);
     program.fail_at(0);
@@ -194,7 +198,7 @@ TEST_F(Workbooks, EachFailureEndsTheProgram) {
                 std::ranges::count_if(calls, [](auto& made) { return made.starts_with("release Sheet"); }))
           << what;
       const bool saved = std::ranges::any_of(calls, [](auto& made) { return made.starts_with("ActiveWorkbook.Save"); });
-      EXPECT_EQ(file_bytes(fs::path(workbook).string()) == empty, !saved) << what;
+      EXPECT_EQ(file_bytes(workbook) == empty, !saved) << what;
     }
   }
 }

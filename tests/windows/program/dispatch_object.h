@@ -27,8 +27,8 @@ class ProgramLife {
 // The arguments of one call, in the order of the parameters, and the place for its result.
 class Call {
  public:
-  Call(ProgramLife& life, std::vector<const VARIANT*> arguments, VARIANT* result)
-      : life(life), arguments_(std::move(arguments)), result_(result) {}
+  Call(ProgramLife& program, std::vector<const VARIANT*> arguments, VARIANT* result)
+      : life(program), arguments_(std::move(arguments)), result_(result) {}
   // Raise E_INVALIDARG as a long for a missing argument, DISP_E_TYPEMISMATCH for one that can't be converted.
   std::u16string text(std::size_t at) const;
   long number(std::size_t at) const;

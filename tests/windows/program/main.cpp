@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <windows.h>
@@ -44,7 +45,7 @@ class Factory : public IClassFactory {
   platform::SpreadsheetProgram program_{files_, locale_};
 };
 
-int run(const char* log_path, long failing_call) {
+int run(const std::filesystem::path& log_path, long failing_call) {
   CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED);
   std::ofstream log(log_path, std::ios::binary);
   log << GetCurrentProcessId() << std::endl;
@@ -69,4 +70,4 @@ int run(const char* log_path, long failing_call) {
 }  // namespace
 }  // namespace trvtrout::tests
 
-int main(int, char** arguments) { return trvtrout::tests::run(arguments[1], std::stol(arguments[2])); }
+int wmain(int, wchar_t** arguments) { return trvtrout::tests::run(arguments[1], std::stol(arguments[2])); }

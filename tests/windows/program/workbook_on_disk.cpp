@@ -6,6 +6,7 @@
 #include <io.h>
 #include <share.h>
 #include <sys/stat.h>
+#include <windows.h>
 
 #include "platform/files/path.h"
 #include "platform/program/sheet_names.h"
@@ -24,6 +25,12 @@ std::filesystem::path native(const std::string& path) { return text::from_utf8(p
 }  // namespace
 
 std::string machine_path(const std::u16string& path) { return text::to_utf8(path); }
+
+std::u16string without_case(std::string_view name) {
+  std::wstring text = native(std::string(name)).wstring();
+  CharLowerBuffW(text.data(), static_cast<DWORD>(text.size()));
+  return {text.begin(), text.end()};
+}
 
 void refuse_file(ErrorNumber number, const char* verb, const std::string& path, const std::string& reason) {
   throw ServiceError(number, std::string("can't ") + verb + " \"" + path + "\": " + reason);
