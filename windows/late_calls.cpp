@@ -1,9 +1,8 @@
 #include "windows/late_calls.h"
 
-#include <cstring>
-#include <optional>
-#include <vector>
+#include <mutex>
 
+#include "windows/errors.h"
 #include "windows/interface.h"
 #include "windows/module.h"
 #include "windows/variant.h"
@@ -11,51 +10,29 @@
 namespace trvtrout::windows {
 namespace {
 
-// The definition of one operation.
-class Operation {
- public:
-  // Nothing is found for an id that no operation has.
-  Operation(ITypeInfo& info, DISPID id, WORD kind) : info_(info) {
-    ComPtr<ITypeInfo2> by_id;
-    UINT index = 0;
-    if (FAILED(info.QueryInterface(IID_PPV_ARGS(&by_id))) ||
-        FAILED(by_id->GetFuncIndexOfMemId(id, kind_of(kind), &index)))
-      return;
-    if (FAILED(info.GetFuncDesc(index, &definition_))) definition_ = nullptr;
+// What one operation takes from its caller: its result isn't among it.
+std::vector<Parameter> parameters_of(const FUNCDESC& function) {
+  std::vector<Parameter> parameters;
+  for (SHORT place = 0; place < function.cParams; ++place) {
+    const ELEMDESC& element = function.lprgelemdescParam[place];
+    if ((element.paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0) continue;
+    const TYPEDESC& type = element.tdesc;
+    parameters.push_back(type.vt == VT_PTR ? Parameter{type.lptdesc->vt, true} : Parameter{type.vt, false});
   }
-  Operation(const Operation&) = delete;
-  Operation& operator=(const Operation&) = delete;
-  ~Operation() {
-    if (definition_) info_.ReleaseFuncDesc(definition_);
-  }
-
-  // Those that a caller passes: the result isn't one.
-  std::size_t parameters() const {
-    if (!definition_) return 0;
-    const auto count = static_cast<std::size_t>(definition_->cParams);
-    const bool has_result = count > 0 && (parameter(count - 1).paramdesc.wParamFlags & PARAMFLAG_FRETVAL) != 0;
-    return count - (has_result ? 1 : 0);
-  }
-  const ELEMDESC& parameter(std::size_t place) const { return definition_->lprgelemdescParam[place]; }
-
- private:
-  static INVOKEKIND kind_of(WORD kind) { return (kind & DISPATCH_METHOD) != 0 ? INVOKE_FUNC : INVOKE_PROPERTYGET; }
-
-  ITypeInfo& info_;
-  FUNCDESC* definition_ = nullptr;
-};
+  return parameters;
+}
 
 // One argument of a call, as the caller gives it and as the operation takes it.
 class Argument {
  public:
   explicit Argument(VARIANTARG& given) : given_(given), passed_(given) {}
 
-  HRESULT convert(const TYPEDESC& type, LCID locale) {
-    if (given_.vt == VT_ERROR) return S_OK;  // one that wasn't given: the runtime says so
-    if (type.vt != VT_PTR) return by_value(type.vt, locale);
+  HRESULT convert(const Parameter& parameter, LCID locale) {
+    if (given_.vt == VT_ERROR && given_.scode == DISP_E_PARAMNOTFOUND) return DISP_E_PARAMNOTOPTIONAL;
+    if (!parameter.by_reference) return by_value(parameter.type, locale);
     // An object is for the runtime to look at.
-    if (type.lptdesc->vt == VT_USERDEFINED) return given_.vt == (VT_BYREF | VT_VARIANT) ? copy() : S_OK;
-    return type.lptdesc->vt == VT_VARIANT ? variable() : by_reference(type.lptdesc->vt, locale);
+    if (parameter.type == VT_USERDEFINED) return given_.vt == (VT_BYREF | VT_VARIANT) ? copy() : S_OK;
+    return parameter.type == VT_VARIANT ? variable() : by_reference(parameter.type, locale);
   }
   const VARIANTARG& passed() const { return passed_; }
 
@@ -130,11 +107,11 @@ class Arguments {
     for (UINT at = 0; at < given.cArgs; ++at) arguments_.emplace_back(given.rgvarg[at]);
   }
 
-  HRESULT convert(const Operation& operation, LCID locale, UINT* bad_argument) {
+  HRESULT convert(const std::vector<Parameter>& parameters, LCID locale, UINT* bad_argument) {
     for (UINT at = 0; at < given_.cArgs; ++at) {
       const std::size_t place = place_of(at);
-      if (place >= operation.parameters()) return DISP_E_PARAMNOTFOUND;
-      const HRESULT result = arguments_[at].convert(operation.parameter(place).tdesc, locale);
+      if (place >= parameters.size()) return DISP_E_PARAMNOTFOUND;
+      const HRESULT result = arguments_[at].convert(parameters[place], locale);
       if (SUCCEEDED(result)) continue;
       if (bad_argument) *bad_argument = at;
       return result;
@@ -170,37 +147,39 @@ class Arguments {
 
 }  // namespace
 
-HRESULT LateCalls::load() {
-  if (type_info_) return S_OK;
-  return load_type_library()->GetTypeInfoOfGuid(IID__TarvelVtrOut_InOut, &type_info_);
+Definition::Definition() {
+  require(load_type_library()->GetTypeInfoOfGuid(IID__TarvelVtrOut_InOut, &type_info_), "no such interface");
+  FUNCDESC* function = nullptr;
+  for (UINT index = 0; SUCCEEDED(type_info_->GetFuncDesc(index, &function)); ++index) {
+    parameters_[function->memid] = parameters_of(*function);
+    type_info_->ReleaseFuncDesc(function);
+  }
 }
 
-HRESULT LateCalls::type_info(ITypeInfo** info) {
-  const HRESULT loaded = load();
-  return SUCCEEDED(loaded) ? type_info_.CopyTo(info) : loaded;
+std::shared_ptr<const Definition> Definition::shared() {
+  static std::mutex mutex;
+  static std::weak_ptr<const Definition> in_use;
+  const std::scoped_lock lock(mutex);
+  auto definition = in_use.lock();
+  if (!definition) in_use = definition = std::make_shared<const Definition>();
+  return definition;
 }
 
-HRESULT LateCalls::ids_of_names(LPOLESTR* names, UINT count, DISPID* ids) {
-  const HRESULT loaded = load();
-  return SUCCEEDED(loaded) ? type_info_->GetIDsOfNames(names, count, ids) : loaded;
-}
-
-HRESULT LateCalls::invoke(void* object, DISPID id, LCID locale, WORD kind, DISPPARAMS* parameters, VARIANT* result,
-                          EXCEPINFO* trouble, UINT* bad_argument) {
-  if (const HRESULT loaded = load(); FAILED(loaded)) return loaded;
+HRESULT Definition::invoke(void* object, const LateCall& call) const {
   const auto invoke_with = [&](DISPPARAMS* given) {
-    return type_info_->Invoke(object, id, kind, given, result, trouble, bad_argument);
+    return type_info_->Invoke(object, call.id, call.kind, given, call.result, call.trouble, call.bad_argument);
   };
-  const Operation operation(*type_info_.Get(), id, kind);
-  // Of an operation that there isn't, or as many arguments as none has, the runtime tells.
-  if (operation.parameters() != parameters->cArgs) return invoke_with(parameters);
-  Arguments arguments(*parameters);
-  if (const HRESULT converted = arguments.convert(operation, locale, bad_argument); FAILED(converted)) return converted;
+  const auto operation = parameters_.find(call.id);
+  if (operation == parameters_.end()) return invoke_with(call.parameters);  // the runtime says so
+  if (operation->second.size() != call.parameters->cArgs) return DISP_E_BADPARAMCOUNT;
+  Arguments arguments(*call.parameters);
+  const HRESULT converted = arguments.convert(operation->second, call.locale, call.bad_argument);
+  if (FAILED(converted)) return converted;
   std::vector<VARIANTARG> passed = arguments.passed();
-  DISPPARAMS converted{passed.data(), parameters->rgdispidNamedArgs, parameters->cArgs, parameters->cNamedArgs};
-  const HRESULT outcome = invoke_with(&converted);
-  if (FAILED(outcome)) return outcome;
-  return arguments.give_back(locale);
+  DISPPARAMS parameters = *call.parameters;
+  parameters.rgvarg = passed.data();
+  const HRESULT outcome = invoke_with(&parameters);
+  return FAILED(outcome) ? outcome : arguments.give_back(call.locale);
 }
 
 }  // namespace trvtrout::windows

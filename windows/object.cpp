@@ -92,13 +92,13 @@ HRESULT ComponentObject::GetTypeInfo(UINT index, LCID, ITypeInfo** info) {
   if (!info) return E_POINTER;
   *info = nullptr;
   if (index != 0) return DISP_E_BADINDEX;
-  return at_boundary([&] { return late_calls_.type_info(info); });
+  return at_boundary([&] { return definition().type_info().QueryInterface(IID_PPV_ARGS(info)); });
 }
 
 HRESULT ComponentObject::GetIDsOfNames(REFIID reserved, LPOLESTR* names, UINT count, LCID, DISPID* ids) {
   if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (!names || !ids) return E_POINTER;
-  return at_boundary([&] { return late_calls_.ids_of_names(names, count, ids); });
+  return at_boundary([&] { return definition().type_info().GetIDsOfNames(names, count, ids); });
 }
 
 HRESULT ComponentObject::Invoke(DISPID id, REFIID reserved, LCID locale, WORD kind, DISPPARAMS* parameters,
@@ -106,8 +106,8 @@ HRESULT ComponentObject::Invoke(DISPID id, REFIID reserved, LCID locale, WORD ki
   if (reserved != IID_NULL) return DISP_E_UNKNOWNINTERFACE;
   if (!parameters || (!parameters->rgvarg && parameters->cArgs > 0)) return E_POINTER;
   return at_boundary([&] {
-    return late_calls_.invoke(static_cast<_TarvelVtrOut_InOut*>(this), id, locale, kind, parameters, result, trouble,
-                              bad_argument);
+    return definition().invoke(static_cast<_TarvelVtrOut_InOut*>(this),
+                               {id, locale, kind, parameters, result, trouble, bad_argument});
   });
 }
 

@@ -157,13 +157,17 @@ class ComponentObject final : public _TarvelVtrOut_InOut, public ISupportErrorIn
       return outcome;
     });
   }
+  const Definition& definition() {
+    if (!definition_) definition_ = Definition::shared();
+    return *definition_;
+  }
   static void tell(const std::string& failure);
 
   ModuleUse use_;
   std::atomic<ULONG> references_ = 1;
   SystemServices services_;
   TarvelVtrOut_InOut utility_{services_.services()};
-  LateCalls late_calls_;
+  std::shared_ptr<const Definition> definition_;  // null until the first late call
 };
 
 #undef REPORT

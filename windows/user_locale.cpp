@@ -13,6 +13,9 @@ std::u16string number_text(double number) {
   return text.text();
 }
 
+std::string two_digits(int number) { return (number < 10 ? "0" : "") + std::to_string(number); }
+std::u16string widened(const std::string& ascii) { return {ascii.begin(), ascii.end()}; }
+
 }  // namespace
 
 Date UserLocale::Now() {
@@ -30,14 +33,17 @@ std::u16string UserLocale::GeneralDate(Date date) {
   return text.text();
 }
 
+// Put together here: the runtime's own formatting isn't the same everywhere with a clock of twelve hours.
 std::u16string UserLocale::StampDate(Date date) {
-  wchar_t form[] = L"d-mmm-yy hh:mm AM/PM";
-  VARIANT value;
-  value.vt = VT_DATE;
-  value.date = date;
-  Bstr text;
-  if (FAILED(VarFormat(&value, form, 0, 0, 0, text.out()))) return number_text(date);
-  return text.text();
+  SYSTEMTIME moment;
+  Bstr month;
+  if (!VariantTimeToSystemTime(date, &moment) || FAILED(VarMonthName(moment.wMonth, TRUE, 0, month.out()))) {
+    return number_text(date);
+  }
+  const std::string day = std::to_string(moment.wDay) + "-";
+  const std::string rest = "-" + two_digits(moment.wYear % 100) + " " + two_digits((moment.wHour + 11) % 12 + 1) + ":" +
+                           two_digits(moment.wMinute) + (moment.wHour < 12 ? " AM" : " PM");
+  return widened(day) + month.text() + widened(rest);
 }
 
 std::optional<Date> UserLocale::ParseDate(const std::u16string& text) {
