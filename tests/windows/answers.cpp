@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <dlgs.h>
+#include <initializer_list>
 
 namespace trvtrout::tests {
 namespace {
@@ -36,13 +37,19 @@ void for_each_child(HWND window, Take take) {
   EnumChildWindows(window, take_window<Take>, reinterpret_cast<LPARAM>(&take));
 }
 
-HWND child_with_id(HWND dialog, int id) {
+HWND child_of_kind(HWND dialog, const wchar_t* kind, std::initializer_list<int> ids) {
   HWND found = nullptr;
   for_each_child(dialog, [&](HWND child) {
-    if (GetDlgCtrlID(child) == id && IsWindowVisible(child)) found = found ? found : child;
+    const bool is_one = std::ranges::find(ids, GetDlgCtrlID(child)) != ids.end() && class_of(child) == kind;
+    if (is_one && IsWindowVisible(child)) found = child;
   });
   return found;
 }
+
+HWND button_of(HWND dialog, int id) { return child_of_kind(dialog, L"Button", {id}); }
+
+// For the file's name; it may be part of a list.
+HWND field_of(HWND dialog) { return child_of_kind(dialog, L"Edit", {edt1, cmb13}); }
 
 Shown read(HWND dialog) {
   Shown shown;
@@ -54,8 +61,8 @@ Shown read(HWND dialog) {
     if (kind == L"Button") shown.buttons.push_back(GetDlgCtrlID(child));
   });
   std::ranges::sort(shown.buttons);
-  if (const HWND filters = child_with_id(dialog, cmb1)) shown.filter = text_of(filters);
-  if (const HWND field = child_with_id(dialog, edt1)) shown.name = text_of(field);
+  if (const HWND filters = child_of_kind(dialog, L"ComboBox", {cmb1})) shown.filter = text_of(filters);
+  if (const HWND field = field_of(dialog)) shown.name = text_of(field);
   return shown;
 }
 
@@ -92,15 +99,15 @@ void Answers::look() {
 }
 
 void Answers::answer(HWND dialog) {
-  Answer given{child_with_id(dialog, IDCANCEL) ? IDCANCEL : IDOK};
+  Answer given{button_of(dialog, IDCANCEL) ? IDCANCEL : IDOK};
   if (!answers_.empty()) given = answers_.front();
-  const HWND button = child_with_id(dialog, given.button);
+  const HWND button = button_of(dialog, given.button);
   if (!button) return;  // it's still being built
   if (!answers_.empty()) answers_.pop_front();
   shown_.push_back(read(dialog));
   answered_.push_back(dialog);
   if (!given.path.empty())
-    SendMessageW(child_with_id(dialog, edt1), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(given.path.c_str()));
+    SendMessageW(field_of(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(given.path.c_str()));
   PostMessageW(button, BM_CLICK, 0, 0);
 }
 

@@ -18,7 +18,7 @@ function reportOn(fname) {
   save(folder + "\\read.txt", "result: " + told(utility.ReadVTR(fname, "", false)) + "\r\n");
   for (var at = 0; at < parts.length; ++at) {
     var part = parts[at];
-    keep("report", fname, part, utility["ASCII_Output_" + part](fname, "", true));
+    keep("report", fname, part, part, utility["ASCII_Output_" + part](fname, "", true));
   }
   if (!utility.RecoverVTR(folder + "\\recovered.vtr", "")) WScript.Quit(1);
   save(folder + "\\recover.txt", "@GIVEN@");
@@ -28,16 +28,16 @@ function compareTwo(first, second) {
   var utility = new ActiveXObject("TrVtrOut.TarvelVtrOut_InOut");
   if (!utility.ReadVTR(second, "", true) || !utility.ReadVTR(first, "", false)) WScript.Quit(1);
   for (var at = 0; at < parts.length; ++at) {
-    keep("compare", first, parts[at], utility["Compare_" + parts[at]](first, second, ""));
+    keep("compare", first, parts[at], parts[at] + "_Compared", utility["Compare_" + parts[at]](first, second, ""));
   }
 }
 
 // The path doesn't come back, but a temporary name is known beforehand.
-function keep(kind, fname, part, result) {
+function keep(kind, fname, part, named, result) {
   var folder = files.GetParentFolderName(fname) + "\\";
   var base = files.GetFileName(fname).split(".")[0];
   var name = folder + kind + "-" + part.toLowerCase();
-  files.MoveFile(folder + "~tmp" + base + "_" + part + ".CSV", name + ".csv");
+  files.MoveFile(folder + "~tmp" + base + "_" + named + ".CSV", name + ".csv");
   if (!result) save(name + ".result", told(result) + "\r\n");
 }
 

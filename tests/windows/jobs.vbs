@@ -1,10 +1,10 @@
 ' The jobs of a host: each argument is a document to read, report on and recover, or two with "*" between them to
 ' compare. What comes of it is left in the documents' folder.
 Option Explicit
-Dim files, job, names
+Dim files, at, names
 Set files = CreateObject("Scripting.FileSystemObject")
-For Each job In WScript.Arguments
-  names = Split(job, "*")
+For at = 0 To WScript.Arguments.Count - 1
+  names = Split(WScript.Arguments(at), "*")
   If UBound(names) = 0 Then
     ReportOn names(0)
   Else
