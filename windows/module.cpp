@@ -19,6 +19,12 @@ ModuleUse::~ModuleUse() { --uses; }
 bool ModuleUse::any() noexcept { return uses != 0; }
 void ModuleUse::lock(bool locked) noexcept { uses += locked ? 1 : -1; }
 
+void stay_loaded() noexcept {
+  HMODULE module;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_PIN | GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS,
+                     reinterpret_cast<const wchar_t*>(&__ImageBase), &module);
+}
+
 std::u16string module_path() {
   std::u16string path(MAX_PATH, u'\0');
   for (;;) {

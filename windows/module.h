@@ -22,6 +22,11 @@ class ModuleUse {
   static void lock(bool locked) noexcept;
 };
 
+// Keeps the library loaded until the process ends. What a thread holds of its own (SchemaOld, of each apartment) is
+// freed when the thread ends, by code of the library, which has to be there then; the compiler's own care for that lets
+// go of the library from within it.
+void stay_loaded() noexcept;
+
 // Where the library's file stands. Raises ServiceError.
 std::u16string module_path();
 

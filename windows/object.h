@@ -66,6 +66,7 @@ HRESULT at_boundary(Body&& body) noexcept {
 // thread's error information says why.
 class ComponentObject final : public _TarvelVtrOut_InOut, public ISupportErrorInfo {
  public:
+  ComponentObject() { stay_loaded(); }
   HRESULT STDMETHODCALLTYPE QueryInterface(REFIID id, void** object) override;
   ULONG STDMETHODCALLTYPE AddRef() override { return ++references_; }
   ULONG STDMETHODCALLTYPE Release() override;

@@ -104,13 +104,15 @@ class Classes {
 
 LSTATUS unregister_from(const Classes& classes) {
   const Keys keys;
-  // The other build finds the program's name and the type library under the same keys.
-  std::vector<std::u16string> own = {keys.class_key, keys.interface_key, keys.library_platform};
-  if (!classes.has(keys.class_key, kOtherView)) own.insert(own.end(), {keys.program, keys.library_key});
   LSTATUS result = ERROR_SUCCESS;
-  for (const std::u16string& key : own) {
+  const auto remove = [&](const std::u16string& key) {
     if (const LSTATUS removed = classes.remove(key); removed != ERROR_SUCCESS) result = removed;
-  }
+  };
+  for (const std::u16string* key : {&keys.class_key, &keys.interface_key, &keys.library_platform}) remove(*key);
+  // The other build finds the program's name and the type library under the same keys. Where there is one view alone,
+  // it shows that this build's class has gone.
+  if (classes.has(keys.class_key, kOtherView)) return result;
+  for (const std::u16string* key : {&keys.program, &keys.library_key}) remove(*key);
   return result;
 }
 
@@ -129,7 +131,7 @@ LSTATUS register_in(const Classes& classes) {
 HRESULT register_component() noexcept {
   return at_boundary([] {
     LSTATUS result = register_in(Classes(HKEY_LOCAL_MACHINE));
-    if (result == ERROR_ACCESS_DENIED) result = register_in(Classes(HKEY_CURRENT_USER));
+    if (result != ERROR_SUCCESS) result = register_in(Classes(HKEY_CURRENT_USER));
     return HRESULT_FROM_WIN32(result);
   });
 }

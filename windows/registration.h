@@ -4,8 +4,8 @@
 
 namespace trvtrout::windows {
 
-// Writes class, interface and type library into the registry: for the machine, or for the user alone where the rights
-// for that are missing.
+// Writes class, interface and type library into the registry: for the machine, or for the user alone where that
+// can't be done, most often because the rights are missing.
 HRESULT register_component() noexcept;
 
 // Takes them out again, for the user and for the machine; what another build of the library (64 or 32 bits) needs stays

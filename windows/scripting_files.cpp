@@ -2,9 +2,22 @@
 
 #include "windows/code_page.h"
 #include "windows/dispatched.h"
+#include "windows/system_files.h"
 
 namespace trvtrout::windows {
 namespace {
+
+// Runs an action on a file. Not every such object has a number for a file that is held, so the system is asked.
+auto numbering_held(const std::u16string& path, const auto& action) {
+  try {
+    return action();
+  } catch (const ServiceError& error) {
+    if (error.number() == ErrorNumber::kAutomation && is_held(path)) {
+      throw ServiceError(ErrorNumber::kFileHeld, error.what());
+    }
+    throw;
+  }
+}
 
 class ScriptingText : public TextStream {
  public:
@@ -24,12 +37,16 @@ class ScriptingText : public TextStream {
 class ScriptingFiles : public FileSystemObject {
  public:
   std::unique_ptr<TextStream> CreateTextFile(const std::u16string& path, bool overwrite, bool unicode) override {
-    return std::make_unique<ScriptingText>(object_.object(L"CreateTextFile", path, overwrite, unicode));
+    return numbering_held(path, [&] {
+      return std::make_unique<ScriptingText>(object_.object(L"CreateTextFile", path, overwrite, unicode));
+    });
   }
   bool FileExists(const std::u16string& path) override {
     return object_.get(L"FileExists", path).get().boolVal != VARIANT_FALSE;
   }
-  void DeleteFile(const std::u16string& path) override { object_.call(L"DeleteFile", path); }
+  void DeleteFile(const std::u16string& path) override {
+    numbering_held(path, [&] { return object_.call(L"DeleteFile", path); });
+  }
 
  private:
   Dispatched object_ = Dispatched::create(u"Scripting.FileSystemObject");

@@ -142,6 +142,12 @@ std::unique_ptr<BinaryOutput> SystemFiles::OpenBinaryOutput(const std::u16string
   return std::make_unique<SystemBinaryOutput>(path);
 }
 
+bool is_held(const std::u16string& path) {
+  const Handle file(path, GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, OPEN_EXISTING,
+                    FILE_ATTRIBUTE_NORMAL);
+  return !file.is_open() && number_of_error(GetLastError()) == ErrorNumber::kFileHeld;
+}
+
 bool SystemFiles::SameFile(const std::u16string& path, const std::u16string& other) {
   BY_HANDLE_FILE_INFORMATION one, two;
   return identity_of(path, one) && identity_of(other, two) && one.dwVolumeSerialNumber == two.dwVolumeSerialNumber &&

@@ -14,4 +14,7 @@ class SystemFiles : public Files {
   bool SameFile(const std::u16string& path, const std::u16string& other) override;
 };
 
+// Whether there is a file at `path` that can't be written, because another program holds it or the rights are missing.
+bool is_held(const std::u16string& path);
+
 }  // namespace trvtrout::windows
