@@ -1,4 +1,3 @@
-#include <fstream>
 #include <gtest/gtest.h>
 
 #include "tests/support.h"
@@ -12,8 +11,6 @@ namespace {
 const std::vector<int> kYesNoCancel = {IDCANCEL, IDYES, IDNO};
 const std::string kMine = "what stood there before";
 
-void put(const std::wstring& path) { std::ofstream(std::filesystem::path(path), std::ios::binary) << kMine; }
-std::string at(const std::wstring& path) { return file_bytes(path); }
 
 // An object that has read plant.vtr from a folder of its own.
 struct Reader {
@@ -35,11 +32,11 @@ TEST(Boxes, AnExistingReportIsAskedAbout) {
   const std::wstring standing = reader.folder.path(L"~tmpplant_Table.CSV"), other = reader.folder.path(L"other.txt");
   std::wstring path;
   ASSERT_TRUE(reader.utility.is_true(L"ASCII_Output_Table", {&reader.document, &path, &reader.temporary}));
-  const std::string report = at(standing);
+  const std::string report = file_bytes(standing);
   const auto rows = [](const std::string& text) { return text.substr(text.find("TABLES")); };
 
   const auto run = [&](std::deque<Answer> answers, bool written, const std::wstring& target) {
-    put(standing);
+    save(standing, kMine);
     Answers user(std::move(answers));
     EXPECT_EQ(reader.utility.is_true(L"ASCII_Output_Table", {&reader.document, &path, &reader.temporary}), written);
     EXPECT_EQ(path, target);
@@ -48,18 +45,18 @@ TEST(Boxes, AnExistingReportIsAskedAbout) {
     return shown;
   };
   EXPECT_EQ(run({{IDYES}}, true, standing).size(), 1U);
-  EXPECT_EQ(rows(at(standing)), rows(report));
+  EXPECT_EQ(rows(file_bytes(standing)), rows(report));
   EXPECT_EQ(run({{IDCANCEL}}, false, standing).size(), 1U);
-  EXPECT_EQ(at(standing), kMine);
+  EXPECT_EQ(file_bytes(standing), kMine);
   const auto shown = run({{IDNO}, {IDOK, other}}, true, other);
-  EXPECT_EQ(at(standing), kMine);
-  EXPECT_EQ(rows(at(other)), rows(report));
+  EXPECT_EQ(file_bytes(standing), kMine);
+  EXPECT_EQ(rows(file_bytes(other)), rows(report));
   ASSERT_EQ(shown.size(), 2U);
   EXPECT_EQ(shown[1].filter, L"VTR Files (*.CSV)");
   EXPECT_EQ(shown[1].title, L"plant.vtr");
   // Nothing is named, so nothing is written.
   EXPECT_EQ(run({{IDNO}, {IDCANCEL}}, false, L"").size(), 2U);
-  EXPECT_EQ(at(standing), kMine);
+  EXPECT_EQ(file_bytes(standing), kMine);
 }
 
 TEST(Boxes, OutputNamesAreAskedAbout) {
@@ -75,7 +72,7 @@ TEST(Boxes, OutputNamesAreAskedAbout) {
       const std::wstring path = path_of();
       EXPECT_EQ(base, L"plant");
       EXPECT_TRUE(path.starts_with(reader.folder.path(L"plant_") + kind) && path.ends_with(extension)) << narrow(path);
-      put(path);
+      save(path, kMine);
       Answers user({{IDNO}, {IDOK, other}});
       const std::wstring answered = path_of();
       shown = user.stop();
@@ -104,14 +101,14 @@ TEST(Boxes, HeldFilesAreLeftAlone) {
   } cases[] = {
       {L"~tmpplant_Product.CSV", L"ASCII_Output_Product", {&reader.document, &path, &reader.temporary}, true, kInUse},
       {L"~tmpplant_Table.CSV", L"ASCII_Output_Table", {&reader.document, &path, &reader.temporary}, true, L""},
-      {L"~tmpplant_Table.CSV", L"Compare_Table", {&reader.document, &next, &path}, true, kInUse},
+      {L"~tmpplant_Tables_Compared.CSV", L"Compare_Table", {&reader.document, &next, &path}, true, kInUse},
       {L"held.vtr", L"RecoverVTR", {&held_path, &message}, false, L"File can not be recovered"},
       {L"held.vtr", L"ReadVTR", {&held_path, &reader.list, &reader.primary}, false, L""},
       {L"held.vtr", L"Delete_ASCII", {&held_path}, false, L""},
   };
   for (const auto& [target, operation, arguments, asks, tells] : cases) {
     const std::wstring standing = reader.folder.path(target);
-    put(standing);
+    save(standing, kMine);
     std::vector<Shown> shown;
     {
       const Holder holder(standing);
@@ -119,7 +116,7 @@ TEST(Boxes, HeldFilesAreLeftAlone) {
       EXPECT_FALSE(reader.utility.is_true(operation, arguments)) << narrow(operation);
       shown = user.stop();
     }
-    EXPECT_EQ(at(standing), kMine) << narrow(operation);
+    EXPECT_EQ(file_bytes(standing), kMine) << narrow(operation);
     ASSERT_EQ(shown.size(), static_cast<std::size_t>(asks + !tells.empty())) << narrow(operation);
     if (tells.empty()) continue;
     EXPECT_TRUE(shown.back().title.starts_with(L"VTR Output"));
@@ -131,7 +128,7 @@ TEST(Boxes, HeldFilesAreLeftAlone) {
 TEST(Boxes, AMissingReportIsToldOf) {
   Reader reader;
   std::wstring path = reader.folder.path(L"report.CSV");
-  put(path);
+  save(path, kMine);
   Answers user;
   EXPECT_TRUE(reader.utility.is_true(L"Delete_ASCII", {&path}));
   EXPECT_FALSE(reader.utility.is_true(L"Delete_ASCII", {&path}));

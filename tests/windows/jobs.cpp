@@ -21,6 +21,8 @@ std::string in_code_page(const std::wstring& text) {
   return bytes.substr(0, static_cast<std::size_t>(length));
 }
 
+std::wstring native_path(const std::string& path) { return fs::absolute(path).make_preferred().wstring(); }
+
 std::wstring widen(const std::string& text) {
   const std::u16string wide = text::from_utf8(text);
   return {wide.begin(), wide.end()};
@@ -44,9 +46,9 @@ std::wstring Folder::add_sample(const std::string& sample) const {
   return target;
 }
 
-namespace {
-
 void save(const fs::path& path, const std::string& bytes) { std::ofstream(path, std::ios::binary) << bytes; }
+
+namespace {
 
 // Gives a report its approved name, and tells of a result that was False.
 void keep(const fs::path& folder, const std::string& name, bool result, const std::wstring& report) {

@@ -26,6 +26,8 @@ class Folder {
   std::filesystem::path path_;
 };
 
+void save(const std::filesystem::path& path, const std::string& bytes);
+
 // The parts of a document, by the names of their approved reports and of their operations.
 struct PartName {
   const char* file;
@@ -50,6 +52,9 @@ void expect_approved_files(const Folder& folder, const std::string& approved, co
 
 // Starts a program and returns its exit status. Its output goes where this program's goes.
 unsigned long run_program(std::wstring command_line);
+
+// A path of the build, with its drive, as the desktop's programs take it.
+std::wstring native_path(const std::string& path);
 
 std::string narrow(const std::wstring& text);  // UTF-8
 std::string in_code_page(const std::wstring& text);

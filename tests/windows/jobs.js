@@ -1,7 +1,11 @@
 // The jobs of a host that passes no variables by reference: each argument is a document to read, report on and recover,
 // or two with "*" between them to compare. What comes of it is left in the documents' folder.
 var files = new ActiveXObject("Scripting.FileSystemObject");
-var parts = ["Product", "Table", "Field", "Tree", "Lookup", "CtrlTag", "Lang", "DSend"];
+// What a part is called in the names of operations, and in that of the report on its comparison.
+var parts = {
+  Product: "Product", Table: "Tables", Field: "Fields", Tree: "Tree",
+  Lookup: "Lookups", CtrlTag: "ControlTag", Lang: "Language", DSend: "DSend"
+};
 
 for (var at = 0; at < WScript.Arguments.length; ++at) {
   var names = WScript.Arguments(at).split("*");
@@ -16,8 +20,7 @@ function reportOn(fname) {
   var folder = files.GetParentFolderName(fname);
   var utility = new ActiveXObject("TrVtrOut.TarvelVtrOut_InOut");
   save(folder + "\\read.txt", "result: " + told(utility.ReadVTR(fname, "", false)) + "\r\n");
-  for (var at = 0; at < parts.length; ++at) {
-    var part = parts[at];
+  for (var part in parts) {
     keep("report", fname, part, part, utility["ASCII_Output_" + part](fname, "", true));
   }
   if (!utility.RecoverVTR(folder + "\\recovered.vtr", "")) WScript.Quit(1);
@@ -27,8 +30,8 @@ function reportOn(fname) {
 function compareTwo(first, second) {
   var utility = new ActiveXObject("TrVtrOut.TarvelVtrOut_InOut");
   if (!utility.ReadVTR(second, "", true) || !utility.ReadVTR(first, "", false)) WScript.Quit(1);
-  for (var at = 0; at < parts.length; ++at) {
-    keep("compare", first, parts[at], parts[at] + "_Compared", utility["Compare_" + parts[at]](first, second, ""));
+  for (var part in parts) {
+    keep("compare", first, part, parts[part] + "_Compared", utility["Compare_" + part](first, second, ""));
   }
 }
 

@@ -130,7 +130,7 @@ TEST_P(ScriptJobs, LeaveTheApprovedTexts) {
     const Folder& folder = folders.emplace_back();
     jobs += L" \"" + folder.add_sample(first) + L"*" + folder.add_sample(second) + L"\"";
   }
-  const std::wstring script = std::filesystem::absolute(std::string(TESTS "/") + GetParam()).make_preferred().wstring();
+  const std::wstring script = native_path(std::string(TESTS "/") + GetParam());
   ASSERT_EQ(run_program(L"cscript //nologo \"" + script + L"\"" + jobs), 0U);
   for (std::size_t at = 0; at < names.size(); ++at) {
     const std::wstring document = folders[at].path(std::filesystem::path(names[at]).filename().wstring());
@@ -145,6 +145,20 @@ TEST_P(ScriptJobs, LeaveTheApprovedTexts) {
 }
 
 INSTANTIATE_TEST_SUITE_P(All, ScriptJobs, testing::Values("jobs.vbs", "jobs.js"));
+
+TEST(Examples, WriteTheirReports) {
+  const Folder folder;
+  const std::wstring one = L" \"" + folder.add_sample("plant.vtr") + L"\"";
+  const std::wstring other = L" \"" + folder.add_sample("plant-next.vtr") + L"\"";
+  EXPECT_EQ(run_program(L"cscript //nologo \"" + native_path(EXAMPLES "/report.vbs") + L"\"" + one), 0U);
+  EXPECT_EQ(run_program(L"\"" + native_path(EXAMPLE_PROGRAM) + L"\"" + one + other), 0U);
+  int reports = 0;
+  for (const auto& entry : std::filesystem::directory_iterator(folder.path())) {
+    const std::wstring name = entry.path().filename();
+    reports += name.starts_with(L"plant_Table_") || name == L"~tmpplant_Tables_Compared.CSV";
+  }
+  EXPECT_EQ(reports, 2);
+}
 
 }  // namespace
 }  // namespace trvtrout::tests

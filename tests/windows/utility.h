@@ -41,6 +41,8 @@ class Utility {
  public:
   // Raises CallError when there is none.
   explicit Utility(Way way = Way::kEarly);
+  // One that there is already.
+  Utility(ComPtr<IDispatch> object, Way way) : way_(way), object_(std::move(object)) {}
 
   // The result as text: the operation's own, or "True" or "False". Raises CallError.
   std::wstring call(const std::wstring& name, std::initializer_list<Argument> arguments);

@@ -45,8 +45,7 @@ class Program {
   // The next one that is started fails at one of its calls, counted from 1; 0: at none.
   void fail_at(int call) {
     fs::remove(log_);
-    const std::wstring program = fs::absolute(PROGRAM).make_preferred().wstring();
-    set_key(class_key() + L"\\LocalServer32", L"\"" + program + L"\" \"" + log_ + L"\" " + std::to_wstring(call));
+    set_key(class_key() + L"\\LocalServer32", L"\"" + native_path(PROGRAM) + L"\" \"" + log_ + L"\" " + std::to_wstring(call));
   }
   // What the one that was started writes down at its end, which it comes to by itself.
   Calls calls() const {
@@ -120,7 +119,7 @@ class Workbooks : public testing::Test {
   }
   std::wstring empty_workbook(const wchar_t* name, spreadsheet::WorkbookFormat format) {
     const std::wstring path = folder.path(name);
-    std::ofstream(fs::path(path), std::ios::binary) << spreadsheet::empty_workbook(format);
+    save(path, spreadsheet::empty_workbook(format));
     return path;
   }
 
@@ -159,11 +158,11 @@ TEST_F(Workbooks, ComeOutAsWithoutTheRuntime) {
         recording.values = labels(text);
         move_here(recording, workbook, text, part, compared);
         const std::wstring reference = folder.path(other);
-        fs::copy_file(workbook, reference, fs::copy_options::overwrite_existing);
+        save(reference, file_bytes(workbook));
         move_here(here, reference, text, part, compared);
-        EXPECT_TRUE(move(workbook, text, sheet, compared)) << part.name;
-        EXPECT_EQ(program.calls(), recording.calls) << part.name;
-        EXPECT_TRUE(file_bytes(workbook) == file_bytes(reference)) << part.name;
+        ASSERT_TRUE(move(workbook, text, sheet, compared)) << part.name;
+        ASSERT_EQ(program.calls(), recording.calls) << part.name;
+        ASSERT_TRUE(file_bytes(workbook) == file_bytes(reference)) << part.name;
       }
       fs::remove(workbook);
       empty_workbook(name, format);
@@ -182,7 +181,7 @@ TEST_F(Workbooks, EachFailureEndsTheProgram) {
     ASSERT_TRUE(move(workbook, text, L"Tables", compared));
     const Calls whole = program.calls();
     for (int call = 1;; ++call) {
-      std::ofstream(fs::path(workbook), std::ios::binary) << empty;
+      save(workbook, empty);
       program.fail_at(call);
       const bool result = move(workbook, text, L"Tables", compared);
       const Calls calls = program.calls();

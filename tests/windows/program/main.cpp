@@ -16,7 +16,7 @@ namespace {
 
 // By this it's registered: tests/windows/workbook_test.cpp.
 constexpr CLSID kProgramClass = {0x6a0e1d0c, 0x93d1, 0x4c5c, {0x9c, 0x55, 0x1d, 0x6b, 0x0d, 0x5e, 0x8f, 0x21}};
-constexpr UINT kMostMilliseconds = 60000;  // a host that forgets the program doesn't keep it forever
+constexpr UINT kMostMilliseconds = 20000;  // a host that forgets the program doesn't keep it forever
 
 class Factory : public IClassFactory {
  public:
