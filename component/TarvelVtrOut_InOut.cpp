@@ -40,7 +40,7 @@ TarvelVtrOut_InOut::TarvelVtrOut_InOut(const HostServices& services) : store_(st
 TarvelVtrOut_InOut::~TarvelVtrOut_InOut() = default;
 
 Boolean TarvelVtrOut_InOut::Store::fail(const Failure& failure) {
-  last_failure = failure.what;
+  last_failure = failure;
   return False;
 }
 
@@ -149,7 +149,8 @@ Boolean TarvelVtrOut_InOut::Delete_ASCII(const std::u16string& ASCIIFname) {
 
 const vtrfile::DocumentSlots& TarvelVtrOut_InOut::CurrentSlots() const noexcept { return store_->current; }
 const std::optional<vtrfile::ReadError>& TarvelVtrOut_InOut::LastDamage() const noexcept { return store_->damage; }
-const std::string& TarvelVtrOut_InOut::LastFailure() const noexcept { return store_->last_failure; }
+const std::string& TarvelVtrOut_InOut::LastFailure() const noexcept { return store_->last_failure.what; }
+ErrorNumber TarvelVtrOut_InOut::LastErrorNumber() const noexcept { return store_->last_failure.number; }
 const vtrfile::FileRead& TarvelVtrOut_InOut::LastRead() const noexcept { return store_->last_read; }
 const std::optional<vtrfile::Salvaged>& TarvelVtrOut_InOut::LastSalvage() const noexcept {
   return store_->last_salvage;

@@ -131,6 +131,8 @@ class TarvelVtrOut_InOut {
   const vtrfile::DocumentSlots& CurrentSlots() const noexcept;
   const std::optional<vtrfile::ReadError>& LastDamage() const noexcept;
   const std::string& LastFailure() const noexcept;
+  // The number of the service error by which it did so; kNone when it was none.
+  ErrorNumber LastErrorNumber() const noexcept;
   // What the last ReadVTR met in its file: the parts, whole or not, and the bytes between them of which nothing can be
   // told. There may be such bytes even when the result was True.
   const vtrfile::FileRead& LastRead() const noexcept;

@@ -42,7 +42,7 @@ struct TarvelVtrOut_InOut::Store {
   std::optional<vtrfile::ReadError> damage;
   vtrfile::FileRead last_read;
   std::optional<vtrfile::Salvaged> last_salvage;
-  std::string last_failure;
+  Failure last_failure;
   std::u16string report_folder;
   const Comparison* last_comparison = nullptr;
   ComparisonCounts counts;

@@ -3,10 +3,12 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <filesystem>
 #include <vector>
 
 #include "exchange/database_schema.h"
 #include "exchange/json_values.h"
+#include "text/utf8.h"
 
 namespace trvtrout::exchange {
 namespace {
@@ -148,7 +150,22 @@ void DatabaseExport::RowInserter::bind_json(int at, std::size_t column, Value va
   made_ == "null" ? insert_.bind_null(at) : insert_.bind_text(at, made_, Lifetime::kCopied);
 }
 
-DatabaseExport::DatabaseExport(const std::string& path, Texts texts) : database_(path), texts_(std::move(texts)) {
+DocumentFile document_file(const std::string& path, std::uint64_t size, std::string sha256) {
+  const std::filesystem::path whole = std::filesystem::weakly_canonical(std::filesystem::absolute(path));
+  return {text::valid_utf8(whole.native()), text::valid_utf8(whole.filename().native()), size, std::move(sha256)};
+}
+
+DatabaseExport::Newcomer::Newcomer(std::string path) : path_(std::move(path)) {
+  std::error_code none;
+  was_there_ = std::filesystem::symlink_status(path_, none).type() != std::filesystem::file_type::not_found;
+}
+
+DatabaseExport::Newcomer::~Newcomer() {
+  std::error_code none;
+  if (!was_there_ && std::filesystem::file_size(path_, none) == 0 && !none) std::filesystem::remove(path_, none);
+}
+
+DatabaseExport::DatabaseExport(const std::string& path, Texts texts) : newcomer_(path), database_(path), texts_(std::move(texts)) {
   database_.execute("PRAGMA foreign_keys = OFF; PRAGMA cache_size = -65536; BEGIN IMMEDIATE");
   require_ours();
   database_.execute(create_tables());
@@ -205,10 +222,12 @@ void DatabaseExport::delete_rows(std::int64_t document) {
   }
 }
 
-void DatabaseExport::put(const DocumentFile& file, const vtrfile::DocumentSlots& document) {
+void DatabaseExport::put(const DocumentFile& file, const vtrfile::DocumentSlots& document,
+                         const std::function<void()>& before_row) {
   const std::int64_t number = put_file(file, document);
   delete_rows(number);
   for_each_row(document, [&](const Row& row) {
+    before_row();
     auto& inserter = inserters_[&row.table];
     if (!inserter) inserter = std::make_unique<RowInserter>(database_, row.table, texts_);
     return inserter->insert(number, row);

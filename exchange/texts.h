@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -16,6 +17,12 @@ class Texts {
 
   Texts(int code_page, Decode decode, Encode encode)
       : code_page_(code_page), decode_(std::move(decode)), encode_(std::move(encode)) {}
+  // By an object with the members decode and encode.
+  template <class CodePage>
+  Texts(int code_page, std::shared_ptr<const CodePage> page)
+      : Texts(
+            code_page, [page](std::string_view bytes) { return page->decode(bytes); },
+            [page](const std::u16string& text) { return page->encode(text); }) {}
 
   int code_page() const noexcept { return code_page_; }
   // What the bytes of a file say; nothing when encoding that wouldn't give the same bytes. The view holds until the

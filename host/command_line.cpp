@@ -129,16 +129,22 @@ ExitStatus finish(ExitStatus status) {
 
 }  // namespace
 
+std::unique_ptr<CLI::App> make_app(Request& request) {
+  auto app = std::make_unique<CLI::App>(kDescription, "vtrout");
+  app->set_version_flag("--version", "vtrout " VTROUT_VERSION);
+  app->require_subcommand(1);
+  for (const Subcommand& subcommand : subcommands()) add(*app, subcommand, request);
+  return app;
+}
+
 ExitStatus run_command_line(int argc, const char* const* argv) {
   if (argc < 2) {
     print_short_help();
     return kTrouble;
   }
-  CLI::App app(kDescription, "vtrout");
-  app.set_version_flag("--version", "vtrout " VTROUT_VERSION);
-  app.require_subcommand(1);
   Request request;
-  for (const Subcommand& subcommand : subcommands()) add(app, subcommand, request);
+  const std::unique_ptr<CLI::App> made = make_app(request);
+  CLI::App& app = *made;
   std::string help = "vtrout help";
   try {
     const std::vector<std::string> arguments = arguments_of(argc, argv);

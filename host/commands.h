@@ -3,18 +3,23 @@
 #include <string>
 #include <vector>
 
+#include "host/batch/inputs.h"
 #include "host/machine.h"
 
+// What each subcommand does. Those with InputOptions do it for all files that these name: for one as the function of
+// one file says, for several each on its own, in a run that tells them in order.
 namespace trvtrout::host {
 
 struct InfoTask {
   std::string file;
   bool json = false;
-  bool salvage = false;  // of a damaged file, what can be saved of it
+  bool salvage = false;          // of a damaged file, what can be saved of it
+  bool follows_another = false;  // file of which people were told
 };
 
 // `vtrout info`: what the file holds, and how each list's numbers stand beside a recount.
 ExitStatus info(const Settings& settings, const InfoTask& task);
+ExitStatus info_files(const Settings& settings, const InputOptions& options, const InfoTask& task);
 
 struct ReportTask {
   std::string file;
@@ -27,6 +32,7 @@ struct ReportTask {
 
 // `vtrout report`: the detail reports, beside the file, in a folder or in the sheets of a workbook.
 ExitStatus report(const Settings& settings, const ReportTask& task);
+ExitStatus report_files(const Settings& settings, const InputOptions& options, const ReportTask& task);
 
 struct ComparisonTask {
   std::string primary, secondary;
@@ -80,8 +86,9 @@ ExitStatus statistics(const Settings& settings, const StatisticsTask& task);
 
 struct RecoveryTask {
   std::string file;
-  std::string output;  // empty: a name beside the file
-  std::string log;     // empty: none
+  std::string output;      // empty: a name beside the file
+  std::string output_dir;  // for a name in this folder in place of that one; empty for none
+  std::string log;         // empty: none
   bool json = false;
   bool first_damage = false;  // only what stands in front of it
   std::string unexplained;    // a folder for the bytes of which nothing can be told; empty: none
@@ -91,6 +98,7 @@ struct RecoveryTask {
 // itself is never written, and one that stands where the new one goes is replaced only when the new one is complete.
 // kRemarkable when something was lost, kTrouble when nothing was written.
 ExitStatus recover(const Settings& settings, const RecoveryTask& task);
+ExitStatus recover_files(const Settings& settings, const InputOptions& options, const RecoveryTask& task);
 
 enum class ExportForm { kNone, kJson, kLines, kDatabase };
 

@@ -185,7 +185,7 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
   if (task.json) {
     print_json(task, results, *both, status);
   } else if (task.summary || !settings.quiet) {
-    print_table(task.summary ? std::cout : std::cerr, results, both->counts.beside);
+    print_table(task.summary ? out() : err(), results, both->counts.beside);
   }
   return status;
 }

@@ -5,14 +5,14 @@
 #include <optional>
 #include <unistd.h>
 
+#include "differences/difference_counts.h"
+#include "differences/path_filter.h"
+#include "exchange/differences_json.h"
 #include "host/commands.h"
-#include "host/diff_json.h"
-#include "host/difference_counts.h"
 #include "host/exchanged_texts.h"
 #include "host/new_file.h"
 #include "host/output_buffer.h"
 #include "host/page/differences_page.h"
-#include "host/path_filter.h"
 #include "host/read_whole.h"
 #include "host/terminal/differences_text.h"
 #include "host/terminal/paged_output.h"
@@ -26,6 +26,8 @@ namespace trvtrout::host {
 namespace {
 
 using differences::Difference;
+using differences::DifferenceCounts;
+using differences::PathFilter;
 using differences::Tell;
 
 // Two documents, and which of their differences are asked for.
@@ -98,7 +100,7 @@ bool colors_wanted(ColorWhen when) {
 // What is asked for, one pattern each; none when all is.
 std::vector<std::string> patterns_of(const DiffTask& task) {
   std::vector<std::string> only = task.only;
-  for (const std::string& part : task.parts) std::ranges::copy(patterns_of_part(part), std::back_inserter(only));
+  for (const std::string& part : task.parts) std::ranges::copy(differences::patterns_of_part(part), std::back_inserter(only));
   return only;
 }
 
@@ -186,10 +188,11 @@ bool show(const Settings& settings, const DiffTask& task, Machine& machine, cons
           const FilePair& files, const Counted& counted) {
   const auto of_header = [&](const Tell& tell) { documents.of_header(tell); };
   const auto of_document = [&](const Tell& tell) { documents.of_document(tell); };
-  const DifferencesHead head{files.old_name, files.new_name, counted.of_document};
+  const exchange::DifferencesHead head{files.old_name, files.new_name, counted.of_document};
   const auto write_json = [&](std::ostream& out) {
     exchange::Texts texts = texts_of(settings.code_page);
-    write_differences_json(out, texts, head, of_header, of_document);
+    exchange::JsonWriter json(out);
+    exchange::write_differences(json, texts, head, of_header, of_document);
   };
   if (!task.html.empty()) return write_page(machine, task, files, counted.of_document, write_json);
   if (task.json) {

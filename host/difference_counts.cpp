@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <numeric>
 #include <vector>
 
 #include "compare/compared_lists.h"
@@ -72,26 +71,6 @@ bool is_compared(const Difference& difference) {
 }
 
 }  // namespace
-
-void DifferenceCounts::add(const Difference& difference) {
-  ++of_kind[static_cast<std::size_t>(difference.kind)];
-  if (difference.is_bookkeeping()) ++bookkeeping;
-}
-
-std::size_t DifferenceCounts::all() const { return std::reduce(of_kind.begin(), of_kind.end()); }
-
-std::string DifferenceCounts::text() const {
-  const std::size_t count = all();
-  std::string text = std::to_string(count) + (count == 1 ? " difference" : " differences");
-  const char* between = ": ";
-  for (std::size_t kind = 0; kind < of_kind.size(); ++kind) {
-    if (of_kind[kind] == 0) continue;
-    text += between + std::to_string(of_kind[kind]) + ' ' + differences::kKindNames[kind];
-    between = ", ";
-  }
-  if (bookkeeping > 0) text += "; " + std::to_string(bookkeeping) + " of them only bookkeeping";
-  return text;
-}
 
 CountsBesideComparisons differences_beside_comparisons(const vtrfile::DocumentSlots& old_document,
                                                        const vtrfile::DocumentSlots& new_document) {

@@ -1,24 +1,11 @@
 #pragma once
 
-#include <array>
-#include <cstddef>
-#include <string>
-
-#include "differences/differences.h"
+#include "differences/difference_counts.h"
 #include "vtrfile/document.h"
 
 namespace trvtrout::host {
 
-// How many differences of each kind there are.
-struct DifferenceCounts {
-  std::array<std::size_t, differences::kKinds> of_kind = {};
-  std::size_t bookkeeping = 0;  // of them
-
-  void add(const differences::Difference& difference);
-  std::size_t all() const;
-  // "3 differences: 2 changed, 1 added; 1 of them only bookkeeping"
-  std::string text() const;
-};
+using differences::DifferenceCounts;
 
 struct CountsBesideComparisons {
   DifferenceCounts all;

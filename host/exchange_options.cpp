@@ -1,5 +1,7 @@
 #include "host/exchange_options.h"
 
+#include "host/options.h"
+
 namespace trvtrout::host {
 namespace {
 
@@ -14,13 +16,15 @@ CLI::Option* add_form(CLI::App& command, const char* name, ExportTask& task, Exp
             task.output = output;
           },
           description)
-      ->check(check_path);
+      ->check(check_path, "", kTakesFile);
 }
 
 }  // namespace
 
 void add_export_options(CLI::App& command, ExportTask& task, CheckPath check_path) {
-  command.add_option("FILE", task.files, "A VTR file; several for --ndjson and --sqlite")->check(check_path);
+  command.add_option("FILE", task.files, "A VTR file; several for --ndjson and --sqlite")
+      ->type_name("")
+      ->check(check_path, "", kTakesFile);
   auto& forms = *command.add_option_group("Forms", "One of these is wanted");
   forms.require_option(1);
   const auto optional = [](CLI::Option* option) { return option->expected(0, 1)->option_text("[OUT]"); };
@@ -38,8 +42,12 @@ void add_export_options(CLI::App& command, ExportTask& task, CheckPath check_pat
 void add_import_options(CLI::App& command, ImportTask& task, CheckPath check_path) {
   command.add_option("DOC", task.document, "A document as vtrout export --json writes it")
       ->required()
-      ->check(check_path);
-  command.add_option("OUT", task.output, "The VTR file to write")->required()->check(check_path);
+      ->type_name("")
+      ->check(check_path, "", kTakesFile);
+  command.add_option("OUT", task.output, "The VTR file to write")
+      ->required()
+      ->type_name("")
+      ->check(check_path, "", kTakesFile);
 }
 
 }  // namespace trvtrout::host

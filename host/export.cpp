@@ -1,18 +1,17 @@
 #include <algorithm>
-#include <filesystem>
 
 #include "exchange/database_export.h"
 #include "exchange/json_document.h"
 #include "exchange/lines.h"
 #include "host/commands.h"
-#include "host/document_kind.h"
+#include "component/document_kind.h"
 #include "host/exchanged_texts.h"
 #include "host/new_file.h"
 #include "host/read_saving.h"
 #include "platform/files/path.h"
 #include "platform/files/sha256.h"
 #include "platform/files/staged_files.h"
-#include "text/surrogates.h"
+#include "text/utf8.h"
 
 namespace trvtrout::host {
 namespace {
@@ -71,19 +70,6 @@ ExitStatus write_json(Machine& machine, const Settings& settings, const ExportTa
   return documents.status();
 }
 
-// A name's bytes need be no UTF-8.
-std::string as_utf8(const std::string& name) {
-  std::u16string units = text::from_utf8(name);
-  for (std::size_t at = 0; at < units.size(); ++at) {
-    if (text::is_pair_at(units, at)) {
-      ++at;
-    } else if ((units[at] & 0xF800) == 0xD800) {
-      units[at] = u'\uFFFD';
-    }
-  }
-  return text::to_utf8(units);
-}
-
 ExitStatus write_lines(Machine& machine, const Settings& settings, const ExportTask& task,
                        const exchange::JsonWriter::Sink& sink) {
   Documents documents(machine, task.salvage);
@@ -92,7 +78,7 @@ ExitStatus write_lines(Machine& machine, const Settings& settings, const ExportT
   for (const std::string& file : task.files) {
     const auto utility = documents.read_whole(file);
     if (!utility) return kTrouble;
-    exchange::write_lines(json, texts, as_utf8(file), utility->CurrentSlots());
+    exchange::write_lines(json, texts, text::valid_utf8(file), utility->CurrentSlots());
   }
   json.flush();
   return documents.status();
@@ -132,34 +118,15 @@ ExitStatus export_text(Machine& machine, const ExportTask& task, Write write) {
   return status;
 }
 
-// The file as the database knows it, by whatever name it was given.
 exchange::DocumentFile file_in_database(Files& files, const std::string& file) {
-  const std::filesystem::path path = std::filesystem::weakly_canonical(std::filesystem::absolute(file));
   const auto bytes = files.OpenBinary(platform::class_path(file));
   const auto digest = platform::sha256([&](std::span<unsigned char> into) { return bytes->Read(into); });
-  return {as_utf8(path), as_utf8(path.filename()), bytes->Size(), platform::hex(digest)};
+  return exchange::document_file(file, bytes->Size(), platform::hex(digest));
 }
-
-// A database that wasn't there isn't left behind empty.
-class NewDatabase {
- public:
-  explicit NewDatabase(std::string path) : path_(std::move(path)), was_there_(platform::name_is_taken(path_)) {}
-  ~NewDatabase() {
-    std::error_code none;
-    if (!was_there_ && std::filesystem::file_size(path_, none) == 0 && !none) std::filesystem::remove(path_, none);
-  }
-  NewDatabase(const NewDatabase&) = delete;
-  NewDatabase& operator=(const NewDatabase&) = delete;
-
- private:
-  std::string path_;
-  bool was_there_;
-};
 
 ExitStatus export_to_database(Machine& machine, const Settings& settings, const ExportTask& task) {
   Files& files = machine.services().files;
   if (is_document(files, task)) return kTrouble;
-  const NewDatabase database(task.output);
   exchange::DatabaseExport target(task.output, texts_of(settings.code_page));
   Documents documents(machine, task.salvage);
   for (const std::string& file : task.files) {

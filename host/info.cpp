@@ -19,7 +19,7 @@ using vtrfile::ListInfo;
 constexpr int kTitleWidth = 25;
 
 void print_line(const std::string& title, const std::string& value) {
-  std::cout << std::left << std::setw(kTitleWidth) << title << value << '\n';
+  out() << std::left << std::setw(kTitleWidth) << title << value << '\n';
 }
 
 // A text of the file, with its title for people and its key for programs.
@@ -55,16 +55,16 @@ void print(const DocumentSlots& document, Locale& locale, const std::string& fil
       print_line(text.title, platform::printable_line(locale.Decode(text.text.bytes())));
     }
   }
-  std::cout << '\n' << std::left << std::setw(kTitleWidth) << "List" << std::right;
-  for (const char* head : {"Count", "Current", "Max", "Recounted"}) std::cout << std::setw(10) << head;
-  std::cout << "  Result\n";
+  out() << '\n' << std::left << std::setw(kTitleWidth) << "List" << std::right;
+  for (const char* head : {"Count", "Current", "Max", "Recounted"}) out() << std::setw(10) << head;
+  out() << "  Result\n";
   for (const DocumentList& list : vtrfile::document_lists()) {
     const ListInfo info = list.recount(document);
-    std::cout << std::left << std::setw(kTitleWidth) << list.title << std::right;
+    out() << std::left << std::setw(kTitleWidth) << list.title << std::right;
     for (const auto& number : {info.count, info.current, info.max}) {
-      std::cout << std::setw(10) << (number ? std::to_string(*number) : "-");
+      out() << std::setw(10) << (number ? std::to_string(*number) : "-");
     }
-    std::cout << std::setw(10) << info.size << "  " << printable(result_of(list, info)) << '\n';
+    out() << std::setw(10) << info.size << "  " << printable(result_of(list, info)) << '\n';
   }
 }
 
@@ -123,11 +123,12 @@ ExitStatus info(const Settings& settings, const InfoTask& task) {
   if (task.json) {
     print_json(utility, machine.locale(), task.file, structure_list);
   } else {
+    if (task.follows_another) out() << '\n';
     print(utility.CurrentSlots(), machine.locale(), task.file);
-    if (utility.LastDamage()) std::cout << '\n' << printable(structure_list) << '\n';
-    if (utility.LastSalvage()) print_salvage(std::cout << '\n', *utility.LastSalvage(), machine.locale());
+    if (utility.LastDamage()) out() << '\n' << printable(structure_list) << '\n';
+    if (utility.LastSalvage()) print_salvage(out() << '\n', *utility.LastSalvage(), machine.locale());
   }
-  std::cout.flush();
+  out().flush();
   if (utility.LastDamage()) complain(task.file + ": " + damage_text(*utility.LastDamage()));
   const std::string broken = broken_lists(utility.CurrentSlots());
   if (broken.empty()) return status;

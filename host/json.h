@@ -1,8 +1,9 @@
 #pragma once
 
-#include <iostream>
 #include <nlohmann/json.hpp>
+#include <string>
 
+#include "host/console.h"
 #include "vtrfile/part_read.h"
 #include "vtrfile/read_error.h"
 
@@ -23,12 +24,12 @@ inline Json gaps_json(const std::vector<vtrfile::Gap>& gaps) {
   return all;
 }
 
-// To stdout, with the head of each form in front: which subcommand's it is, and its version. A file's name can hold
-// bytes that are no UTF-8.
+// To stdout, with the head of each form in front: which subcommand's it is, and its version. That of one file of many
+// stands on one line. A file's name can hold bytes that are no UTF-8.
 inline void show_json(const std::string& subcommand, const Json& content) {
   Json whole = {{"form", "vtrout-" + subcommand}, {"version", 1}};
   whole.update(content);
-  std::cout << whole.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+  out() << whole.dump(CaughtOutput::is_catching() ? -1 : 2, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 
 }  // namespace trvtrout::host

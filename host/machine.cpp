@@ -4,7 +4,7 @@
 #include <string_view>
 #include <unistd.h>
 
-#include "host/document_kind.h"
+#include "component/document_kind.h"
 #include "host/workbook_target.h"
 #include "platform/console/printable.h"
 #include "platform/files/path.h"
@@ -25,7 +25,7 @@ bool can_erase() {
   return isatty(STDERR_FILENO) != 0 && terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb";
 }
 
-const char* line_start() { return can_erase() ? kEraseLine : ""; }
+const char* line_start() { return !CaughtOutput::is_catching() && can_erase() ? kEraseLine : ""; }
 
 }  // namespace
 
@@ -33,17 +33,19 @@ Machine::Machine(const Settings& settings, Output output)
     : output_(output == Output::kFiles  ? static_cast<Files&>(report_files_)
               : output == Output::kNone ? static_cast<Files&>(no_files_)
                                         : held_files_),
-      message_box_(settings.overwrite, std::cin, std::cerr, person_is_there(), line_start()),
-      save_dialog_(output_, std::cin, std::cerr, person_is_there()),
+      message_box_(settings.overwrite, std::cin, err(), person_is_there(), line_start()),
+      save_dialog_(output_, std::cin, err(), person_is_there()),
       locale_(settings.code_page) {
   spreadsheet_.set_rules(workbook_rules(settings));
+  message_box_.share(settings.terminal);
 }
 
 void complain(const std::string& line) {
-  std::cerr << line_start() << "vtrout: " << platform::printable_line(text::from_utf8(line)) << '\n';
+  note_complaint(line);
+  err() << line_start() << "vtrout: " << platform::printable_line(text::from_utf8(line)) << '\n';
 }
 
-Progress::Progress() : has_line_(!is_off_ && can_erase()) {}
+Progress::Progress() : has_line_(!is_off_ && !CaughtOutput::is_catching() && can_erase()) {}
 
 void Progress::show(const std::string& doing) {
   if (!has_line_ || (doing.empty() && !shown_)) return;
@@ -86,20 +88,6 @@ ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string
 void complain_of_part(const char* what, const char* part, const std::u16string& path, const std::string& why) {
   const std::string where = platform::machine_path(path);
   complain(std::string("no complete ") + what + ' ' + part + (where.empty() ? "" : " in " + where) + ": " + why);
-}
-
-std::string damage_text(const vtrfile::ReadError& damage) {
-  std::string text = "damaged: reading stopped at byte " + std::to_string(damage.offset()) + ", " + damage.path() +
-                     ": " + damage.found();
-  if (damage.may_begin_at() != damage.offset()) {
-    text += "; the damage may begin earlier, from byte " + std::to_string(damage.may_begin_at()) + " on";
-  }
-  return text;
-}
-
-std::string gap_text(const vtrfile::Gap& gap) {
-  return "damaged: " + std::to_string(gap.end - gap.begin) + " bytes from byte " + std::to_string(gap.begin) +
-         " on were skipped: " + gap.found + "; the damage may begin earlier, and a section may be missing";
 }
 
 }  // namespace trvtrout::host

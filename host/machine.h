@@ -1,8 +1,10 @@
 #pragma once
 
 #include <iostream>
+#include <memory>
 
 #include "component/TarvelVtrOut_InOut.h"
+#include "host/console.h"
 #include "platform/console/console_message_box.h"
 #include "platform/console/console_save_dialog.h"
 #include "platform/console/quiet_message_loop.h"
@@ -13,6 +15,7 @@
 #include "platform/locale/us_locale.h"
 #include "platform/program/spreadsheet_program.h"
 #include "text/utf8.h"
+#include "vtrfile/damage_text.h"
 
 namespace trvtrout::host {
 
@@ -30,6 +33,7 @@ struct Settings {
   bool quiet = false;           // errors and questions alone on stderr
   bool replace_sheets = false;  // of earlier reports, in workbooks
   unsigned wait_seconds = 0;    // for a workbook that another program holds
+  std::shared_ptr<platform::SharedTerminal> terminal = {};  // of many files
 };
 
 // What becomes of the texts that operations write: files, nothing (only the results count), or texts in memory
@@ -98,9 +102,7 @@ ExitStatus read(Machine& machine, TarvelVtrOut_InOut& utility, const std::string
 // One line on stderr: no complete `what` `part`, where its file is if there is one, and why.
 void complain_of_part(const char* what, const char* part, const std::u16string& path, const std::string& why);
 
-// Where the reading of a damaged file broke off, for people.
-std::string damage_text(const vtrfile::ReadError& damage);
-// Which bytes nothing is known about, for people.
-std::string gap_text(const vtrfile::Gap& gap);
+using vtrfile::damage_text;
+using vtrfile::gap_text;
 
 }  // namespace trvtrout::host

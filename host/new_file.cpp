@@ -6,6 +6,16 @@
 
 namespace trvtrout::host {
 
+namespace {
+
+// The path that the new file's name is made of.
+std::u16string named_after(const NewFile& file) {
+  const std::string& path = file.source;
+  return platform::class_path(file.folder.empty() ? path : file.folder + '/' + path.substr(path.rfind('/') + 1));
+}
+
+}  // namespace
+
 std::optional<Target> target_for(const HostServices& services, const NewFile& file) {
   const std::u16string source = platform::class_path(file.source);
   const auto is_source = [&](const std::u16string& path) {
@@ -18,7 +28,7 @@ std::optional<Target> target_for(const HostServices& services, const NewFile& fi
   if (is_given && is_source(platform::class_path(file.given))) return {};
   const OutputName name =
       is_given ? ConfirmOutputFileName(services, source, file.desc_name, platform::class_path(file.given))
-               : GetOutputFileName(services, source, file.desc_name);
+               : GetOutputFileName(services, named_after(file), file.desc_name);
   if (name.path.empty()) {
     complain(file.source + ": " +
              (name.failure.empty() ? "its name has no full stop, so no name can be made from it" : name.failure) +

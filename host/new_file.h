@@ -20,6 +20,7 @@ struct NewFile {
   const std::string& given;   // empty for a name beside the source
   std::u16string desc_name;   // as GetOutputFileName takes it
   const char* option = "";    // how a name is given, if it needn't be: "; give one with --output"
+  std::string folder = {};    // for a name in this folder; empty for beside the source
 };
 
 inline constexpr const char* kNothingWritten = "; nothing was written";

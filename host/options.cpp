@@ -10,16 +10,18 @@
 
 namespace trvtrout::host {
 
-std::string joined(const std::vector<std::string>& names) {
+std::string joined(const std::vector<std::string>& names, const char* separator) {
   std::string text;
-  for (const std::string& name : names) (text += text.empty() ? "" : ", ") += name;
+  for (const std::string& name : names) (text += text.empty() ? "" : separator) += name;
   return text;
 }
 
 namespace {
 
 void add_code_page(CLI::App& command, Settings& settings) {
-  command.add_option("--code-page", settings.code_page, "Code page of the texts in the file")->capture_default_str();
+  command.add_option("--code-page", settings.code_page, "Code page of the texts in the file")
+      ->type_name("NUMBER")
+      ->capture_default_str();
 }
 
 void add_overwrite(CLI::App& command, Settings& settings) {
@@ -35,12 +37,15 @@ void add_overwrite(CLI::App& command, Settings& settings) {
 void add_parts(CLI::App& command, std::vector<std::string>& parts) {
   const std::vector<std::string> names = part_names();
   command.add_option("--part", parts, "Only this part; may be given several times: " + joined(names))
-      ->check([names](const std::string& given) {
-        if (std::ranges::find(names, given) != names.end()) return std::string();
-        const std::string meant = did_you_mean(given, names);
-        throw UsageError("there is no part \"" + given + "\"" +
-                         (meant.empty() ? "; the parts are " + joined(names) : meant));
-      })
+      ->type_name("PART")
+      ->check(
+          [names](const std::string& given) {
+            if (std::ranges::find(names, given) != names.end()) return std::string();
+            const std::string meant = did_you_mean(given, names);
+            throw UsageError("there is no part \"" + given + "\"" +
+                             (meant.empty() ? "; the parts are " + joined(names) : meant));
+          },
+          "", std::string(kTakesOneOf) + joined(names, " "))
       ->take_all()
       ->allow_extra_args(false);
 }
@@ -57,11 +62,15 @@ std::string check_path(const std::string& given) {
 }
 
 void add_file_operand(CLI::App& command, const char* name, std::string& file, const char* description) {
-  command.add_option(name, file, description)->required()->check(check_path);
+  command.add_option(name, file, description)->required()->type_name("")->check(check_path, "", kTakesFile);
 }
 
 CLI::Option* add_file(CLI::App& command, const char* name, std::string& file, const char* description) {
-  return command.add_option(name, file, description)->check(check_path);
+  return command.add_option(name, file, description)->type_name("FILE")->check(check_path, "", kTakesFile);
+}
+
+CLI::Option* add_folder(CLI::App& command, const char* name, std::string& folder, const char* description) {
+  return command.add_option(name, folder, description)->type_name("FOLDER")->check(check_path, "", kTakesFolder);
 }
 
 CLI::Option* add_wait(CLI::App& command, Settings& settings) {
@@ -83,7 +92,29 @@ CLI::Option* add_workbook(CLI::App& command, std::string& workbook, Settings& se
 }
 
 CLI::Option* add_output_dir(CLI::App& command, std::string& folder) {
-  return add_file(command, "--output-dir", folder, "Write the reports into this folder, which must exist");
+  return add_folder(command, "--output-dir", folder, "Write the reports into this folder, which must exist");
+}
+
+void add_run_options(CLI::App& command, InputOptions& inputs) {
+  constexpr unsigned kMostJobs = 128;
+  command.add_flag("--recursive", inputs.recursive, "Of a folder, take the folders in it, too");
+  command.add_option("--jobs", inputs.jobs, "Work on N files at the same time; by default one for each core")
+      ->option_text("N")
+      ->check(CLI::Range(1U, kMostJobs));
+}
+
+void add_log(CLI::App& command, std::string& log) {
+  add_file(command, "--log", log, "Append a line for each file to this text file: exit status, file, why");
+}
+
+// Any number of files and folders.
+void add_inputs(CLI::App& command, InputOptions& inputs, const char* description) {
+  command.add_option("FILE", inputs.operands, description)->check(check_path);
+  command.add_option("--files-from", inputs.files_from,
+                 "Take the files and folders in LIST, too: one to a line, or with zero bytes between them; - for stdin")
+      ->option_text("LIST")
+      ->check(check_path);
+  add_run_options(command, inputs);
 }
 
 void add_salvage(CLI::App& command, bool& salvage) {
@@ -94,7 +125,8 @@ void add_salvage(CLI::App& command, bool& salvage) {
 
 void add_info(CLI::App& command, Request& request) {
   InfoTask& task = request.info;
-  add_file_operand(command, "FILE", task.file, "A VTR file");
+  add_inputs(command, request.inputs, "VTR files, and folders that have some");
+  add_log(command, request.inputs.log);
   add_json(command, task.json);
   add_salvage(command, task.salvage);
   add_code_page(command, request.settings);
@@ -102,7 +134,8 @@ void add_info(CLI::App& command, Request& request) {
 
 void add_report(CLI::App& command, Request& request) {
   ReportTask& task = request.report;
-  add_file_operand(command, "FILE", task.file, "A VTR file");
+  add_inputs(command, request.inputs, "VTR files, and folders that have some");
+  add_log(command, request.inputs.log);
   add_parts(command, task.parts);
   auto* const temporary =
       command.add_flag("--temporary", task.temporary, "Use the temporary name, which has no date in it");
@@ -135,8 +168,9 @@ void add_diff(CLI::App& command, Request& request) {
   DiffTask& task = request.diff;
   command.add_option("FILE", task.arguments, "The VTR files OLD and NEW; or what git gives to such a command")
       ->required()
+      ->type_name("")
       ->expected(1, 9)
-      ->check(check_path);
+      ->check(check_path, "", kTakesFile);
   add_parts(command, task.parts);
   const auto add_patterns = [&](const char* name, std::vector<std::string>& patterns, const char* description) {
     command.add_option(name, patterns, description)->option_text("GLOB")->take_all()->allow_extra_args(false);
@@ -154,6 +188,7 @@ void add_diff(CLI::App& command, Request& request) {
   command.add_option("--color", task.color, "When to use colours: auto, always or never")
       ->option_text("WHEN")
       ->transform(CLI::Transformer(kWhen))
+      ->check(CLI::Validator(), std::string(kTakesOneOf) + "auto always never")
       ->default_str("auto");
   add_salvage(command, task.salvage);
   add_json(command, task.json, "The differences for programs");
@@ -170,12 +205,15 @@ void add_text(CLI::App& command, Request& request) {
 
 void add_recover(CLI::App& command, Request& request) {
   RecoveryTask& task = request.recovery;
-  add_file_operand(command, "FILE", task.file, "A VTR file, damaged or of the old format; it's never changed");
-  add_file(command, "--output", task.output, "The new file; by default a name beside FILE");
-  add_file(command, "--log", task.log, "A text file for the lists of what was read and recovered");
+  add_inputs(command, request.inputs, "VTR files, damaged or of the old format, and folders; they're never changed");
+  auto* const output = add_file(command, "--output", task.output, "The new file; by default a name beside FILE");
+  add_file(command, "--output-dir", task.output_dir, "Write the new files into this folder, which must exist")
+      ->excludes(output);
+  add_file(command, "--log", task.log,
+           "A text file for the lists of what was read and recovered; of several files, append a line for each to it");
   command.add_flag("--first-damage", task.first_damage, "Save only what stands in front of the first damage");
-  add_file(command, "--unexplained", task.unexplained,
-           "Write the bytes of which nothing can be told into this folder, each range to a file");
+  add_folder(command, "--unexplained", task.unexplained,
+             "Write the bytes of which nothing can be told into this folder, each range to a file");
   add_json(command, task.json);
   add_overwrite(command, request.settings);
   add_code_page(command, request.settings);
@@ -185,7 +223,7 @@ void add_statistics(CLI::App& command, Request& request) {
   StatisticsTask& task = request.statistics;
   add_file_operand(command, "WORKBOOK", task.workbook, "An .xls or .xlsx file");
   add_file_operand(command, "REPORT", task.report, "A comma-separated text whose name ends in .csv");
-  command.add_option("SHEET", task.sheet_name, "Name of the new sheet")->required();
+  command.add_option("SHEET", task.sheet_name, "Name of the new sheet")->required()->type_name("");
   add_code_page(command, request.settings);
   add_wait(command, request.settings);
 }

@@ -18,6 +18,7 @@ class UsageError : public std::runtime_error {
 // What the arguments ask for.
 struct Request {
   Settings settings;
+  InputOptions inputs;
   InfoTask info;
   ReportTask report;
   ComparisonTask comparison;
@@ -28,6 +29,12 @@ struct Request {
   ExportTask exported;
   ImportTask imported;
 };
+
+// What an argument takes, for those who complete it: the name of a check. Behind kOneOf stand the values, with blanks
+// between them.
+inline constexpr const char* kTakesFile = "file";
+inline constexpr const char* kTakesFolder = "folder";
+inline constexpr const char* kTakesOneOf = "one of ";
 
 // Each adds the options of one subcommand, which go into its task. Both must outlive the parsing, which raises
 // UsageError for a value that can't be.
@@ -42,6 +49,6 @@ void add_export(CLI::App& command, Request& request);
 void add_import(CLI::App& command, Request& request);
 
 // "a, b, c"
-std::string joined(const std::vector<std::string>& names);
+std::string joined(const std::vector<std::string>& names, const char* separator = ", ");
 
 }  // namespace trvtrout::host

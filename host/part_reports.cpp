@@ -88,12 +88,12 @@ ExitStatus PartReports::run(TarvelVtrOut_InOut& utility, const PartOperation& op
                               [&](const std::u16string& target) { return operation.move(*part, target, path); });
     }
     progress.show({});
-    if (whole && output == Output::kFiles && tells_paths) std::cout << platform::machine_path(path) << std::endl;
+    if (whole && output == Output::kFiles && tells_paths) out() << platform::machine_path(path) << std::endl;
     all_whole = all_whole && whole;
     if (done) done(*part, path, whole);
   }
   if (workbook_) all_whole = finish_workbook(all_whole);
-  if (workbook_ && all_whole && tells_paths) std::cout << workbook_path_ << std::endl;
+  if (workbook_ && all_whole && tells_paths) out() << workbook_path_ << std::endl;
   return all_whole ? kFine : kTrouble;
 }
 

@@ -1,6 +1,6 @@
 #include "host/read_saving.h"
 
-#include "host/document_kind.h"
+#include "component/document_kind.h"
 #include "host/salvage_account.h"
 #include "platform/files/path.h"
 #include "services/guard.h"

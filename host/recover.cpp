@@ -3,13 +3,14 @@
 #include <iostream>
 #include <optional>
 
+#include "component/read_back.h"
 #include "host/commands.h"
 #include "host/json.h"
 #include "host/new_file.h"
-#include "host/read_back.h"
 #include "host/read_saving.h"
 #include "host/recovery_account.h"
 #include "host/salvage_account.h"
+#include "platform/console/printable.h"
 #include "platform/files/path.h"
 #include "platform/files/staged_files.h"
 #include "services/guard.h"
@@ -32,13 +33,13 @@ void print(const KeptList& list, int indent, int width, bool whole) {
   const bool passed = list.test == ListTest::kPassed;
   if (passed && list.announced == 0 && list.kept == 0 && list.surplus == 0 && list.empty == 0) return;
   const std::string margin(static_cast<std::size_t>(indent), ' ');
-  std::cerr << margin << std::left << std::setw(width) << list.title << list.kept << " of " << number_of(list.announced)
+  err() << margin << std::left << std::setw(width) << list.title << list.kept << " of " << number_of(list.announced)
             << " records";
-  if (list.empty > 0) std::cerr << "; " << list.empty << " more slots are announced and are empty in the new file";
-  if (list.test == ListTest::kKept) std::cerr << "; fails its test, and is in the new file as it was read";
-  std::cerr << '\n';
+  if (list.empty > 0) err() << "; " << list.empty << " more slots are announced and are empty in the new file";
+  if (list.test == ListTest::kKept) err() << "; fails its test, and is in the new file as it was read";
+  err() << '\n';
   if (list.surplus == 0) return;
-  std::cerr << margin << std::setw(width) << "" << list.surplus << " more were read beyond those announced"
+  err() << margin << std::setw(width) << "" << list.surplus << " more were read beyond those announced"
             << (whole ? "" : "; they may be what followed the list") << '\n';
 }
 
@@ -49,20 +50,20 @@ void print_remarks(const RecoveryAccount& account) {
     if (!part.tag_texts_kept) (other_texts += other_texts.empty() ? "" : ", ") += part.name;
   }
   if (!other_texts.empty()) {
-    std::cerr << "the texts of these tags are lost, because all tags of the new file get those of the last one: "
+    err() << "the texts of these tags are lost, because all tags of the new file get those of the last one: "
               << other_texts << '\n';
   }
-  std::cerr << "kept " << (account.kept_at_most ? "at most " : "") << account.kept << " of " << account.bytes
+  err() << "kept " << (account.kept_at_most ? "at most " : "") << account.kept << " of " << account.bytes
             << " bytes (" << percent(account.kept, account.bytes) << ")\n";
   if (account.behind_end > 0) {
-    std::cerr << account.behind_end << " bytes after the end tag are not part of the document\n";
+    err() << account.behind_end << " bytes after the end tag are not part of the document\n";
   }
 }
 
 void print(const RecoveryAccount& account) {
   constexpr int kNameWidth = 26, kFateWidth = 30, kNumberWidth = 12, kIndent = 2;
   const auto row = [](const std::string& name, const std::string& fate) -> std::ostream& {
-    return std::cerr << std::left << std::setw(kNameWidth) << name << std::setw(kFateWidth) << fate << std::right
+    return err() << std::left << std::setw(kNameWidth) << name << std::setw(kFateWidth) << fate << std::right
                      << std::setw(kNumberWidth);
   };
   row("part", "outcome") << "bytes read" << std::setw(kNumberWidth) << "kept" << '\n';
@@ -144,7 +145,7 @@ struct Targets {
 std::optional<Targets> targets_of(const HostServices& services, const RecoveryTask& task) {
   constexpr const char* kSourceIs = "the damaged file";
   const auto output =
-      target_for(services, {task.file, kSourceIs, task.output, u"Recovered", "; give one with --output"});
+      target_for(services, {task.file, kSourceIs, task.output, u"Recovered", "; give one with --output", task.output_dir});
   if (!output) return {};
   if (task.log.empty()) return Targets{*output, {}};
   const auto log = target_for(services, {task.file, kSourceIs, task.log, u"Log"});
@@ -189,9 +190,10 @@ void tell(const RecoveryTask& task, const Written& written, const RecoveryAccoun
   if (task.json) {
     print_json(task, written, account, utility, locale);
   } else {
+    if (!quiet && CaughtOutput::is_catching()) err() << platform::printable_line(text::from_utf8(task.file)) << '\n';
     if (!quiet) print(account);
-    if (!quiet && utility.LastSalvage()) print_salvage(std::cerr, *utility.LastSalvage(), locale);
-    std::cout << written.output << std::endl;
+    if (!quiet && utility.LastSalvage()) print_salvage(err(), *utility.LastSalvage(), locale);
+    out() << written.output << std::endl;
   }
 }
 

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "exchange/json_document.h"
-#include "host/diff_json.h"
+#include "exchange/differences_json.h"
 #include "host/exchanged_texts.h"
 
 namespace trvtrout::tests {
@@ -71,11 +71,12 @@ Json json_of(const vtrfile::DocumentSlots& document) {
 Json differences_between(const vtrfile::DocumentSlots& old_document, const vtrfile::DocumentSlots& new_document) {
   std::ostringstream out;
   exchange::Texts texts = host::texts_of(1252);
-  host::DifferencesHead head{"old.vtr", "new.vtr", {}};
+  exchange::DifferencesHead head{"old.vtr", "new.vtr", {}};
   const auto of_document = [&](const differences::Tell& tell) { find_differences(old_document, new_document, tell); };
   of_document([&](const differences::Difference& difference) { head.counts.add(difference); });
-  write_differences_json(
-      out, texts, head, [&](const auto& tell) { find_header_differences(old_document, new_document, tell); },
+  exchange::JsonWriter json(out);
+  exchange::write_differences(
+      json, texts, head, [&](const auto& tell) { find_header_differences(old_document, new_document, tell); },
       of_document);
   return Json::parse(out.str());
 }

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "host/read_back.h"
+#include "component/read_back.h"
 #include "host/recovery_account.h"
 #include "tests/fakes/fake_services.h"
 
@@ -19,7 +19,7 @@ inline std::optional<host::RecoveryAccount> recover_as_command(fakes::Machine& m
   const vtrfile::DocumentSlots before = utility.CurrentSlots();
   std::u16string message;
   if (!utility.RecoverVTR(path, message)) return {};
-  const auto sizes = host::read_back(machine.services(), path, utility.CurrentSlots());
+  const auto sizes = read_back(machine.services(), path, utility.CurrentSlots());
   if (!sizes) return {};
   return host::account_for_recovery(before, utility.CurrentSlots(), read, *sizes);
 }

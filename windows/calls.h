@@ -14,7 +14,6 @@ namespace trvtrout::windows {
 
 // Only a reference has to be there: an empty text may be null.
 inline bool is_there(BSTR) { return true; }
-inline bool is_there(VARIANT_BOOL) { return true; }
 template <class Value>
 bool is_there(Value* reference) {
   return reference != nullptr;

@@ -11,6 +11,13 @@ namespace {
 
 constexpr LCID kLocale = 1033;
 
+// How often a call is made again, and after how many milliseconds, while its object is busy with something else: a
+// program that has just been started may be.
+constexpr int kMaxTries = 100;
+constexpr DWORD kPause = 100;
+
+bool is_busy(HRESULT result) { return result == RPC_E_CALL_REJECTED || result == RPC_E_SERVERCALL_RETRYLATER; }
+
 // What an object says of a call that failed.
 struct Trouble {
   EXCEPINFO info{};
@@ -87,8 +94,12 @@ Variant Dispatched::invoke_all(WORD kind, Member member, std::span<Variant> argu
                         put ? 1U : 0U};
   Trouble trouble;
   Variant result;
-  const HRESULT outcome =
-      object_->Invoke(id, IID_NULL, kLocale, kind, &parameters, put ? nullptr : result.out(), &trouble.info, nullptr);
+  HRESULT outcome = S_OK;
+  for (int tries = 1;; ++tries, Sleep(kPause)) {
+    outcome =
+        object_->Invoke(id, IID_NULL, kLocale, kind, &parameters, put ? nullptr : result.out(), &trouble.info, nullptr);
+    if (!is_busy(outcome) || tries == kMaxTries) break;
+  }
   if (FAILED(outcome)) trouble.raise(outcome, told(member));
   return result;
 }

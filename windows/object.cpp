@@ -125,8 +125,7 @@ HRESULT ComponentObject::XL_Output_Compared(BSTR XLFname, BSTR ASCIIFname, BSTR 
                                             _TarvelVtrOut_InOut* objPrim, _TarvelVtrOut_InOut* objSec,
                                             VARIANT_BOOL Color, VARIANT_BOOL* result) {
   if (!result) return E_POINTER;
-  return at_boundary([&] {
-    SetErrorInfo(0, nullptr);
+  return operate([&] {
     const std::u16string workbook = text_of(XLFname), report = text_of(ASCIIFname), sheet = text_of(StrSheetName);
     const auto failure = export_comparison(services_.spreadsheet, {workbook, report, sheet}, recount_of(objPrim),
                                            recount_of(objSec), Boolean{Color});

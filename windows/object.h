@@ -146,11 +146,19 @@ class ComponentObject final : public _TarvelVtrOut_InOut, public ISupportErrorIn
   // Only Release destroys it.
   ~ComponentObject() = default;
 
-  template <class Operation, class Returned, class... Given>
-  HRESULT run(Operation operation, Returned* result, Given... given) noexcept {
+  // body() with what every operation has around it.
+  template <class Body>
+  HRESULT operate(Body&& body) noexcept {
     return at_boundary([&] {
+      // The message loop, a box or another program may have the host release the object meanwhile.
       const ComPtr<IUnknown> stays(static_cast<_TarvelVtrOut_InOut*>(this));
       SetErrorInfo(0, nullptr);
+      return body();
+    });
+  }
+  template <class Operation, class Returned, class... Given>
+  HRESULT run(Operation operation, Returned* result, Given... given) noexcept {
+    return operate([&] {
       const HRESULT outcome = call(utility_, operation, result, given...);
       if constexpr (std::is_same_v<Returned, VARIANT_BOOL>) {
         if (SUCCEEDED(outcome) && *result == VARIANT_FALSE) tell(utility_.LastFailure());

@@ -40,10 +40,15 @@ MessageAnswer ConsoleMessageBox::answer(const std::string& question) {
          << std::flush;
     return MessageAnswer::kCancel;
   }
+  if (terminal_) {
+    if (!terminal_->take_turn()) return MessageAnswer::kCancel;
+    if (terminal_->all_agreed_to) return MessageAnswer::kYes;
+  }
   switch (ask_letter(in_, out_,
                      line_start_ + question + " [y]es, yes to [a]ll, [n]o (name another file), [c]ancel: ", "yanc")) {
     case 'a':
       overwrite_ = Overwrite::kYes;
+      if (terminal_) terminal_->all_agreed_to = true;
       return MessageAnswer::kYes;
     case 'y':
       return MessageAnswer::kYes;

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <atomic>
+#include <functional>
 #include <iosfwd>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
@@ -11,6 +14,12 @@ namespace trvtrout::platform {
 
 // What is answered to a question whether a file may be overwritten.
 enum class Overwrite { kAsk, kYes, kNever };
+
+// What the boxes of several threads at one terminal have in common.
+struct SharedTerminal {
+  std::function<bool()> take_turn;          // waits until the calling thread may ask; false when it may no more
+  std::atomic<bool> all_agreed_to = false;  // "all" was answered
+};
 
 // Message boxes as lines of a terminal. Without a person at it (`interactive` false) kAsk overwrites nothing.
 // The answer "all" stands for kYes from then on.
@@ -23,6 +32,8 @@ class ConsoleMessageBox : public MessageBox {
 
   // What the messages are about; stands in front of them in place of their titles.
   void set_subject(std::u16string subject) { subject_ = std::move(subject); }
+
+  void share(std::shared_ptr<SharedTerminal> terminal) { terminal_ = std::move(terminal); }
 
   // Why each file that exists is left as it is, for people; null when it depends on an answer, or on none.
   const char* keeps_files() const;
@@ -39,6 +50,7 @@ class ConsoleMessageBox : public MessageBox {
   bool interactive_;
   std::string line_start_;
   std::u16string subject_;
+  std::shared_ptr<SharedTerminal> terminal_;
 };
 
 }  // namespace trvtrout::platform

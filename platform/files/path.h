@@ -19,5 +19,7 @@ inline constexpr const char* kNoClassPath = "a path can't contain a backslash; r
 
 // A path beside a file of the machine that no other file has. The name is short: the file's may be as long as can be.
 std::string temporary_path_beside(const std::string& machine_path);
+// Whether a file of this name, without folders, is such a one.
+bool is_temporary_name(std::string_view name);
 
 }  // namespace trvtrout::platform

@@ -47,6 +47,7 @@ void require_writable_folder(const std::string& folder) {
   const Unfinished unfinished(trial);
   const int descriptor = open(trial.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
   if (descriptor < 0) raise_file_error(errno, folder, kFolderVerb);
+  unfinished.is_there();
   close(descriptor);
   unlink(trial.c_str());
 }
@@ -62,7 +63,9 @@ Replacement::Replacement(const std::string& path, std::string model, const std::
       model_(std::move(model)),
       temporary_path_(temporary_path_beside(path_)),
       unfinished_(temporary_path_),
-      file_(temporary_path_, kVerb, Access::kWrite, Creation::kOnlyNew, told_as_) {}
+      file_(temporary_path_, kVerb, Access::kWrite, Creation::kOnlyNew, told_as_) {
+  unfinished_->is_there();
+}
 
 Replacement::~Replacement() {
   if (!temporary_path_.empty()) unlink(temporary_path_.c_str());

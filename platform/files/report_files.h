@@ -37,6 +37,8 @@ class ReportFiles : public Files {
   void pass_over(const std::u16string& path) { passed_over_ = path; }
   // Puts the text in its place. One that isn't `whole` is put only where nothing stood. Raises ServiceError.
   Placed place(bool whole);
+  // Nothing comes of the text created last; what stood there is as it was.
+  void give_up() { staged_.reset(); }
 
  private:
   class FileSystem;

@@ -15,7 +15,8 @@ struct Place {
   std::atomic<Use> use{Use::kFree};
   char path[PATH_MAX];
 };
-Place places[8];
+Place places[512];
+std::atomic<bool> removed = false;
 
 }  // namespace
 
@@ -36,7 +37,14 @@ Unfinished::~Unfinished() {
   if (place_ < std::size(places)) places[place_].use = Use::kFree;
 }
 
+void Unfinished::is_there() const {
+  if (!removed) return;
+  if (place_ < std::size(places)) unlink(places[place_].path);
+  for (;;) pause();
+}
+
 void remove_unfinished() noexcept {
+  removed = true;
   for (const Place& place : places) {
     if (place.use == Use::kNamed) unlink(place.path);
   }

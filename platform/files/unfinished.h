@@ -13,6 +13,10 @@ class Unfinished {
   Unfinished(const Unfinished&) = delete;
   Unfinished& operator=(const Unfinished&) = delete;
 
+  // To be called once the file is there. If all such files were removed meanwhile, because the program is about to end,
+  // this one goes too, and its thread comes no further.
+  void is_there() const;
+
  private:
   std::size_t place_;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <atomic>
 #include <zip.h>
 
 // libzip's functions under their own names, for the namespace that includes this. The library brings a dozen megabytes
@@ -18,13 +19,18 @@ class LoadedFunction<Result(Arguments...)> {
   explicit constexpr LoadedFunction(const char* name) : name_(name) {}
 
   Result operator()(Arguments... arguments) const {
-    if (function_ == nullptr) function_ = reinterpret_cast<Result (*)(Arguments...)>(zip_function(name_));
-    return function_(arguments...);
+    // Threads that come at once all find the same address.
+    auto function = function_.load(std::memory_order_relaxed);
+    if (function == nullptr) {
+      function = reinterpret_cast<Result (*)(Arguments...)>(zip_function(name_));
+      function_.store(function, std::memory_order_relaxed);
+    }
+    return function(arguments...);
   }
 
  private:
   const char* name_;
-  mutable Result (*function_)(Arguments...) = nullptr;
+  mutable std::atomic<Result (*)(Arguments...)> function_{nullptr};
 };
 
 // NOLINTNEXTLINE(bugprone-macro-parentheses): it's a declaration's name

@@ -1,19 +1,17 @@
-#include "host/diff_json.h"
+#include "exchange/differences_json.h"
 
 #include "exchange/json_values.h"
-#include "exchange/json_writer.h"
 #include "text/utf8.h"
 
-namespace trvtrout::host {
+namespace trvtrout::exchange {
 namespace {
 
 using differences::Difference;
 using differences::Kind;
-using exchange::JsonWriter;
 
 class DifferencesWriter {
  public:
-  DifferencesWriter(std::ostream& out, exchange::Texts& texts) : json_(out), texts_(texts) {}
+  DifferencesWriter(JsonWriter& json, Texts& texts) : json_(json), texts_(texts) {}
 
   void whole(const DifferencesHead& head, const DifferenceSource& of_header, const DifferenceSource& of_document) {
     json_.begin_object();
@@ -87,15 +85,15 @@ class DifferencesWriter {
     json_.end_object();
   }
 
-  JsonWriter json_;
-  exchange::Texts& texts_;
+  JsonWriter& json_;
+  Texts& texts_;
 };
 
 }  // namespace
 
-void write_differences_json(std::ostream& out, exchange::Texts& texts, const DifferencesHead& head,
-                            const DifferenceSource& of_header, const DifferenceSource& of_document) {
-  DifferencesWriter(out, texts).whole(head, of_header, of_document);
+void write_differences(JsonWriter& json, Texts& texts, const DifferencesHead& head, const DifferenceSource& of_header,
+                       const DifferenceSource& of_document) {
+  DifferencesWriter(json, texts).whole(head, of_header, of_document);
 }
 
-}  // namespace trvtrout::host
+}  // namespace trvtrout::exchange

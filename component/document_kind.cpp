@@ -1,4 +1,4 @@
-#include "host/document_kind.h"
+#include "component/document_kind.h"
 
 #include <algorithm>
 #include <memory_resource>
@@ -8,7 +8,7 @@
 #include "vtrfile/record_reader.h"
 #include "vtrfile/records/header.h"
 
-namespace trvtrout::host {
+namespace trvtrout {
 namespace {
 
 bool is_version(std::string_view text) {
@@ -44,4 +44,4 @@ bool begins_as_document(Files& files, const std::u16string& path) {
   return false;
 }
 
-}  // namespace trvtrout::host
+}  // namespace trvtrout

@@ -1,4 +1,4 @@
-#include "host/path_filter.h"
+#include "differences/path_filter.h"
 
 #include <algorithm>
 #include <map>
@@ -7,7 +7,7 @@
 
 #include "vtrfile/value_types.h"
 
-namespace trvtrout::host {
+namespace trvtrout::differences {
 namespace {
 
 using Steps = std::vector<std::string>;
@@ -120,10 +120,10 @@ std::vector<Steps> checked(const std::vector<std::string>& patterns) {
 PathFilter::PathFilter(const std::vector<std::string>& only, const std::vector<std::string>& ignore)
     : only_(checked(only)), ignore_(checked(ignore)) {}
 
-bool PathFilter::chooses(const differences::Difference& difference) const {
+bool PathFilter::chooses(const Difference& difference) const {
   if (only_.empty() && ignore_.empty()) return true;
-  const bool in_old = difference.kind != differences::Kind::kAdded;
-  const differences::Place& place = difference.place;
+  const bool in_old = difference.kind != Kind::kAdded;
+  const Place& place = difference.place;
   const Steps path = steps_of(in_old ? old_path(place) : new_path(place));
   const vtrfile::ValueType& type = (in_old ? place.old_value : place.new_value).type();
   const auto contains = [&](const Pattern& pattern) {
@@ -153,4 +153,4 @@ std::vector<std::string> patterns_of_part(const std::string& part) {
   return kPatterns.at(part);
 }
 
-}  // namespace trvtrout::host
+}  // namespace trvtrout::differences

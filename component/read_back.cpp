@@ -1,4 +1,4 @@
-#include "host/read_back.h"
+#include "component/read_back.h"
 
 #include <algorithm>
 #include <memory>
@@ -8,7 +8,7 @@
 #include "vtrfile/record_writer.h"
 #include "vtrfile/sections.h"
 
-namespace trvtrout::host {
+namespace trvtrout {
 namespace {
 
 using vtrfile::PartRead;
@@ -58,6 +58,38 @@ std::optional<vtrfile::FileRead> read_whole(const HostServices& services, std::u
   return reader.LastRead();
 }
 
+// Whether the file holds these bytes and no other.
+bool holds(BinaryFile& file, const std::vector<std::string>& pieces) {
+  constexpr std::size_t kRoom = 65536;
+  std::string room(kRoom, '\0');
+  const auto read = [&](std::size_t size) {
+    return file.Read({reinterpret_cast<unsigned char*>(room.data()), std::min(size, kRoom)});
+  };
+  for (const std::string& piece : pieces) {
+    for (std::size_t at = 0; at < piece.size();) {
+      const std::size_t count = read(piece.size() - at);
+      if (count == 0 || piece.compare(at, count, room, 0, count) != 0) return false;
+      at += count;
+    }
+  }
+  return read(1) == 0;
+}
+
+// Whether the file reads to its end, each part where its piece was written.
+bool reads_as_written(const HostServices& services, std::u16string& path, const std::vector<std::string>& pieces) {
+  const auto read = read_whole(services, path);
+  if (!read || !read->gaps.empty()) return false;
+  const auto& parts = read->parts;
+  if (parts.size() != pieces.size() / 2 + 1) return false;
+  std::uint64_t end = pieces.front().size();
+  for (std::size_t part = 0; part < parts.size(); ++part) {
+    if (part > 0) end += pieces[2 * part - 1].size();
+    if (part > 0 && part + 1 < parts.size()) end += pieces[2 * part].size();
+    if (!parts[part].whole || parts[part].end != end) return false;
+  }
+  return true;
+}
+
 }  // namespace
 
 std::optional<std::vector<std::uint64_t>> read_back(const HostServices& services, std::u16string path,
@@ -77,4 +109,8 @@ std::optional<std::vector<std::uint64_t>> read_back(const HostServices& services
   return same ? std::optional(sizes) : std::nullopt;
 }
 
-}  // namespace trvtrout::host
+bool reads_back(const HostServices& services, std::u16string path, const std::vector<std::string>& pieces) {
+  return holds(*services.files.OpenBinary(path), pieces) && reads_as_written(services, path, pieces);
+}
+
+}  // namespace trvtrout

@@ -7,7 +7,7 @@
 
 #include "differences/differences.h"
 
-namespace trvtrout::host {
+namespace trvtrout::differences {
 
 // Chooses differences by their paths. In a pattern "*" stands for any characters of a step, "?" for one, "**" for any
 // steps; it matches a value with all that is in it.
@@ -18,7 +18,7 @@ class PathFilter {
   PathFilter(const std::vector<std::string>& only, const std::vector<std::string>& ignore);
 
   // An item that was removed, added or moved is chosen, too, when it contains what `only` names.
-  bool chooses(const differences::Difference& difference) const;
+  bool chooses(const Difference& difference) const;
 
  private:
   using Pattern = std::vector<std::string>;
@@ -34,4 +34,4 @@ class UnknownPath : public std::runtime_error {
 // The patterns of the parts of which there are comparisons; raises std::out_of_range for a name of none.
 std::vector<std::string> patterns_of_part(const std::string& part);
 
-}  // namespace trvtrout::host
+}  // namespace trvtrout::differences
