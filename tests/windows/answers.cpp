@@ -106,8 +106,7 @@ void Answers::answer(HWND dialog) {
   if (!answers_.empty()) answers_.pop_front();
   shown_.push_back(read(dialog));
   answered_.push_back(dialog);
-  if (!given.path.empty())
-    SendMessageW(field_of(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(given.path.c_str()));
+  if (!given.path.empty()) SendMessageW(field_of(dialog), WM_SETTEXT, 0, reinterpret_cast<LPARAM>(given.path.c_str()));
   PostMessageW(button, BM_CLICK, 0, 0);
 }
 

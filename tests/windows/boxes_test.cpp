@@ -11,7 +11,6 @@ namespace {
 const std::vector<int> kYesNoCancel = {IDCANCEL, IDYES, IDNO};
 const std::string kMine = "what stood there before";
 
-
 // An object that has read plant.vtr from a folder of its own.
 struct Reader {
   Folder folder;

@@ -1,9 +1,10 @@
+#include "tests/windows/jobs.h"
+
 #include <cstring>
 #include <deque>
 #include <gtest/gtest.h>
 
 #include "tests/support.h"
-#include "tests/windows/jobs.h"
 #include "vtrfile/lists.h"
 
 // What the registered class makes of the sample documents, in the hands of hosts of every kind, beside the approved
@@ -41,16 +42,23 @@ struct ListAccessor {
   const wchar_t* name;
   vtrfile::ListId list;
 };
-constexpr ListAccessor kListAccessors[] = {
-    {L"GetInclInfo", vtrfile::ListId::kIncludeFiles},     {L"GetMdlInfo", vtrfile::ListId::kModules},
-    {L"GetTreInfo", vtrfile::ListId::kTree},              {L"GetTableInfo", vtrfile::ListId::kTables},
-    {L"GetFieldsInfo", vtrfile::ListId::kFields},         {L"GetLookupInfo", vtrfile::ListId::kLookups},
-    {L"GetTagInfo", vtrfile::ListId::kControlTags},       {L"GetLanInfo", vtrfile::ListId::kLanguages},
-    {L"GetDSNInfo", vtrfile::ListId::kDsnList},           {L"GetExtInfo", vtrfile::ListId::kExtendedStorage},
-    {L"GetFmsInfo", vtrfile::ListId::kFieldMatches},      {L"GetIncNewInfo", vtrfile::ListId::kImportFiles},
-    {L"GetRelInfo", vtrfile::ListId::kRelations},         {L"GetResiTblInfo", vtrfile::ListId::kResidualTables},
-    {L"GetHidLookInfo", vtrfile::ListId::kHiddenLookups}, {L"GetHidTableInfo", vtrfile::ListId::kHiddenTables},
-    {L"GetHidFieldsInfo", vtrfile::ListId::kHiddenFields}};
+constexpr ListAccessor kListAccessors[] = {{L"GetInclInfo", vtrfile::ListId::kIncludeFiles},
+                                           {L"GetMdlInfo", vtrfile::ListId::kModules},
+                                           {L"GetTreInfo", vtrfile::ListId::kTree},
+                                           {L"GetTableInfo", vtrfile::ListId::kTables},
+                                           {L"GetFieldsInfo", vtrfile::ListId::kFields},
+                                           {L"GetLookupInfo", vtrfile::ListId::kLookups},
+                                           {L"GetTagInfo", vtrfile::ListId::kControlTags},
+                                           {L"GetLanInfo", vtrfile::ListId::kLanguages},
+                                           {L"GetDSNInfo", vtrfile::ListId::kDsnList},
+                                           {L"GetExtInfo", vtrfile::ListId::kExtendedStorage},
+                                           {L"GetFmsInfo", vtrfile::ListId::kFieldMatches},
+                                           {L"GetIncNewInfo", vtrfile::ListId::kImportFiles},
+                                           {L"GetRelInfo", vtrfile::ListId::kRelations},
+                                           {L"GetResiTblInfo", vtrfile::ListId::kResidualTables},
+                                           {L"GetHidLookInfo", vtrfile::ListId::kHiddenLookups},
+                                           {L"GetHidTableInfo", vtrfile::ListId::kHiddenTables},
+                                           {L"GetHidFieldsInfo", vtrfile::ListId::kHiddenFields}};
 
 using Numbers = std::vector<LONG>;
 
@@ -86,9 +94,9 @@ TEST_P(SampleJobs, AccessorsTellWhatWasRead) {
       const vtrfile::DocumentList& of_list = vtrfile::list_of(id);
       const vtrfile::ListInfo info = of_list.recount(slots);
       const std::u16string answer(info.ok ? u"OK" : of_list.error);
-      EXPECT_EQ(told(utility, accessor),
-                std::pair(std::wstring(answer.begin(), answer.end()),
-                          Numbers{info.count.value_or(-1), info.current.value_or(-1), info.max.value_or(-1), info.size}))
+      EXPECT_EQ(told(utility, accessor), std::pair(std::wstring(answer.begin(), answer.end()),
+                                                   Numbers{info.count.value_or(-1), info.current.value_or(-1),
+                                                           info.max.value_or(-1), info.size}))
           << name << ' ' << narrow(accessor);
     }
     std::vector<std::wstring> texts(7);

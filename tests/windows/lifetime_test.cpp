@@ -31,8 +31,8 @@ class Library {
  public:
   explicit Library(const std::wstring& path) : module_(LoadLibraryW(path.c_str())) {}
   HRESULT call(const char* name) const {
-    const auto entry = reinterpret_cast<HRESULT(STDMETHODCALLTYPE*)()>(
-        reinterpret_cast<void*>(GetProcAddress(module_, name)));
+    const auto entry =
+        reinterpret_cast<HRESULT(STDMETHODCALLTYPE*)()>(reinterpret_cast<void*>(GetProcAddress(module_, name)));
     return entry();
   }
   HRESULT class_object(REFCLSID id, IClassFactory** factory) const {
@@ -194,7 +194,8 @@ Keys classes_of(HKEY root) {
   Keys keys;
   collect(root, L"Software\\Classes", keys);
   // Shared by all components; a user who has none yet gets them with the first.
-  for (const wchar_t* shared : {L"CLSID", L"Interface", L"TypeLib"}) keys.erase(std::wstring(L"Software\\Classes\\") + shared);
+  for (const wchar_t* shared : {L"CLSID", L"Interface", L"TypeLib"})
+    keys.erase(std::wstring(L"Software\\Classes\\") + shared);
   return keys;
 }
 

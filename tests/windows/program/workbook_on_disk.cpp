@@ -13,7 +13,8 @@
 #include "platform/program/spreadsheet_error.h"
 #include "text/utf8.h"
 
-// Workbooks on the disk of this platform, for the program of the tests: what another one holds is refused by the system.
+// Workbooks on the disk of this platform, for the program of the tests: what another one holds is refused by the
+// system.
 namespace trvtrout::platform {
 
 using namespace spreadsheet;

@@ -1,7 +1,8 @@
+#include "spreadsheet/opc/zip_library.h"
+
 #include <string>
 #include <windows.h>
 
-#include "spreadsheet/opc/zip_library.h"
 #include "spreadsheet/workbook_file.h"
 
 namespace trvtrout::spreadsheet::ooxml {
