@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <map>
@@ -15,7 +14,7 @@ namespace trvtrout::tests {
 
 using namespace vtrfile;
 
-std::string file_bytes(const std::string& path) {
+std::string file_bytes(const std::filesystem::path& path) {
   std::ifstream file(path, std::ios::binary);
   EXPECT_TRUE(file) << path;
   std::ostringstream bytes;
@@ -28,7 +27,7 @@ const std::vector<std::string>& sample_names() {
     std::vector<std::string> found;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(SAMPLES)) {
       const auto path = std::filesystem::relative(entry.path(), SAMPLES);
-      if (entry.is_regular_file() && path.extension() == ".vtr") found.push_back(path.string());
+      if (entry.is_regular_file() && path.extension() == ".vtr") found.push_back(path.generic_string());
     }
     std::ranges::sort(found);
     return found;

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -16,7 +17,7 @@
 namespace trvtrout::tests {
 
 // The whole of a file; the test fails when it can't be read.
-std::string file_bytes(const std::string& path);
+std::string file_bytes(const std::filesystem::path& path);
 
 // The sample documents by their path below samples/, all of them.
 const std::vector<std::string>& sample_names();

@@ -1,9 +1,6 @@
 #include "platform/program/sheet_names.h"
 
 #include <algorithm>
-#include <clocale>
-#include <cwctype>
-#include <locale.h>
 
 #include "spreadsheet/workbook_file.h"
 #include "text/utf8.h"
@@ -21,15 +18,6 @@ constexpr std::string_view kReserved = "History";  // the program's own sheet of
 bool is_control(char16_t unit) { return unit < u' '; }
 
 }  // namespace
-
-std::u16string without_case(std::string_view name) {
-  static const locale_t kUnicode = newlocale(LC_CTYPE_MASK, "C.UTF-8", nullptr);
-  std::u16string text = text::from_utf8(name);
-  for (char16_t& unit : text) {
-    if (kUnicode) unit = static_cast<char16_t>(towlower_l(unit, kUnicode));
-  }
-  return text;
-}
 
 std::optional<std::size_t> sheet_named(std::string_view name, const std::vector<std::string>& names) {
   const auto is_same = [folded = without_case(name)](const std::string& other) {
