@@ -24,10 +24,9 @@ class TemporaryFolder {
 
 void run() {
   const TemporaryFolder folder;
-  const Print summaries[] = {add_reading(folder.path()),   add_matching(folder.path()),
-                             add_comparing(folder.path()), add_differences(folder.path()),
-                             add_workbooks(folder.path()), add_exchange(folder.path()),
-                             add_salvaging(folder.path()), add_startup()};
+  const Print summaries[] = {add_reading(folder.path()),     add_matching(folder.path()),  add_comparing(folder.path()),
+                             add_differences(folder.path()), add_workbooks(folder.path()), add_exchange(folder.path()),
+                             add_salvaging(folder.path()),   add_batch(folder.path()),     add_startup()};
   benchmark::RunSpecifiedBenchmarks();
   for (const Print& print : summaries) print();
 }

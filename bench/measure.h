@@ -170,6 +170,7 @@ Print add_differences(const std::filesystem::path& folder);
 Print add_workbooks(const std::filesystem::path& folder);
 Print add_exchange(const std::filesystem::path& folder);
 Print add_salvaging(const std::filesystem::path& folder);
+Print add_batch(const std::filesystem::path& folder);
 Print add_startup();
 
 }  // namespace trvtrout::bench

@@ -1,11 +1,15 @@
-# What `cmake --install` puts where. Components: runtime (the command), library (the shared one), development (all that
-# a host is built with), documents.
+# What `cmake --install` puts where. Components: runtime (the command with its documents), library (the shared one),
+# development (all that a host is built with).
 include(CMakePackageConfigHelpers)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/TrVtrOut)
 
 if(TARGET vtrout)
   install(TARGETS vtrout RUNTIME COMPONENT runtime)
+  # As they stand here, so that their links lead somewhere.
+  install(DIRECTORY docs samples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vtrout COMPONENT runtime
+    PATTERN expected EXCLUDE PATTERN odd EXCLUDE PATTERN damaged EXCLUDE)
+  install(FILES README.md CHANGELOG.md DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/vtrout COMPONENT runtime)
 endif()
 if(TARGET trvtrout_shared)
   set_target_properties(trvtrout_shared PROPERTIES EXPORT_NAME trvtrout)
@@ -13,7 +17,8 @@ if(TARGET trvtrout_shared)
     LIBRARY COMPONENT library NAMELINK_COMPONENT development
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
   set_property(GLOBAL APPEND PROPERTY trvtrout_parts trvtrout)
-  set_property(GLOBAL APPEND PROPERTY trvtrout_headers ${PROJECT_SOURCE_DIR}/embed/trvtrout.h)
+  install(FILES embed/trvtrout.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
+  install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libtrvtrout-dev COMPONENT development)
 endif()
 
 get_property(trvtrout_parts GLOBAL PROPERTY trvtrout_parts)

@@ -34,7 +34,7 @@ bool begins_as_document(Files& files, const std::u16string& path) {
   // Four texts of at most 64 KiB each; those of a file that people keep take some hundred bytes.
   for (const std::size_t most : {std::size_t{4096}, std::size_t{4} * 65538}) {
     const auto file = files.OpenBinary(path);
-    vtrfile::Image image(std::min<std::size_t>(most, file->Size()));
+    vtrfile::Image image(std::min<std::uint64_t>(most, file->Size()));
     image.shorten(file->Read(image.writable()));
     file->Close();
     std::pmr::monotonic_buffer_resource memory;

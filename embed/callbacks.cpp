@@ -37,8 +37,8 @@ void HostWatch::tell(const char* path, std::uint64_t done, std::uint64_t total) 
 
 void HostWatch::at(const std::u16string& path, std::uint64_t done, std::uint64_t total) {
   require_going();
-  const bool other = path != path_ || done < told_;
-  if (!host_.progress || (!other && done < told_ + kToldEach)) return;
+  const bool due = path != path_ || done < told_ || done >= told_ + kToldEach || done == total;
+  if (!host_.progress || !due) return;
   path_ = path;
   told_ = done;
   tell(text::valid_utf8(platform::machine_path(path)).c_str(), done, total);

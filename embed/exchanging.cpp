@@ -32,17 +32,18 @@ void require_whole(const Document& document) {
 JsonWriter::Sink sink_of(Document& at, trvtrout_write write, void* context) {
   place(write, "write");
   return [&at, write, context, done = std::uint64_t{0}](std::string_view bytes) mutable {
-    at.watch.at_output(done);
+    at.watch.require_going();
     if (write(context, bytes.data(), bytes.size()) != 0) at.watch.raise_stopped();
-    done += bytes.size();
+    at.watch.at_output(done += bytes.size());
   };
 }
 
-exchange::Texts texts_of(int code_page) {
-  return {code_page, std::make_shared<const platform::CodePage>(code_page)};
-}
+exchange::Texts texts_of(int code_page) { return {code_page, std::make_shared<const platform::CodePage>(code_page)}; }
 
 std::vector<std::string> patterns(const char* const* given, std::size_t count, const char* name) {
+  // More than a person or a program would give was never set.
+  constexpr std::size_t kMost = 65536;
+  if (count > kMost) throw Refusal(TRVTROUT_INVALID_ARGUMENT, std::string(name) + " has too many patterns");
   std::vector<std::string> all;
   for (std::size_t at = 0; at < count; ++at) {
     all.push_back(text::to_utf8(text_of(place(given, name) ? given[at] : nullptr, name)));
@@ -72,7 +73,8 @@ trvtrout_result diff(Document& at, Document& other, const differences::PathFilte
     JsonWriter json(sink_of(at, write, context));
     exchange::Texts texts = texts_of(at.code_page());
     write_differences(
-        json, texts, head, [&](const Tell& tell) { differences::find_header_differences(old_slots, new_slots, tell); }, of_document);
+        json, texts, head, [&](const Tell& tell) { differences::find_header_differences(old_slots, new_slots, tell); },
+        of_document);
   }
   const auto& of_kind = head.counts.of_kind;
   if (counts) give(counts, {0, 0, of_kind[0], of_kind[1], of_kind[2], of_kind[3]}, "counts");
@@ -83,7 +85,8 @@ trvtrout_result diff(Document& at, Document& other, const differences::PathFilte
 trvtrout_result carried(Document& at) {
   for (const vtrfile::PartRead& part : at.utility.LastRead().parts) {
     if (part.carried != vtrfile::Carried::kPart) continue;
-    at.message = at.source + ": it's of the old format, and some of its product's values have no place in the current one";
+    at.message =
+        at.source + ": it's of the old format, and some of its product's values have no place in the current one";
     return TRVTROUT_INCOMPLETE;
   }
   return TRVTROUT_OK;
@@ -142,6 +145,7 @@ Target target_for(Document& at, const std::u16string& source, const std::u16stri
 }
 
 void put(Document& at, const Target& target, bool same) {
+  if (at.watch.stopped()) throw Stopped();
   if (same) return at.new_files.commit(target.replaces);
   throw Refusal(TRVTROUT_FAILED, platform::machine_path(target.path) +
                                      ": what was written doesn't read back as the same document; nothing was written");

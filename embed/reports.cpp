@@ -14,8 +14,7 @@ std::string utf8_path(const std::u16string& path) { return text::valid_utf8(plat
 // Null for a number that is none.
 const Part* part_at(std::int32_t part) {
   const auto parts = document_parts();
-  return part < 0 || static_cast<std::size_t>(part) >= parts.size() ? nullptr
-                                                                    : &parts[static_cast<std::size_t>(part)];
+  return part < 0 || static_cast<std::size_t>(part) >= parts.size() ? nullptr : &parts[static_cast<std::size_t>(part)];
 }
 
 const Part& require_part(std::int32_t part) {
@@ -81,8 +80,7 @@ trvtrout_result trvtrout_output_name(trvtrout_document* document, const char* so
     place(path, "path") = nullptr;
     if (base_name) *base_name = nullptr;
     std::u16string base;
-    const std::u16string made =
-        at.utility.GetOutputFileName(path_of(source, "source"), text_of(kind, "kind"), base);
+    const std::u16string made = at.utility.GetOutputFileName(path_of(source, "source"), text_of(kind, "kind"), base);
     if (at.declined) throw Refusal(TRVTROUT_DECLINED, "the existing file was left as it is");
     if (made.empty()) {
       throw Refusal(TRVTROUT_FAILED, "no name can be made: the kind is none, or the source's name has no full stop");
@@ -114,9 +112,9 @@ trvtrout_result trvtrout_workbook_comparison(trvtrout_document* document, const 
                                              trvtrout_document* secondary, int32_t color) {
   return call(document, [=](Document& at) {
     const auto move = [&](TarvelVtrOut_InOut* first, TarvelVtrOut_InOut* second) {
-      return outcome(at, at.utility.XL_Output_Compared(path_of(workbook, "workbook"), path_of(report, "report"),
-                                                       text_of(sheet, "sheet"), first, second,
-                                                       color == 0 ? False : True));
+      return outcome(at,
+                     at.utility.XL_Output_Compared(path_of(workbook, "workbook"), path_of(report, "report"),
+                                                   text_of(sheet, "sheet"), first, second, color == 0 ? False : True));
     };
     if (color == 0) return move(nullptr, nullptr);
     SecondDocument first(primary, at);

@@ -3,15 +3,15 @@
  * Every call that can fail returns a trvtrout_result, and trvtrout_last_message() says why in a sentence for people.
  * Nothing is raised, nothing is printed, and the library ends no process.
  *
- * Texts are UTF-8 and end in a zero byte; paths are the machine's, with "/". Invalid UTF-8 and a backslash in a path are
- * refused. Texts go out valid: what Unicode can't say comes as U+FFFD.
+ * Texts are UTF-8 and end in a zero byte; paths are the machine's, with "/". Invalid UTF-8 and a backslash in a path
+ * are refused. Texts go out valid: what Unicode can't say comes as U+FFFD.
  *
  * What a call hands out through a `char**` or a `trvtrout_document**` belongs to the caller, who gives it back to
  * trvtrout_free(). When a call fails such a place holds NULL. What a callback is given belongs to the library and is
  * gone when the callback returns.
  *
- * Threads: any number of documents may be used at once, each by one thread at a time, on whatever thread that is. A call
- * on a document that another thread is in, or on one from within its own callback, returns TRVTROUT_BUSY and does
+ * Threads: any number of documents may be used at once, each by one thread at a time, on whatever thread that is. A
+ * call on a document that another thread is in, or on one from within its own callback, returns TRVTROUT_BUSY and does
  * nothing; trvtrout_set_stop() and trvtrout_free() may be called at any time.
  *
  * Structs begin with their size, so that they can grow: set `struct_size` to sizeof of the struct and all else that you
@@ -37,23 +37,23 @@ extern "C" {
 typedef int32_t trvtrout_result;
 enum {
   TRVTROUT_OK = 0,
-  TRVTROUT_DAMAGED = 1,          /* the file is damaged; the document has what was read before the damage */
-  TRVTROUT_INCOMPLETE = 2,       /* done, but something of the document has no place in what was made */
-  TRVTROUT_DECLINED = 3,         /* a question was answered with Cancel, or no path was named: nothing was touched */
-  TRVTROUT_STOPPED = 4,          /* by trvtrout_set_stop() or a callback: nothing of what was being written stands */
-  TRVTROUT_FAILED = 10,          /* for a reason without a number of its own */
+  TRVTROUT_DAMAGED = 1,    /* the file is damaged; the document has what was read before the damage */
+  TRVTROUT_INCOMPLETE = 2, /* done, but something of the document has no place in what was made */
+  TRVTROUT_DECLINED = 3,   /* a question was answered with Cancel, or no path was named: nothing was touched */
+  TRVTROUT_STOPPED = 4,    /* by trvtrout_set_stop() or a callback: nothing of what was being written stands */
+  TRVTROUT_FAILED = 10,    /* for a reason without a number of its own */
   TRVTROUT_INVALID_ARGUMENT = 11,
-  TRVTROUT_INVALID_HANDLE = 12,  /* null, freed already, or none of this library's */
-  TRVTROUT_INVALID_TEXT = 13,    /* no valid UTF-8 */
-  TRVTROUT_WRONG_SIZE = 14,      /* of a struct */
-  TRVTROUT_BUSY = 15,            /* another call on this document is running */
+  TRVTROUT_INVALID_HANDLE = 12, /* null, freed already, or none of this library's */
+  TRVTROUT_INVALID_TEXT = 13,   /* no valid UTF-8 */
+  TRVTROUT_WRONG_SIZE = 14,     /* of a struct */
+  TRVTROUT_BUSY = 15,           /* another call on this document is running */
   TRVTROUT_OUT_OF_MEMORY = 16,
-  TRVTROUT_NO_CODE_PAGE = 17,    /* the machine doesn't know it, or it doesn't hold ASCII */
-  TRVTROUT_NO_FILE = 20,         /* there is no such file or folder */
-  TRVTROUT_FILE_HELD = 21,       /* by another program, or the rights to it are missing */
-  TRVTROUT_FILE_ERROR = 22,      /* the machine can't do it: disk full, bad medium, a folder where a file should be */
-  TRVTROUT_NOT_A_DOCUMENT = 23,  /* no VTR file, or one whose header is damaged (trvtrout_salvage() may read that) */
-  TRVTROUT_UNSUPPORTED = 24      /* the file's format version */
+  TRVTROUT_NO_CODE_PAGE = 17,   /* the machine doesn't know it, or it doesn't hold ASCII */
+  TRVTROUT_NO_FILE = 20,        /* there is no such file or folder */
+  TRVTROUT_FILE_HELD = 21,      /* by another program, or the rights to it are missing */
+  TRVTROUT_FILE_ERROR = 22,     /* the machine can't do it: disk full, bad medium, a folder where a file should be */
+  TRVTROUT_NOT_A_DOCUMENT = 23, /* no VTR file, or one whose header is damaged (trvtrout_salvage() may read that) */
+  TRVTROUT_UNSUPPORTED = 24     /* the file's format version */
 };
 
 /* What a result means, for people, in English; static. NULL for a number that is none. */
@@ -144,8 +144,8 @@ enum { TRVTROUT_PRIMARY = 0, TRVTROUT_SECONDARY = 1 };
  * failure the document is as it was, but for TRVTROUT_UNSUPPORTED, where it has the header. */
 TRVTROUT_API trvtrout_result trvtrout_read(trvtrout_document* document, const char* path, int32_t role);
 
-/* Reads on behind the damage of a file: the document becomes all that can be saved of it, sections that weren't found
- * empty. TRVTROUT_NOT_A_DOCUMENT when nothing of one can be found, and then the document is as it was. */
+/* SalvageVTR: reads on behind the damage of a file: the document becomes all that can be saved of it, sections that
+ * weren't found empty. TRVTROUT_NOT_A_DOCUMENT when nothing of one can be found, and then the document is as it was. */
 TRVTROUT_API trvtrout_result trvtrout_salvage(trvtrout_document* document, const char* path, int32_t role);
 
 /* Where the last read met damage. */
@@ -161,8 +161,8 @@ TRVTROUT_API trvtrout_result trvtrout_get_damage(trvtrout_document* document, tr
 /* What the last trvtrout_salvage() found; all zero when there was none since the last read. */
 typedef struct trvtrout_salvaged {
   uint32_t struct_size;
-  int32_t version_guessed;  /* 1: the header doesn't tell the format version, but the sections fit it */
-  int32_t header_whole;     /* 1 or 0, as the next */
+  int32_t version_guessed; /* 1: the header doesn't tell the format version, but the sections fit it */
+  int32_t header_whole;    /* 1 or 0, as the next */
   int32_t end_found;
   uint64_t bytes;           /* of the file */
   uint64_t bytes_explained; /* of them, those that are in the document, or behind its end */
@@ -174,22 +174,21 @@ TRVTROUT_API trvtrout_result trvtrout_get_salvaged(trvtrout_document* document, 
 /* ---- What the document last read holds ---- */
 
 enum {
-  TRVTROUT_TEXT_CODE = 0,               /* GetProdInfo: of the product */
+  TRVTROUT_TEXT_CODE = 0, /* GetProdInfo: of the product */
   TRVTROUT_TEXT_DESCRIPTION = 1,
   TRVTROUT_TEXT_SERIAL = 2,
   TRVTROUT_TEXT_VERSION = 3,
   TRVTROUT_TEXT_DATABASE = 4,
-  TRVTROUT_TEXT_DATA_SEND_FILE = 5,     /* GetDsmInfo */
+  TRVTROUT_TEXT_DATA_SEND_FILE = 5, /* GetDsmInfo */
   TRVTROUT_TEXT_DATA_SEND_VERSION = 6,
-  TRVTROUT_TEXT_FORMAT_VERSION = 7,     /* of the header */
-  TRVTROUT_TEXT_STRUCTURE_LIST = 8,     /* of a damaged file: what was read and what wasn't */
-  TRVTROUT_TEXT_DAMAGE_PATH = 9,        /* the record in which reading broke off: "Schema/Tables/Items[12]" */
-  TRVTROUT_TEXT_DAMAGE_FOUND = 10       /* what stood there */
+  TRVTROUT_TEXT_FORMAT_VERSION = 7, /* of the header */
+  TRVTROUT_TEXT_STRUCTURE_LIST = 8, /* of a damaged file: what was read and what wasn't */
+  TRVTROUT_TEXT_DAMAGE_PATH = 9,    /* the record in which reading broke off: "Schema/Tables/Items[12]" */
+  TRVTROUT_TEXT_DAMAGE_FOUND = 10   /* what stood there */
 };
 
 /* One of the texts above. `length` (NULL if it isn't wanted) gets its bytes: a text of a file can hold zero bytes. */
-TRVTROUT_API trvtrout_result trvtrout_get_text(trvtrout_document* document, int32_t which, char** text,
-                                               size_t* length);
+TRVTROUT_API trvtrout_result trvtrout_get_text(trvtrout_document* document, int32_t which, char** text, size_t* length);
 
 enum {
   TRVTROUT_LIST_TABLES = 0,           /* GetTableInfo */
@@ -333,8 +332,8 @@ TRVTROUT_API trvtrout_result trvtrout_export(trvtrout_document* document, int32_
  * are there for the document's path. On failure the database is as it was. */
 TRVTROUT_API trvtrout_result trvtrout_export_database(trvtrout_document* document, const char* database);
 
-/* Writes the file that the JSON in the file `json` describes, as `vtrout import` does. The new file takes its place when
- * it was read back; about one that stands there the host is asked. The document stays as it is. */
+/* Writes the file that the JSON in the file `json` describes, as `vtrout import` does. The new file takes its place
+ * when it was read back; about one that stands there the host is asked. The document stays as it is. */
 TRVTROUT_API trvtrout_result trvtrout_import(trvtrout_document* document, const char* json, const char* path);
 
 #ifdef __cplusplus

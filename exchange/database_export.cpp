@@ -165,7 +165,8 @@ DatabaseExport::Newcomer::~Newcomer() {
   if (!was_there_ && std::filesystem::file_size(path_, none) == 0 && !none) std::filesystem::remove(path_, none);
 }
 
-DatabaseExport::DatabaseExport(const std::string& path, Texts texts) : newcomer_(path), database_(path), texts_(std::move(texts)) {
+DatabaseExport::DatabaseExport(const std::string& path, Texts texts)
+    : newcomer_(path), database_(path), texts_(std::move(texts)) {
   database_.execute("PRAGMA foreign_keys = OFF; PRAGMA cache_size = -65536; BEGIN IMMEDIATE");
   require_ours();
   database_.execute(create_tables());

@@ -36,8 +36,9 @@ class DatabaseExport {
 
   // The document's rows take the place of those that are there for its path. Raises DatabaseError, and what
   // `before_row` raises, which is called in front of each row.
-  void put(const DocumentFile& file, const vtrfile::DocumentSlots& document,
-           const std::function<void()>& before_row = [] {});
+  void put(
+      const DocumentFile& file, const vtrfile::DocumentSlots& document,
+      const std::function<void()>& before_row = [] {});
   // Raises DatabaseError.
   void commit();
 

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "host/batch/folder_pairs.h"
 #include "host/batch/inputs.h"
 #include "host/machine.h"
 
@@ -46,7 +47,10 @@ struct ComparisonTask {
 
 // `vtrout compare`: the comparisons of two documents, beside the primary one, in a folder or in the sheets of a
 // workbook, and how many rows have which form. kRemarkable when a row is labelled.
-ExitStatus compare(const Settings& settings, const ComparisonTask& task);
+// `counts`, unless it's null, gets the rows of each form and the differences beside them, and no table shows them.
+ExitStatus compare(const Settings& settings, const ComparisonTask& task, PairCounts* counts = nullptr);
+// Of two files, or of the pairs in two folders.
+ExitStatus compare_files(const Settings& settings, const InputOptions& options, const ComparisonTask& task);
 
 enum class ColorWhen { kAuto, kAlways, kNever };
 
@@ -64,7 +68,11 @@ struct DiffTask {
 
 // `vtrout diff`: every difference between two documents. kRemarkable when there are any outside the header; called by
 // git always kFine, for git takes anything else for a failure of its own.
-ExitStatus diff(const Settings& settings, const DiffTask& task);
+// `counts`, unless it's null, gets the differences of each kind; the files are then one pair of many, of which nothing
+// is shown when they're the same.
+ExitStatus diff(const Settings& settings, const DiffTask& task, PairCounts* counts = nullptr);
+// Of two files, or of the pairs in two folders.
+ExitStatus diff_files(const Settings& settings, const InputOptions& options, const DiffTask& task);
 
 struct TextTask {
   std::string file;
@@ -103,16 +111,16 @@ ExitStatus recover_files(const Settings& settings, const InputOptions& options, 
 enum class ExportForm { kNone, kJson, kLines, kDatabase };
 
 struct ExportTask {
-  std::vector<std::string> files;  // one of them for kJson
   ExportForm form = ExportForm::kNone;
   std::string output;  // empty for stdout
   bool pretty = false;
   bool salvage = false;  // of a damaged file, what can be saved of it
 };
 
-// `vtrout export`: documents for other programs, as JSON, as lines of JSON or in a database. A damaged document is
-// refused without `salvage`. kRemarkable when something of a document isn't in what was exported.
-ExitStatus export_documents(const Settings& settings, const ExportTask& task);
+// `vtrout export`: documents for other programs, as JSON (of one file), as lines of JSON or in a database. A damaged
+// document is refused without `salvage`; the others are exported. kRemarkable when something of a document isn't in
+// what was exported.
+ExitStatus export_documents(const Settings& settings, const InputOptions& options, const ExportTask& task);
 
 struct ImportTask {
   std::string document;

@@ -123,6 +123,18 @@ void print_json(const ComparisonTask& task, const std::vector<PartResult>& resul
   show_json("compare", whole);
 }
 
+PairCounts counts_of(const std::vector<PartResult>& results, const DifferenceCounts& beside_them) {
+  PairCounts sums{0, 0, 0, 0, beside_them.all()};
+  for (const PartResult& result : results) {
+    const ComparisonCounts& counts = result.counts;
+    std::size_t at = 0;
+    for (const std::size_t number : {counts.unchanged, counts.changed, counts.deleted, counts.added}) {
+      sums[at++] += number;
+    }
+  }
+  return sums;
+}
+
 bool colors_labels(const ComparisonTask& task) { return task.color && !task.workbook.empty(); }
 
 // `utility` has read both documents; colouring asks for the primary one as the one last read. All must outlive it.
@@ -150,7 +162,7 @@ PartOperation comparing(Machine& machine, const ComparisonTask& task, TarvelVtrO
 
 }  // namespace
 
-ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
+ExitStatus compare(const Settings& settings, const ComparisonTask& task, PairCounts* counts) {
   if (!task.summary && !can_name_reports(task.primary)) return kTrouble;
   const Output output = task.summary ? Output::kNone : task.workbook.empty() ? Output::kFiles : Output::kHeld;
   Machine machine(settings, output);
@@ -182,9 +194,10 @@ ExitStatus compare(const Settings& settings, const ComparisonTask& task) {
   const bool different = both->counts.beside.all() > 0 || labelled;
   if (status == kFine && different) status = kRemarkable;
   if (!both->parts.left_out.empty()) status = kTrouble;
+  if (counts) *counts = counts_of(results, both->counts.beside);
   if (task.json) {
     print_json(task, results, *both, status);
-  } else if (task.summary || !settings.quiet) {
+  } else if (!counts && (task.summary || !settings.quiet)) {
     print_table(task.summary ? out() : err(), results, both->counts.beside);
   }
   return status;

@@ -37,6 +37,8 @@ CaughtOutput::Scope::~Scope() { catching = nullptr; }
 
 bool CaughtOutput::is_catching() { return catching != nullptr; }
 
+bool CaughtOutput::has_data() { return catching && catching->has_data_; }
+
 void CaughtOutput::release() {
   is_released_ = true;
   for (const Piece& piece : pieces_) pass_on(piece.way == Way::kOut ? std::cout : std::cerr, piece.text);
@@ -45,6 +47,7 @@ void CaughtOutput::release() {
 }
 
 void CaughtOutput::take(Way way, std::string_view text) {
+  has_data_ = has_data_ || way == Way::kOut;
   if (is_released_) return pass_on(way == Way::kOut ? std::cout : std::cerr, text);
   if (pieces_.empty() || pieces_.back().way != way) pieces_.push_back({way, {}});
   pieces_.back().text += text;

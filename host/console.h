@@ -39,8 +39,9 @@ class CaughtOutput {
     Scope(const Scope&) = delete;
     Scope& operator=(const Scope&) = delete;
   };
-  // Whether a scope catches what this thread writes.
+  // Whether a scope catches what this thread writes, and whether data are among it.
   static bool is_catching();
+  static bool has_data();
 
   // Passes on what was caught; what is still to come goes out as it's written.
   void release();
@@ -71,7 +72,7 @@ class CaughtOutput {
 
   std::function<bool()> wait_;
   std::vector<Piece> pieces_;
-  bool is_released_ = false;
+  bool is_released_ = false, has_data_ = false;
   Buffer out_buffer_{*this, Way::kOut}, err_buffer_{*this, Way::kErr};
   std::ostream out_{&out_buffer_}, err_{&err_buffer_};
 };

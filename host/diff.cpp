@@ -66,6 +66,8 @@ class Documents {
 struct FilePair {
   std::string old_file, new_file, old_name, new_name;
   bool for_git = false;
+  bool has_heading = for_git;
+  bool is_one_of_many = false;
 };
 
 // git gives: path, old file, its object and mode, new file, its object and mode; of a renamed file also the new path
@@ -100,7 +102,8 @@ bool colors_wanted(ColorWhen when) {
 // What is asked for, one pattern each; none when all is.
 std::vector<std::string> patterns_of(const DiffTask& task) {
   std::vector<std::string> only = task.only;
-  for (const std::string& part : task.parts) std::ranges::copy(differences::patterns_of_part(part), std::back_inserter(only));
+  for (const std::string& part : task.parts)
+    std::ranges::copy(differences::patterns_of_part(part), std::back_inserter(only));
   return only;
 }
 
@@ -183,6 +186,20 @@ bool write_page(Machine& machine, const DiffTask& task, const FilePair& files, c
   return true;
 }
 
+void show_for_people(std::ostream& out, Machine& machine, const DiffTask& task, const Documents& documents,
+                     const FilePair& files, const Counted& counted) {
+  const Painter painter(colors_wanted(task.color));
+  if (files.has_heading) {
+    out << painter.heading("vtrout diff " + shown_name(files.old_name) + ' ' + shown_name(files.new_name)) << '\n';
+  }
+  if (task.summary) {
+    show_summary(out, documents);
+  } else {
+    show_text(out, machine.locale(), painter, documents, task.all);
+  }
+  out << counts_line(counted) << '\n';
+}
+
 // False when nothing could be shown, of which the user has been told.
 bool show(const Settings& settings, const DiffTask& task, Machine& machine, const Documents& documents,
           const FilePair& files, const Counted& counted) {
@@ -196,28 +213,21 @@ bool show(const Settings& settings, const DiffTask& task, Machine& machine, cons
   };
   if (!task.html.empty()) return write_page(machine, task, files, counted.of_document, write_json);
   if (task.json) {
-    write_json(std::cout);
+    write_json(out());
+  } else if (files.is_one_of_many) {
+    const bool is_same = counted.of_document.all() == 0 && counted.of_header == 0;
+    if (!is_same && !task.summary) show_for_people(out(), machine, task, documents, files, counted);
   } else {
     PagedOutput paged;
-    std::ostream& out = paged.stream();
-    const Painter painter(colors_wanted(task.color));
-    if (files.for_git) {
-      out << painter.heading("vtrout diff " + shown_name(files.old_name) + ' ' + shown_name(files.new_name)) << '\n';
-    }
-    if (task.summary) {
-      show_summary(out, documents);
-    } else {
-      show_text(out, machine.locale(), painter, documents, task.all);
-    }
-    out << counts_line(counted) << '\n';
+    show_for_people(paged.stream(), machine, task, documents, files, counted);
   }
   return true;
 }
 
 }  // namespace
 
-ExitStatus diff(const Settings& settings, const DiffTask& task) {
-  const std::optional<FilePair> files = files_of(task.arguments);
+ExitStatus diff(const Settings& settings, const DiffTask& task, PairCounts* counts) {
+  std::optional<FilePair> files = files_of(task.arguments);
   if (!files) {
     complain("diff takes two files, OLD and NEW; see vtrout help diff");
     return kTrouble;
@@ -237,6 +247,9 @@ ExitStatus diff(const Settings& settings, const DiffTask& task) {
     return kFine;
   }
   const Counted counted = count(documents);
+  files->is_one_of_many = counts != nullptr;
+  files->has_heading = files->has_heading || counts;
+  if (counts) std::ranges::copy(counted.of_document.of_kind, counts->begin());
   if (!show(settings, task, machine, documents, *files, counted)) return kTrouble;
   // Of what couldn't be saved nobody knows whether it's the same.
   return files->for_git || (counted.of_document.all() == 0 && read == kFine) ? kFine : kRemarkable;

@@ -22,9 +22,6 @@ CLI::Option* add_form(CLI::App& command, const char* name, ExportTask& task, Exp
 }  // namespace
 
 void add_export_options(CLI::App& command, ExportTask& task, CheckPath check_path) {
-  command.add_option("FILE", task.files, "A VTR file; several for --ndjson and --sqlite")
-      ->type_name("")
-      ->check(check_path, "", kTakesFile);
   auto& forms = *command.add_option_group("Forms", "One of these is wanted");
   forms.require_option(1);
   const auto optional = [](CLI::Option* option) { return option->expected(0, 1)->option_text("[OUT]"); };

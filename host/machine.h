@@ -30,15 +30,26 @@ enum ExitStatus : int {
 struct Settings {
   int code_page = 1252;
   platform::Overwrite overwrite = platform::Overwrite::kAsk;
-  bool quiet = false;           // errors and questions alone on stderr
-  bool replace_sheets = false;  // of earlier reports, in workbooks
-  unsigned wait_seconds = 0;    // for a workbook that another program holds
+  bool quiet = false;                                       // errors and questions alone on stderr
+  bool replace_sheets = false;                              // of earlier reports, in workbooks
+  unsigned wait_seconds = 0;                                // for a workbook that another program holds
   std::shared_ptr<platform::SharedTerminal> terminal = {};  // of many files
 };
 
 // What becomes of the texts that operations write: files, nothing (only the results count), or texts in memory
 // (on their way into a workbook).
 enum class Output { kFiles, kNone, kHeld };
+
+// What the class has to say to the user is a complaint, too.
+class HostMessageBox : public platform::ConsoleMessageBox {
+ public:
+  using ConsoleMessageBox::ConsoleMessageBox;
+  MessageAnswer Show(const std::u16string& prompt, MessageButtons buttons,
+                     const std::optional<std::u16string>& title) override {
+    if (buttons == MessageButtons::kOk) note_complaint(text::to_utf8(prompt));
+    return ConsoleMessageBox::Show(prompt, buttons, title);
+  }
+};
 
 // The stand-ins for the desktop on this machine. Questions go to the terminal, on stderr; data have stdout alone.
 class Machine {
@@ -64,7 +75,7 @@ class Machine {
   platform::HeldFiles held_files_{files_};
   platform::ReportFiles report_files_{files_};
   Files& output_;
-  platform::ConsoleMessageBox message_box_;
+  HostMessageBox message_box_;
   platform::ConsoleSaveDialog save_dialog_;
   platform::QuietMessageLoop message_loop_;
   platform::UsLocale locale_;

@@ -109,11 +109,13 @@ void add_log(CLI::App& command, std::string& log) {
 
 // Any number of files and folders.
 void add_inputs(CLI::App& command, InputOptions& inputs, const char* description) {
-  command.add_option("FILE", inputs.operands, description)->check(check_path);
-  command.add_option("--files-from", inputs.files_from,
-                 "Take the files and folders in LIST, too: one to a line, or with zero bytes between them; - for stdin")
+  command.add_option("FILE", inputs.operands, description)->type_name("")->check(check_path, "", kTakesFile);
+  command
+      .add_option(
+          "--files-from", inputs.files_from,
+          "Take the files and folders in LIST, too: one to a line, or with zero bytes between them; - for stdin")
       ->option_text("LIST")
-      ->check(check_path);
+      ->check(check_path, "", kTakesFile);
   add_run_options(command, inputs);
 }
 
@@ -148,8 +150,10 @@ void add_report(CLI::App& command, Request& request) {
 
 void add_compare(CLI::App& command, Request& request) {
   ComparisonTask& task = request.comparison;
-  add_file_operand(command, "PRIMARY", task.primary, "The VTR file that came first");
-  add_file_operand(command, "SECONDARY", task.secondary, "The VTR file that came after it");
+  add_file_operand(command, "PRIMARY", task.primary, "The VTR file that came first, or a folder of such files");
+  add_file_operand(command, "SECONDARY", task.secondary, "The one that came after it; files are paired by their paths");
+  add_run_options(command, request.inputs);
+  add_log(command, request.inputs.log);
   add_parts(command, task.parts);
   auto* const summary = command.add_flag("--summary", task.summary, "Write no files, only print the counts");
   auto* const output_dir = add_output_dir(command, task.output_dir)->excludes(summary);
@@ -166,11 +170,14 @@ void add_compare(CLI::App& command, Request& request) {
 
 void add_diff(CLI::App& command, Request& request) {
   DiffTask& task = request.diff;
-  command.add_option("FILE", task.arguments, "The VTR files OLD and NEW; or what git gives to such a command")
+  command
+      .add_option("FILE", task.arguments, "The VTR files or folders OLD and NEW; or what git gives to such a command")
       ->required()
       ->type_name("")
       ->expected(1, 9)
       ->check(check_path, "", kTakesFile);
+  add_run_options(command, request.inputs);
+  add_log(command, request.inputs.log);
   add_parts(command, task.parts);
   const auto add_patterns = [&](const char* name, std::vector<std::string>& patterns, const char* description) {
     command.add_option(name, patterns, description)->option_text("GLOB")->take_all()->allow_extra_args(false);
@@ -207,7 +214,7 @@ void add_recover(CLI::App& command, Request& request) {
   RecoveryTask& task = request.recovery;
   add_inputs(command, request.inputs, "VTR files, damaged or of the old format, and folders; they're never changed");
   auto* const output = add_file(command, "--output", task.output, "The new file; by default a name beside FILE");
-  add_file(command, "--output-dir", task.output_dir, "Write the new files into this folder, which must exist")
+  add_folder(command, "--output-dir", task.output_dir, "Write the new files into this folder, which must exist")
       ->excludes(output);
   add_file(command, "--log", task.log,
            "A text file for the lists of what was read and recovered; of several files, append a line for each to it");
@@ -229,6 +236,8 @@ void add_statistics(CLI::App& command, Request& request) {
 }
 
 void add_export(CLI::App& command, Request& request) {
+  add_inputs(command, request.inputs, "A VTR file; for --ndjson and --sqlite several, and folders that have some");
+  add_log(command, request.inputs.log);
   add_export_options(command, request.exported, check_path);
   add_salvage(command, request.exported.salvage);
   add_overwrite(command, request.settings);

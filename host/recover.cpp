@@ -34,13 +34,13 @@ void print(const KeptList& list, int indent, int width, bool whole) {
   if (passed && list.announced == 0 && list.kept == 0 && list.surplus == 0 && list.empty == 0) return;
   const std::string margin(static_cast<std::size_t>(indent), ' ');
   err() << margin << std::left << std::setw(width) << list.title << list.kept << " of " << number_of(list.announced)
-            << " records";
+        << " records";
   if (list.empty > 0) err() << "; " << list.empty << " more slots are announced and are empty in the new file";
   if (list.test == ListTest::kKept) err() << "; fails its test, and is in the new file as it was read";
   err() << '\n';
   if (list.surplus == 0) return;
   err() << margin << std::setw(width) << "" << list.surplus << " more were read beyond those announced"
-            << (whole ? "" : "; they may be what followed the list") << '\n';
+        << (whole ? "" : "; they may be what followed the list") << '\n';
 }
 
 // What the table has no place for.
@@ -51,10 +51,10 @@ void print_remarks(const RecoveryAccount& account) {
   }
   if (!other_texts.empty()) {
     err() << "the texts of these tags are lost, because all tags of the new file get those of the last one: "
-              << other_texts << '\n';
+          << other_texts << '\n';
   }
-  err() << "kept " << (account.kept_at_most ? "at most " : "") << account.kept << " of " << account.bytes
-            << " bytes (" << percent(account.kept, account.bytes) << ")\n";
+  err() << "kept " << (account.kept_at_most ? "at most " : "") << account.kept << " of " << account.bytes << " bytes ("
+        << percent(account.kept, account.bytes) << ")\n";
   if (account.behind_end > 0) {
     err() << account.behind_end << " bytes after the end tag are not part of the document\n";
   }
@@ -64,7 +64,7 @@ void print(const RecoveryAccount& account) {
   constexpr int kNameWidth = 26, kFateWidth = 30, kNumberWidth = 12, kIndent = 2;
   const auto row = [](const std::string& name, const std::string& fate) -> std::ostream& {
     return err() << std::left << std::setw(kNameWidth) << name << std::setw(kFateWidth) << fate << std::right
-                     << std::setw(kNumberWidth);
+                 << std::setw(kNumberWidth);
   };
   row("part", "outcome") << "bytes read" << std::setw(kNumberWidth) << "kept" << '\n';
   for (const KeptPart& part : account.parts) {
@@ -144,8 +144,8 @@ struct Targets {
 // Nothing when one of them can't be written, of which the user has been told.
 std::optional<Targets> targets_of(const HostServices& services, const RecoveryTask& task) {
   constexpr const char* kSourceIs = "the damaged file";
-  const auto output =
-      target_for(services, {task.file, kSourceIs, task.output, u"Recovered", "; give one with --output", task.output_dir});
+  const auto output = target_for(
+      services, {task.file, kSourceIs, task.output, u"Recovered", "; give one with --output", task.output_dir});
   if (!output) return {};
   if (task.log.empty()) return Targets{*output, {}};
   const auto log = target_for(services, {task.file, kSourceIs, task.log, u"Log"});

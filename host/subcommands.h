@@ -11,7 +11,7 @@ struct Subcommand {
   const char* description;
   void (*add_options)(CLI::App& command, Request& request);
   ExitStatus (*run)(const Request& request);
-  const char* notes[2];
+  const char* notes[3];
   const char* examples[2];
   const char* statuses[3];  // null for one that it doesn't end with
 };

@@ -176,7 +176,7 @@ TEST_F(Command, WhatIsMistypedIsNamedWithTheNearest) {
       {"report p.vtr --part tabel", "there is no part \"tabel\"; did you mean table?"},
       {"report p.vtr --part x",
        "there is no part \"x\"; the parts are product, table, field, tree, lookup, ctrltag, lang, dsend"},
-      {"info p.vtr p.vtr", "\"p.vtr\" is one argument too many"},
+      {"text p.vtr p.vtr", "\"p.vtr\" is one argument too many"},
       {"compare p.vtr", "SECONDARY is required; see vtrout help compare"},
   };
   for (const auto& [arguments, told] : cases) {

@@ -5,8 +5,8 @@
 #include <sstream>
 #include <utility>
 
-#include "exchange/json_document.h"
 #include "exchange/differences_json.h"
+#include "exchange/json_document.h"
 #include "host/exchanged_texts.h"
 
 namespace trvtrout::tests {

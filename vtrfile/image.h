@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <span>
 #include <string>
@@ -14,8 +15,9 @@ class Image {
  public:
   static constexpr std::size_t kSlack = 64;
 
-  // An image of `size` bytes that the caller fills through writable() before anybody reads it.
-  explicit Image(std::size_t size);
+  // An image of `size` bytes that the caller fills through writable() before anybody reads it. Raises bad_alloc where
+  // the machine has no room for that many.
+  explicit Image(std::uint64_t size);
 
   std::span<unsigned char> writable() noexcept { return {bytes_.get(), size_}; }
   // Keeps the first `size` bytes, where the file turned out to be shorter or couldn't be read further, for which

@@ -40,7 +40,7 @@ class Rebuilt {
   }
   // The least that the steps from `step` up to `behind` can be: everything empty.
   void add_empty(const Layout& layout, std::uint32_t step, std::uint32_t behind) {
-    for (; step < behind; ++step) bytes_.append(layout.steps[step].least_bytes, '\0');
+    for (; step < behind; ++step) bytes_.append(static_cast<std::size_t>(layout.steps[step].least_bytes), '\0');
   }
   // Writes over what stands at `at`.
   void put(std::size_t at, const void* bytes, std::size_t size) { std::memcpy(bytes_.data() + at, bytes, size); }
@@ -58,7 +58,7 @@ class Rebuilt {
     std::vector<Piece> kept;
     for (Piece piece : pieces_) {
       if (piece.at >= begin && piece.at < end) continue;
-      const std::size_t behind = piece.at + piece.from.size();
+      const std::size_t behind = piece.at + static_cast<std::size_t>(piece.from.size());
       if (piece.at < begin && behind > begin) {
         // A piece that goes on in front of it, or behind.
         kept.push_back({piece.at, {piece.from.begin, piece.from.begin + (begin - piece.at)}});

@@ -16,7 +16,7 @@ std::uint64_t left(Place at, Place end) { return static_cast<std::uint64_t>(end 
 // The text at `at`; nothing when it doesn't end in front of `end`.
 std::optional<std::string_view> text_at(Place at, Place end) {
   if (left(at, end) < 2) return {};
-  const std::uint64_t length = load<std::uint16_t>(at);
+  const std::size_t length = load<std::uint16_t>(at);
   if (length > left(at, end) - 2) return {};
   return std::string_view(reinterpret_cast<const char*>(at) + 2, length);
 }

@@ -29,9 +29,10 @@ class Argument {
 
   HRESULT convert(const Parameter& parameter, LCID locale) {
     if (given_.vt == VT_ERROR && given_.scode == DISP_E_PARAMNOTFOUND) return DISP_E_PARAMNOTOPTIONAL;
+    if ((given_.vt & VT_BYREF) != 0 && !given_.byref) return E_POINTER;
     if (!parameter.by_reference) return by_value(parameter.type, locale);
     // An object is for the runtime to look at.
-    if (parameter.type == VT_USERDEFINED) return given_.vt == (VT_BYREF | VT_VARIANT) ? copy() : S_OK;
+    if (parameter.type == VT_USERDEFINED) return (given_.vt & VT_BYREF) != 0 ? copy() : S_OK;
     return parameter.type == VT_VARIANT ? variable() : by_reference(parameter.type, locale);
   }
   const VARIANTARG& passed() const { return passed_; }
@@ -59,10 +60,14 @@ class Argument {
     return result;
   }
   HRESULT by_reference(VARTYPE type, LCID locale) {
-    if (given_.vt == (VT_BYREF | type)) return given_.byref ? S_OK : E_POINTER;
     goes_back_ = given_.vt == (VT_BYREF | VT_VARIANT);
-    if ((given_.vt & VT_BYREF) != 0 && !goes_back_) return DISP_E_TYPEMISMATCH;
-    const HRESULT result = VariantChangeTypeEx(value_.out(), &given_, locale, 0, type);
+    VARIANTARG& source = goes_back_ ? *given_.pvarVal : given_;
+    if ((source.vt & VT_BYREF) != 0) {
+      goes_back_ = false;
+      passed_ = source;
+      return source.vt != (VT_BYREF | type) ? DISP_E_TYPEMISMATCH : source.byref ? S_OK : E_POINTER;
+    }
+    const HRESULT result = VariantChangeTypeEx(value_.out(), &source, locale, 0, type);
     refer(type, &value_.get().byref);
     return result;
   }
@@ -151,7 +156,9 @@ Definition::Definition() {
   require(load_type_library()->GetTypeInfoOfGuid(IID__TarvelVtrOut_InOut, &type_info_), "no such interface");
   FUNCDESC* function = nullptr;
   for (UINT index = 0; SUCCEEDED(type_info_->GetFuncDesc(index, &function)); ++index) {
-    parameters_[function->memid] = parameters_of(*function);
+    // What every automation object has isn't for hosts to call in this way.
+    const bool hidden = (function->wFuncFlags & FUNCFLAG_FRESTRICTED) != 0;
+    if (!hidden) parameters_[function->memid] = parameters_of(*function);
     type_info_->ReleaseFuncDesc(function);
   }
 }

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cmath>
+#include <filesystem>
 #include <optional>
 #include <thread>
 
@@ -20,12 +22,12 @@ using Clock = std::chrono::steady_clock;
 std::string count_text(std::size_t count) { return std::to_string(count) + (count == 1 ? " file" : " files"); }
 
 std::string one_place(double number) {
-  const auto tenths = static_cast<std::size_t>(number * 10 + 0.5);
+  const auto tenths = std::lround(number * 10);
   return std::to_string(tenths / 10) + '.' + std::to_string(tenths % 10);
 }
 
 std::string duration_text(double seconds) {
-  const auto whole = static_cast<std::size_t>(seconds + 0.5);
+  const auto whole = std::lround(seconds);
   if (whole < 60) return std::to_string(whole) + " s";
   if (whole < 3600) return std::to_string(whole / 60) + " min " + std::to_string(whole % 60) + " s";
   return std::to_string(whole / 3600) + " h " + std::to_string(whole / 60 % 60) + " min";
@@ -43,8 +45,8 @@ class BatchProgress {
     std::string text = std::to_string(done) + " of " + count_text(files_);
     if (done > 0 && seconds > 0) {
       const double rate = static_cast<double>(done) / seconds;
-      text += ", " + one_place(rate) + " a second, " + duration_text(static_cast<double>(files_ - done) / rate) +
-              " left";
+      text +=
+          ", " + one_place(rate) + " a second, " + duration_text(static_cast<double>(files_ - done) / rate) + " left";
     }
     progress_.show(text);
   }
@@ -81,7 +83,8 @@ class Tally {
   std::string text() const {
     std::string text = count_text(done());
     const char* separator = ": ";
-    for (const auto& [count, what] : {std::pair(counts_[kFine], "fine"), {counts_[kRemarkable], batch_.remark},
+    for (const auto& [count, what] : {std::pair(counts_[kFine], "fine"),
+                                      {counts_[kRemarkable], batch_.remark},
                                       {counts_[kTrouble], "in trouble"}}) {
       if (count == 0) continue;
       (((text += separator) += std::to_string(count)) += ' ') += what;
@@ -142,6 +145,38 @@ ExitStatus finish_batch(const BatchEnd& end) {
     end_by(end.signal);
   }
   return end.status;
+}
+
+ExitStatus run_one(const InputOptions& options, const char* subcommand, const std::string& file,
+                   const std::function<ExitStatus()>& work) {
+  std::optional<BatchLog> log;
+  if (!options.log.empty()) log.emplace(options.log, subcommand, 1);
+  forget_complaint();
+  const FileOutcome outcome{work(), first_complaint()};
+  if (log) log->add(file, outcome);
+  return outcome.status;
+}
+
+bool has_operands(const InputOptions& options, const char* subcommand) {
+  if (!options.operands.empty() || !options.files_from.empty()) return true;
+  complain(std::string("FILE is required; see vtrout help ") + subcommand);
+  return false;
+}
+
+std::string folder_for(const std::string& folder, const Input& file) {
+  if (folder.empty() || file.below.empty()) return folder;
+  std::string below = in_folder(folder, file.below.substr(0, file.below.size() - 1));
+  if (is_folder(folder)) std::filesystem::create_directories(below);
+  return below;
+}
+
+bool has_own_names(const std::vector<Input>& files, const std::vector<std::size_t>& owners, std::size_t number) {
+  if (owners[number] == number) return true;
+  complain(
+      files[number].path + ": what is written about it would have the same names as for " + files[owners[number]].path +
+      ", which are made of what stands in front of the first full stop; nothing was written: rename it, or give it "
+      "a run and a folder of its own");
+  return false;
 }
 
 void show_trouble_json(const std::string& file) {

@@ -35,6 +35,22 @@ BatchEnd run_batch(const Settings& settings, const InputOptions& options, const 
 // The exit status, or the end of the program as the signal ends it.
 ExitStatus finish_batch(const BatchEnd& end);
 
+// What is done with one file, with the same log.
+ExitStatus run_one(const InputOptions& options, const char* subcommand, const std::string& file,
+                   const std::function<ExitStatus()>& work);
+
+// Whether any file or folder was named; the user is told when none was.
+bool has_operands(const InputOptions& options, const char* subcommand);
+
+// The folder for what is written about a file that was found in a folder: as far below `folder` as the file is below
+// the one that was named, so that files with one name don't meet. It's made if need be; raises
+// std::filesystem::filesystem_error.
+std::string folder_for(const std::string& folder, const Input& file);
+
+// False when the new files of this one would get the names of another one's, of which the user is told. `owners`: as
+// owners_of_names gives them.
+bool has_own_names(const std::vector<Input>& files, const std::vector<std::size_t>& owners, std::size_t number);
+
 // What a program is told in place of the JSON of a file with which nothing could be done.
 void show_trouble_json(const std::string& file);
 

@@ -125,6 +125,10 @@ bool is_one_file(const InputOptions& options) {
   return options.operands.size() == 1 && options.files_from.empty() && !is_folder(options.operands.front());
 }
 
+Input found_in(const std::string& folder, const std::string& path) {
+  return {in_folder(folder, path), path.substr(0, path.rfind('/') + 1)};
+}
+
 FolderList list_folder(const std::string& folder, bool recursive) { return Walk(folder, recursive).take(); }
 
 InputList list_inputs(const InputOptions& options) {
@@ -151,8 +155,8 @@ InputList list_inputs(const InputOptions& options) {
       list.is_whole = false;
     }
     for (const std::string& path : folder.paths) {
-      const std::string whole = in_folder(operand, path);
-      if (listed.insert(normal(whole)).second) list.files.push_back({whole, path.substr(0, path.rfind('/') + 1)});
+      Input file = found_in(operand, path);
+      if (listed.insert(normal(file.path)).second) list.files.push_back(std::move(file));
     }
   }
   return list;

@@ -35,6 +35,9 @@ struct InputList {
 };
 InputList list_inputs(const InputOptions& options);
 
+// A file at this path below a folder.
+Input found_in(const std::string& folder, const std::string& path);
+
 // The VTR files of one folder, in the same way. Paths are below the folder.
 struct FolderList {
   std::vector<std::string> paths;

@@ -1,8 +1,5 @@
 // `vtrout info`, `report` and `recover` for any number of files: each file is one call of the subcommand.
-#include <filesystem>
-
 #include "host/batch/batch.h"
-#include "host/batch/batch_log.h"
 #include "host/commands.h"
 #include "platform/files/path.h"
 #include "services/guard.h"
@@ -19,15 +16,12 @@ struct EachFile {
 };
 
 ExitStatus do_one(const Settings& settings, const InputOptions& options, const EachFile& each) {
-  std::optional<BatchLog> log;
-  if (!options.log.empty()) log.emplace(options.log, each.subcommand, 1);
-  forget_complaint();
-  const FileOutcome outcome{each.work(settings, {options.operands.front()}, 0), first_complaint()};
-  if (log) log->add(options.operands.front(), outcome);
-  return outcome.status;
+  return run_one(options, each.subcommand, options.operands.front(),
+                 [&] { return each.work(settings, {options.operands.front()}, 0); });
 }
 
 ExitStatus for_each_file(const Settings& settings, const InputOptions& options, InputList list, const EachFile& each) {
+  if (list.files.empty()) return list.is_whole ? kFine : kTrouble;
   Batch batch{.subcommand = each.subcommand, .remark = each.remark};
   for (const Input& file : list.files) batch.files.push_back(file.path);
   batch.work = [&](const Settings& shared, std::size_t number) {
@@ -45,33 +39,6 @@ ExitStatus for_each_file(const Settings& settings, const InputOptions& options, 
 ExitStatus refuse(const char* what) {
   complain(what);
   return kTrouble;
-}
-
-// Whether the files may be worked on at all, of which the user is told when not.
-bool has_operands(const InputOptions& options, const char* subcommand) {
-  if (!options.operands.empty() || !options.files_from.empty()) return true;
-  complain(std::string("FILE is required; see vtrout help ") + subcommand);
-  return false;
-}
-
-// The folder for what is written about a file that was found in a folder: as far below `folder` as the file was below
-// the one that was named, so that files with one name don't meet. It's made if need be. Raises
-// std::filesystem::filesystem_error.
-std::string folder_for(const std::string& folder, const Input& file) {
-  if (folder.empty() || file.below.empty()) return folder;
-  const std::string below = in_folder(folder, file.below.substr(0, file.below.size() - 1));
-  if (is_folder(folder)) std::filesystem::create_directories(below);
-  return below;
-}
-
-// What is done with a file whose new files would get the names of another one's.
-bool has_own_names(const InputList& list, const std::vector<std::size_t>& owners, std::size_t number) {
-  if (owners[number] == number) return true;
-  complain(list.files[number].path + ": what is written about it would have the same names as for " +
-           list.files[owners[number]].path +
-           ", which are made of what stands in front of the first full stop; nothing was written: rename it, or give it "
-           "a run and an --output-dir of its own");
-  return false;
 }
 
 }  // namespace
@@ -98,14 +65,15 @@ ExitStatus report_files(const Settings& settings, const InputOptions& options, c
   const EachFile each{.subcommand = "report",
                       .remark = "damaged",
                       .work = [&](const Settings& shared, const Input& file, std::size_t number) {
-                        if (!has_own_names(list, owners, number)) return kTrouble;
+                        if (!has_own_names(list.files, owners, number)) return kTrouble;
                         ReportTask task = given;
                         task.file = file.path;
                         task.output_dir = folder_for(given.output_dir, file);
                         return report(shared, task);
                       }};
   if (is_one_file(options)) return do_one(settings, options, each);
-  if (!given.workbook.empty()) return refuse("--workbook takes the reports on one file; the sheets of several would have the same names");
+  if (!given.workbook.empty())
+    return refuse("--workbook takes the reports on one file; the sheets of several would have the same names");
   list = list_inputs(options);
   owners = owners_of_names(list.files, given.output_dir);
   return for_each_file(settings, options, list, each);
@@ -121,7 +89,7 @@ ExitStatus recover_files(const Settings& settings, const InputOptions& given_opt
                       .remark = "with losses",
                       .json = given.json,
                       .work = [&](const Settings& shared, const Input& file, std::size_t number) {
-                        if (!has_own_names(list, owners, number)) return kTrouble;
+                        if (!has_own_names(list.files, owners, number)) return kTrouble;
                         RecoveryTask task = given;
                         task.file = file.path;
                         task.output_dir = folder_for(given.output_dir, file);
@@ -132,7 +100,8 @@ ExitStatus recover_files(const Settings& settings, const InputOptions& given_opt
   // Of one file the log has the lists of what was read and recovered.
   if (is_one) return do_one(settings, options, each);
   options.log = given.log;
-  if (!given.output.empty()) return refuse("--output names the new file of one file; --output-dir takes those of several");
+  if (!given.output.empty())
+    return refuse("--output names the new file of one file; --output-dir takes those of several");
   list = list_inputs(options);
   owners = owners_of_names(list.files, given.output_dir);
   return for_each_file(settings, options, list, each);

@@ -10,8 +10,8 @@ namespace trvtrout::host {
 // get them.
 class StopSignals {
  public:
-  // `stop` is called for the first signal, on that thread; whether it stops in an orderly way. If it doesn't, and at the
-  // second signal, the program ends at once: what isn't finished is removed, and `last_words` are said.
+  // `stop` is called for the first signal, on that thread; whether it stops in an orderly way. If it doesn't, and at
+  // the second signal, the program ends at once: what isn't finished is removed, and `last_words` are said.
   StopSignals(std::function<bool()> stop, std::function<void()> last_words);
   ~StopSignals();
   StopSignals(const StopSignals&) = delete;

@@ -96,7 +96,7 @@ std::string zsh_values(const Argument& argument) {
   }
 }
 
-// One specification for _arguments.
+// What _arguments is told of one option.
 std::string zsh_argument(const Argument& option, const std::string& name) {
   constexpr std::string_view kSpecial = "[]:\\";
   std::string text = option.repeated ? "*" + name : name;

@@ -78,7 +78,7 @@ void Replacement::write(std::string_view bytes) {
 void Replacement::finish() {
   if (finished_) return;
   file_.take_rights_of(name_is_taken(path_) ? path_ : model_);
-  file_.sync();
+  if (waits_for_disk_) file_.sync();
   if (const int error = file_.close(); error != 0) raise_file_error(error, told_as_, kVerb);
   finished_ = true;
 }

@@ -25,6 +25,9 @@ class Replacement {
   const std::string& temporary_path() const { return temporary_path_; }
   // Appends. Raises ServiceError.
   void write(std::string_view bytes);
+  // From now on nobody waits until the content is on the disk. For one that can be made anew at any time and takes
+  // nothing's place: of many small files the waiting takes most of the time.
+  void need_not_be_safe() { waits_for_disk_ = false; }
   // Ends the writing: the content is safe on the disk, with the rights of the file in whose place it will come, and can
   // be read at temporary_path(). Raises ServiceError.
   void finish();
@@ -42,7 +45,7 @@ class Replacement {
   std::string temporary_path_;
   std::optional<Unfinished> unfinished_;
   FileHandle file_;
-  bool finished_ = false;
+  bool finished_ = false, waits_for_disk_ = true;
 };
 
 // The path of the file that links at `path` lead to; `path` itself when there is none. Raises ServiceError for a link

@@ -19,6 +19,7 @@ class ReportFiles::FileSystem : public FileSystemObject {
     if (owner_.replaces_ && !owner_.told_of_.contains(path)) raise_file_error(EEXIST, machine_path(path), "write");
     auto staged = std::make_unique<StagedFiles>(owner_.files_);
     auto stream = std::make_unique<TextOutput>(staged->OpenBinaryOutput(path));
+    if (!owner_.replaces_) staged->need_not_be_safe();
     owner_.staged_ = std::move(staged);
     return stream;
   }

@@ -26,7 +26,9 @@ class StagedFiles : public Files {
   // May be called once. A file that stands there is held until the end; one that may not be written is refused.
   std::unique_ptr<BinaryOutput> OpenBinaryOutput(const std::u16string& path) override;
 
-  // Both only after OpenBinaryOutput. Where the content can be read once it was closed:
+  // All only after OpenBinaryOutput. As the replacement says:
+  void need_not_be_safe() { replacement_->need_not_be_safe(); }
+  // Where the content can be read once it was closed:
   std::u16string content_path() const;
   // With `replaces` False nothing may stand in the file's place. Raises ServiceError.
   void commit(bool replaces) { replaces ? replacement_->commit() : replacement_->commit_new(); }

@@ -15,9 +15,9 @@ class Watched : public Interface {
 
  protected:
   Interface& behind() { return *behind_; }
-  void tell(std::uint64_t total) { watch_.at(path_, done_, total); }
-  void go_on(std::uint64_t bytes) { done_ += bytes; }
   void go_to(std::uint64_t offset) { done_ = offset; }
+  std::uint64_t go_on(std::uint64_t bytes) { return done_ += bytes; }
+  void tell(std::uint64_t total = 0) { watch_.at(path_, done_, total); }
 
  private:
   std::unique_ptr<Interface> behind_;
@@ -31,9 +31,9 @@ class WatchedInput : public Watched<BinaryFile> {
   using Watched::Watched;
   std::uint64_t Size() override { return total_ = behind().Size(); }
   std::size_t Read(std::span<unsigned char> into) override {
-    tell(total_);
     const std::size_t count = behind().Read(into);
     go_on(count);
+    tell(total_);
     return count;
   }
   bool SkipTo(std::uint64_t offset) override {
@@ -50,9 +50,9 @@ class WatchedOutput : public Watched<BinaryOutput> {
  public:
   using Watched::Watched;
   void Write(std::string_view bytes) override {
-    tell(0);
     behind().Write(bytes);
     go_on(bytes.size());
+    tell();
   }
 };
 
@@ -61,24 +61,24 @@ class WatchedText : public Watched<TextStream> {
  public:
   using Watched::Watched;
   void WriteLine(std::string_view text) override {
-    count(text.size() + 2);
     behind().WriteLine(text);
+    count(text.size() + 2);
   }
   void Write(std::string_view text) override {
-    count(text.size());
     behind().Write(text);
+    count(text.size());
   }
 
  private:
   static constexpr std::size_t kBlock = 4096;
   void count(std::size_t bytes) {
-    if (since_told_ == 0) tell(0);
-    since_told_ += bytes;
-    go_on(bytes);
-    if (since_told_ >= kBlock) since_told_ = 0;
+    const std::uint64_t done = go_on(bytes);
+    if (done < next_) return;
+    next_ = done + kBlock;
+    tell();
   }
 
-  std::size_t since_told_ = 0;
+  std::uint64_t next_ = 0;  // when somebody is told
 };
 
 class WatchedFileSystem : public FileSystemObject {

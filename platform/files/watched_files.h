@@ -12,8 +12,8 @@ namespace trvtrout::platform {
 class FileWatch {
  public:
   virtual ~FileWatch() = default;
-  // In front of each block that is read or written: `done` bytes were by then, of `total`, 0 where nobody knows. What
-  // it raises comes out of the call on the file. To end an operation of the class it must be no ServiceError: a medium
+  // Behind each block that was read or written: `done` bytes were by then, of `total`, 0 where nobody knows. What it
+  // raises comes out of the call on the file. To end an operation of the class it must be no ServiceError: a medium
   // that fails costs the class only what stands behind.
   virtual void at(const std::u16string& path, std::uint64_t done, std::uint64_t total) = 0;
 };

@@ -9,7 +9,9 @@
 
 #include <cstddef>
 #include <iconv.h>
+#include <map>
 #include <memory>
+#include <mutex>
 #include <stdexcept>
 #include <type_traits>
 
@@ -158,6 +160,15 @@ std::u16string CodePage::decode(std::string_view bytes) const {
     ++at;
   }
   return text;
+}
+
+std::shared_ptr<const CodePage> shared_code_page(int number) {
+  static std::mutex mutex;
+  static std::map<int, std::shared_ptr<const CodePage>> pages;
+  const std::scoped_lock lock(mutex);
+  auto& page = pages[number];
+  if (!page) page = std::make_shared<const CodePage>(number);
+  return page;
 }
 
 }  // namespace trvtrout::platform

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,5 +35,9 @@ class CodePage {
   // For each character its byte, its lead byte * 256 + trail byte, or kNoBytes.
   std::vector<std::uint16_t> bytes_;
 };
+
+// The code page of this number, which is made when it's first asked for: that takes longer than reading a small file.
+// Any thread may ask. Raises as the constructor does.
+std::shared_ptr<const CodePage> shared_code_page(int number);
 
 }  // namespace trvtrout::platform

@@ -58,12 +58,11 @@ TEST_F(Exchange, NothingIsLost) {
   expect_refused("vtrout export plant.vtr --ndjson --pretty", "--json");
   expect_refused("vtrout export damaged.vtr --json new.json", "vtrout recover");
   expect_refused("vtrout export plant.vtr dense.vtr --json new.json", "--json takes one file");
-  expect_refused("vtrout export plant.vtr damaged.vtr --ndjson new.ndjson", "nothing was exported");
   expect_refused("vtrout export plant.vtr --sqlite dense.vtr", "never overwritten");
   expect_refused("vtrout export plant.vtr --sqlite text.txt", "file is not a database");
   expect_refused("vtrout export plant.vtr --sqlite other.db", "holds something else");
-  expect_refused("vtrout export plant-next.vtr damaged.vtr --sqlite plants.db", "nothing was exported");
-  expect_refused("vtrout export plant.vtr damaged.vtr --sqlite new.db", "nothing was exported");
+  expect_refused("vtrout export damaged.vtr --sqlite plants.db", "nothing was exported");
+  expect_refused("vtrout export damaged.vtr damaged.vtr --sqlite new.db", "it wasn't exported");
   expect_refused("vtrout export plant.vtr", "--json");
 }
 
