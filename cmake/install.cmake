@@ -18,7 +18,8 @@ if(TARGET trvtrout_shared)
     INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
   set_property(GLOBAL APPEND PROPERTY trvtrout_parts trvtrout)
   install(FILES embed/trvtrout.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
-  install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libtrvtrout-dev COMPONENT development)
+  install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DATADIR}/doc/libtrvtrout-dev COMPONENT development
+    PATTERN windows EXCLUDE)
 endif()
 
 get_property(trvtrout_parts GLOBAL PROPERTY trvtrout_parts)
