@@ -94,22 +94,20 @@ Survivors strike_all(Strike how, int times, int rounds) {
 }
 
 TEST(Salvage, OneDamageCostsWhatItTouches) {
-  Survivors all;
   for (const Strike how : kStrikes) {
     const Survivors survivors = strike_all(how, 1, 60);
     EXPECT_GE(survivors.share_of_sections(), 99.5);
     EXPECT_GE(survivors.share_of_items(), how == Strike::kCut ? 0 : 88);
-    all.kept += survivors.kept;
-    all.invented += survivors.invented;
+    EXPECT_EQ(survivors.invented, 0);
   }
-  // An item that the bytes bear out as well as the true one is no more than a rare chance.
-  EXPECT_LE(all.invented * 10'000, all.kept);
 }
 
 TEST(Salvage, ThreeDamagesCostWhatTheyTouch) {
   for (const Strike how : kStrikes) {
     const Survivors survivors = strike_all(how, 3, 20);
     EXPECT_GE(survivors.share_of_sections(), 99);
+    // Where two damages leave little between them an item may be borne out by chance.
+    EXPECT_LE(survivors.invented * 1000, survivors.kept);
     EXPECT_GE(survivors.share_of_items(), how == Strike::kCut ? 0 : 80);
   }
 }
@@ -131,9 +129,8 @@ TEST(Salvage, AWholeFileIsSavedAsItIs) {
   }
 }
 
-// Every bit of the smallest sample flipped, and bytes all over another one dropped. Where the descriptor of a list lost
-// a byte, short items can fit in another phase: there may be one such place.
-TEST(Salvage, NoBitAndHardlyAMissingByteMakesAnItem) {
+// Every bit of the smallest sample flipped, and each third byte of another one dropped.
+TEST(Salvage, NoBitAndNoMissingByteMakesAnItem) {
   std::string smallest = sample("odd/header-and-eof.vtr");
   for (std::size_t bit = 0; bit < 8 * smallest.size(); ++bit) {
     std::string flipped = smallest;
@@ -142,16 +139,14 @@ TEST(Salvage, NoBitAndHardlyAMissingByteMakesAnItem) {
     EXPECT_TRUE(!saved || items_of(bytes_of_image(*saved))->empty()) << "bit " << bit;
   }
   const Original& plant = originals()[1];
-  std::vector<std::size_t> with_invented;
-  for (std::size_t at = 0; at < plant.bytes.size(); at += 17) {
+  for (std::size_t at = 0; at < plant.bytes.size(); at += 3) {
     std::string damaged = plant.bytes;
     damaged.erase(at, 1);
     const auto saved = salvaged(damaged);
     ASSERT_TRUE(saved) << "byte " << at;
     const std::vector<Struck> struck = {{at, at + 1, at, at}};
-    if (!tests::invented(*saved, plant.items, struck).empty()) with_invented.push_back(at);
+    EXPECT_EQ(tests::invented(*saved, plant.items, struck), std::vector<std::string>()) << "byte " << at;
   }
-  EXPECT_LE(with_invented.size(), 1U) << testing::PrintToString(with_invented);
 }
 
 TEST(Salvage, ATagThatIsStruckCostsNothingOfItsSection) {
@@ -180,6 +175,20 @@ TEST(Salvage, TheVersionIsThatOfTheSectionsThatFit) {
     EXPECT_TRUE(saved->version_guessed) << name;
     EXPECT_EQ(saved->version, version);
     EXPECT_TRUE(std::ranges::all_of(saved->sections, &vtrfile::SalvagedSection::whole)) << name;
+  }
+}
+
+// The header's end and the first sections are gone, so that reading goes on within another one.
+TEST(Salvage, WhatIsSavedBehindAStruckHeaderReadsToItsEnd) {
+  const std::string whole = sample("dense.vtr");
+  for (std::size_t size = 21; size < 4000; size += 97) {
+    std::string damaged = whole;
+    std::fill_n(damaged.begin() + 21, size, '\0');
+    const auto saved = salvaged(damaged);
+    ASSERT_TRUE(saved) << size;
+    Reading reading;
+    reading.read(bytes_of_image(*saved));
+    EXPECT_TRUE(reading.complete) << size;
   }
 }
 

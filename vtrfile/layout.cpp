@@ -20,6 +20,19 @@ constexpr std::uint64_t kLeastOfArray = 2, kLeastOfVariant = 2, kLeastOfText = 2
 constexpr std::array kKeys = {"Tid", "Fid", "Id", "Key", "ControlTag", "FileName"};
 constexpr std::array kLabels = {"StructureName", "XMLTag", "Text1"};
 
+Form form_of(Kind plain) {
+  switch (plain) {
+    case Kind::kFlag:
+      return Form::kFlag;
+    case Kind::kFloat:
+      return Form::kFloat;
+    case Kind::kRaw:
+      return Form::kRaw;
+    default:
+      return Form::kInteger;
+  }
+}
+
 class Layouts {
  public:
   explicit Layouts(std::string_view version) : version_(version) {}
@@ -59,8 +72,7 @@ class Layouts {
       }
       default: {
         const auto bytes = static_cast<std::uint32_t>(type.kind == Kind::kRaw ? type.count : type.size);
-        into.steps.push_back(
-            {type.kind == Kind::kFlag ? Form::kFlag : Form::kPlain, Role::kNone, bytes, 0, nullptr, {}, bytes});
+        into.steps.push_back({form_of(type.kind), Role::kNone, bytes, 0, nullptr, {}, bytes});
       }
     }
   }
@@ -96,6 +108,7 @@ class Layouts {
       if (step == layout.size()) return;
       layout.steps[step].role = Role::kKey;
       layout.has_key = true;
+      layout.behind_keys = std::max(layout.behind_keys, step + 1);
       if (layout.label == Layout::kNoStep) layout.label = step;
     };
     const std::string_view record = type.name;

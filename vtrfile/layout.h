@@ -12,12 +12,12 @@ namespace trvtrout::vtrfile {
 // How a record's bytes lie in the file: its fields with nested records and fixed runs taken apart, for code that goes
 // through bytes of which it isn't known yet whether they are such a record.
 struct Layout {
-  enum class Form : std::uint8_t { kPlain, kFlag, kText, kVariants, kBytes, kList };
+  enum class Form : std::uint8_t { kRaw, kInteger, kFloat, kFlag, kText, kVariants, kBytes, kList };
   enum class Role : std::uint8_t { kNone, kKey, kCount, kMax, kCurrent };
   struct Step {
     Form form;
     Role role;
-    std::uint32_t size;         // bytes of a kPlain or kFlag, slots of a kVariants
+    std::uint32_t size;         // bytes of one that is no text, slots of a kVariants
     std::uint32_t list;         // of a count: the step of its list
     const Layout* item;         // of a kList
     std::string path;           // of a kList: the names of the members down to it
@@ -28,6 +28,7 @@ struct Layout {
   std::uint64_t least_bytes = 0;
   std::uint32_t label = kNoStep;  // the text by which people know such an item
   bool has_key = false;           // an item without one is an unused slot
+  std::uint32_t behind_keys = 0;  // the step behind its keys
   bool has_lists = false;
 
   static constexpr std::uint32_t kNoStep = ~std::uint32_t{0};

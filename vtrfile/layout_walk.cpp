@@ -36,7 +36,9 @@ LayoutWalk::Place LayoutWalk::steps(const Layout& layout, std::uint32_t step, st
     const Place begin = at;
     ++work_;
     switch (next.form) {
-      case Layout::Form::kPlain:
+      case Layout::Form::kRaw:
+      case Layout::Form::kInteger:
+      case Layout::Form::kFloat:
       case Layout::Form::kFlag:
         at = left(at, limit) < next.size ? nullptr : at + next.size;
         if (at && next.form == Layout::Form::kFlag && !found.odd && is_odd_flag(begin)) found.odd = begin;
@@ -63,6 +65,14 @@ LayoutWalk::Place LayoutWalk::steps(const Layout& layout, std::uint32_t step, st
   }
   if (!unreadable_.empty()) look_for_unreadable(first, at, found);
   return at;
+}
+
+LayoutWalk::Place LayoutWalk::used_item(const Layout& layout, Place at, Place limit, Findings& found) {
+  // Most places are none by their keys alone.
+  at = steps(layout, 0, layout.behind_keys, at, limit, found);
+  if (!at || found.odd || (layout.has_key && !found.has_key)) return nullptr;
+  at = steps(layout, layout.behind_keys, layout.size(), at, limit, found);
+  return at && !found.odd && found.texts > 0 ? at : nullptr;
 }
 
 void LayoutWalk::look_for_unreadable(Place at, Place behind, Findings& found) const {

@@ -44,6 +44,9 @@ class LayoutWalk {
     return steps(layout, 0, layout.size(), at, limit, found);
   }
 
+  // Where a used item ends that begins at `at`, with nothing odd in it; null when there is none.
+  Place used_item(const Layout& layout, Place at, Place limit, Findings& found);
+
   struct Descriptor {
     Place items = nullptr;  // null when no list can begin here
     std::uint32_t count = 0;

@@ -14,6 +14,8 @@
 //    around it; what stands behind the list; a later list of the record, which its descriptor shows. A place is taken
 //    when enough speaks for it: the record ends exactly at a known tag from there, or several whole items follow. Of
 //    two that are possible at one place the one with more behind it is taken, and of two places the first.
+//    An item that can be read a few bytes off is taken where it's least unlike the others of its kind, and not at all
+//    where that doesn't decide. Items in front of the break that overlap those behind it were read off, and go.
 // 5. What lies between is lost. Of a record that goes on behind it the values in front are kept up to the first that
 //    is odd, and those behind as far as they end exactly where the record goes on. All others are empty.
 // 6. Where items are missing the numbers of the list are set to what is there.

@@ -12,8 +12,8 @@ using Place = const unsigned char*;
 constexpr std::ptrdiff_t kLongestTag = 64;
 // So often it may go on at the place at which it broke off: behind a list, in one around it.
 constexpr int kMostStalls = 4;
-// So many bytes an item may be read off.
-constexpr std::ptrdiff_t kMostOff = 32;
+// An item with so many texts isn't read by chance.
+constexpr std::uint32_t kManyTexts = 4;
 // What stands behind the name of a tag as it's written.
 constexpr unsigned char kPlainTagEnd[] = {1, 0, 0, 0, 0, 0};
 
@@ -40,50 +40,14 @@ std::optional<SalvageRun::Resumption> SalvageRun::find() {
     try_place(at, best);
     if (!best) continue;
     const bool better = !possible || best->evidence.better_than(possible->evidence);
-    if (better && best->evidence.enough()) return most_alike(*best, tag);
+    if (better && best->evidence.enough()) {
+      if (auto settled = settle(*best)) return settled;
+      continue;
+    }
     if (!possible) possible = best;
   }
   if (possible || tag == end_) return possible;
   return Resumption{tag, Where::kTag};
-}
-
-// An item may be read a few bytes off, where zeros stand around it. Of such places the one is taken at which it's most
-// like the item in front of the damage.
-SalvageRun::Resumption SalvageRun::most_alike(Resumption found, Place tag) {
-  std::uint32_t strange = strangeness(found);
-  const Place last = found.at + std::min(tag - found.at, kMostOff);
-  const Resumption first = found;
-  for (Place at = first.at + 1; strange > 0 && at < last; ++at) {
-    std::optional<Resumption> other;
-    try_place(at, other);
-    if (!other || !other->evidence.enough() || other->where != first.where || other->level != first.level ||
-        other->step != first.step || other->new_item != first.new_item || other->section != first.section) {
-      continue;
-    }
-    const std::uint32_t less = strangeness(*other);
-    if (less >= strange) continue;
-    strange = less;
-    found = *other;
-  }
-  return found;
-}
-
-// How many of its texts are empty where those of the item in front of the damage aren't, or the other way round, and
-// how many of its variants aren't empty: nearly all are.
-std::uint32_t SalvageRun::strangeness(const Resumption& found) {
-  if (found.where != Where::kItem || found.new_item || found.section != TagPlace::kEnd) return 0;
-  const Open& record = open_[found.level];
-  const Layout& item = *record.layout->steps[found.step].item;
-  Place one = record.in_list ? record.lists.back().last : nullptr, other = found.at;
-  std::uint32_t strange = 0;
-  for (std::uint32_t step = 0; other && step < item.size(); ++step) {
-    Findings in_one, in_other;
-    other = walk_.steps(item, step, step + 1, other, limit_, in_other);
-    if (one) one = walk_.steps(item, step, step + 1, one, limit_, in_one);
-    strange += in_other.variants;
-    if (one && (in_one.texts > 0) != (in_other.texts > 0)) ++strange;
-  }
-  return strange;
 }
 
 void SalvageRun::try_place(Place at, std::optional<Resumption>& best) {
@@ -97,22 +61,24 @@ void SalvageRun::try_place(Place at, std::optional<Resumption>& best) {
       const Open item{record.layout->steps[record.step].item, at, 0, {}};
       std::optional<Resumption> inside;
       try_record(item, {.at = at, .where = Where::kItem, .level = level + 1, .new_item = true}, false, inside);
-      if (!inside || inside->evidence.items < Evidence::kSomeItems) continue;
+      if (!inside || inside->evidence.items < Evidence::kSomeItems || inside->evidence.list_items < 2) continue;
       if (!best || inside->evidence.better_than(best->evidence)) best = inside;
     }
   }
   if (!best) try_sections(at, best);
-  if (!best) try_struck_sections(at, best);
+  if (!best) try_struck_sections(at, 2, best);
 }
 
 // A section of which the tag is struck, and the beginning of its record.
-void SalvageRun::try_struck_sections(Place at, std::optional<Resumption>& best) {
+void SalvageRun::try_struck_sections(Place at, std::uint32_t least_items, std::optional<Resumption>& best) {
   for (std::size_t number = 0; number < sections_.size(); ++number) {
     if (is_elsewhere(number)) continue;
     const Open record{sections_[number].layout, at, 0, {}};
     std::optional<Resumption> found;
     try_record(record, {at, Where::kItem, 0, 0, static_cast<int>(number)}, false, found);
-    if (found && found->evidence.exact && found->evidence.items > 1) best = found;
+    // Any record can break off where a file was cut.
+    if (found && found->evidence.exact && found->evidence.reached != end_ && found->evidence.items >= least_items)
+      best = found;
   }
 }
 
@@ -141,8 +107,38 @@ void SalvageRun::consider(Resumption resumption, std::vector<Spot> spots, std::o
     at = walk_.descriptor(at, limit_, spot.layout->steps[spot.step].item->least_bytes).items;
   }
   resumption.evidence = sight_->look(std::move(spots), at, limit_);
+  const Evidence& evidence = resumption.evidence;
+  if (!evidence.enough() && evidence.list_items < Evidence::kSomeItems) return;
   if (!resumption.evidence.some()) return;
   if (!best || resumption.evidence.better_than(best->evidence)) best = resumption;
+}
+
+// Whether the numbers of the lists in an item are such as their lists can have.
+bool SalvageRun::numbers_agree(const Layout& item, Place at) {
+  for (std::uint32_t step = 0; step < item.size(); ++step) {
+    if (item.steps[step].form == Layout::Form::kList) {
+      const auto items = walk_.descriptor(at, limit_, item.steps[step].item->least_bytes);
+      if (!number_agrees(item, step, at, items.count)) return false;
+    }
+    Findings found;
+    at = walk_.steps(item, step, step + 1, at, limit_, found);
+  }
+  return true;
+}
+
+// Whether the number of used items that stands in front of the descriptor at `at`, if it does, isn't above `items`.
+bool SalvageRun::number_agrees(const Layout& record, std::uint32_t list, Place at, std::uint32_t items) const {
+  using Form = Layout::Form;
+  for (std::uint32_t step = list; step-- > 0;) {
+    const Layout::Step& number = record.steps[step];
+    const bool fixed = number.form == Form::kInteger || number.form == Form::kRaw || number.form == Form::kFloat;
+    if (!fixed || at - begin_ < std::ptrdiff_t{number.size}) return true;
+    at -= number.size;
+    if (number.role != Layout::Role::kCount || number.list != list) continue;
+    const std::int64_t value = number.size == 2 ? load<std::int16_t>(at) : load<std::int32_t>(at);
+    return value >= 0 && value <= std::int64_t{items};
+  }
+  return true;
 }
 
 // `fails_here`: what would come next in the record, and doesn't.
@@ -175,27 +171,23 @@ void SalvageRun::try_record(const Open& record, const Resumption& like, bool fai
   const auto try_items = [&](std::uint32_t step, std::uint32_t left) {
     Findings found;
     const Layout& item = *layout.steps[step].item;
-    if (!walk_.item(item, at, limit_, found) || !found.sound() || found.texts == 0) return;
-    if (item.has_key && !found.has_key) return;
+    if (!walk_.used_item(item, at, limit_, found)) return;
+    if (item.has_lists && !numbers_agree(item, at)) return;
     std::optional<Resumption> found_here;
     std::swap(found_here, best);
     try_spot(Where::kItem, step, {&layout, step, true, true, left});
     std::swap(found_here, best);
     if (!found_here) return;
-    if (record.in_list) {
-      // A single item that happens to end where the list does is no evidence, unless it's the one that is still to
-      // come; and of a list that has lost one there can't be as many as before.
-      const std::uint32_t items = found_here->evidence.list_items;
-      if (items == 1 && left != 1) return;
-      if (items == left + 1 && !record.lists.back().struck) return;
-      const OpenList& list = record.lists.back();
-      found_here->evidence.over =
-          items != Evidence::kNoEnd && list.announced && list.kept + std::uint64_t{items} + 1 > *list.announced;
-    } else if (!record.lists.empty() && record.lists.back().step == step) {
-      found_here->evidence.over = true;
-    } else if (!found_here->evidence.exact) {
-      return;  // a list of which not even the beginning is there
-    }
+    // A single small item that happens to end where a list does is no evidence, unless it's the one that is still to
+    // come.
+    const std::uint32_t items = found_here->evidence.list_items;
+    const bool the_last = record.in_list && left == 1;
+    const bool single = items == 1 || (found_here->evidence.exact && found_here->evidence.items == 1);
+    if (single && !the_last && found.texts < kManyTexts) return;
+    const bool begun = record.in_list || (!record.lists.empty() && record.lists.back().step == step);
+    if (begun && items != Evidence::kNoEnd && !record.lists.back().has_room_for(items)) return;
+    // A list of which not even the beginning is there.
+    if (!begun && !found_here->evidence.enough()) return;
     if (!best || found_here->evidence.better_than(best->evidence)) best = found_here;
   };
   if (current != Layout::kNoStep) {
@@ -209,8 +201,14 @@ void SalvageRun::try_record(const Open& record, const Resumption& like, bool fai
   for (std::uint32_t list = next_list; list < layout.size(); list = layout.list_from(list + 1)) {
     const auto items = walk_.descriptor(at, limit_, layout.steps[list].item->least_bytes);
     if (!items.items) break;
-    if (items.count == 0) continue;
+    if (items.count == 0 || !number_agrees(layout, list, at, items.count)) continue;
+    std::optional<Resumption> found_here;
+    std::swap(found_here, best);
     try_spot(Where::kList, list, {&layout, list, true, false, items.count});
+    std::swap(found_here, best);
+    // A single item behind what may be a descriptor is no evidence.
+    if (!found_here || (items.count == 1 && found_here->evidence.items < Evidence::kSomeItems)) continue;
+    if (!best || found_here->evidence.better_than(best->evidence)) best = found_here;
   }
   std::uint32_t last = next_list;
   while (last < layout.size() && layout.list_from(last + 1) < layout.size()) last = layout.list_from(last + 1);

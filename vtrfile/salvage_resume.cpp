@@ -12,7 +12,10 @@ constexpr std::ptrdiff_t kLongestFront = 2048;
 }  // namespace
 
 bool SalvageRun::resume() {
-  give_back_unused();
+  give_back_empty();
+  std::optional<Resumption> here;
+  try_place(at_, here);
+  if (!(here && here->evidence.enough()) && !step_back()) give_back_strange();
   const auto resumption = find();
   broken_ = true;
   if (!resumption) {
@@ -24,16 +27,47 @@ bool SalvageRun::resume() {
   return true;
 }
 
-// Unused slots in front of a break are what zeros were taken for.
-void SalvageRun::give_back_unused() {
-  if (open_.empty() || !open_.back().in_list) return;
-  Open& top = open_.back();
-  OpenList& list = top.lists.back();
-  if (list.used == list.kept) return;
-  new_.shrink(list.unused_at);
-  at_ = list.unused;
-  top.left += list.kept - list.used;
-  list.kept = list.used;
+// Items without a text in front of a break are what zeros were taken for, and an open one of which there is no more.
+void SalvageRun::give_back_empty() {
+  while (!open_.empty()) {
+    Open& top = open_.back();
+    if (top.in_list) {
+      OpenList& list = top.lists.back();
+      if (list.filled == list.kept) return;
+      new_.shrink(list.empty_at);
+      at_ = list.empty;
+      top.left += list.kept - list.filled;
+      list.kept = list.filled;
+      list.used = std::min(list.used, list.kept);
+      while (!list.recent.empty() && list.recent.back().out >= new_.size()) list.recent.pop_back();
+      return;
+    }
+    if (open_.size() == 1 || top.has_text || !top.lists.empty()) return;
+    new_.shrink(top.out);
+    at_ = top.begin;
+    open_.pop_back();
+    ++open_.back().left;
+  }
+}
+
+// Gives back so many items of the list that is open at this level, from one on; the open ones among them.
+void SalvageRun::give_back(std::size_t level, Taken from, std::size_t items) {
+  open_.erase(open_.begin() + static_cast<std::ptrdiff_t>(level) + 1, open_.end());
+  Open& record = open_[level];
+  OpenList& list = record.lists.back();
+  new_.shrink(from.out);
+  firm_ = at_;
+  at_ = from.place;
+  if (!record.in_list) record.step = list.step;
+  record.in_list = true;
+  record.left += static_cast<std::uint32_t>(items);
+  while (!list.recent.empty() && list.recent.back().out >= from.out) {
+    list.recent.pop_back();
+    --list.kept;
+  }
+  list.used = std::min(list.used, list.kept);
+  list.filled = std::min(list.filled, list.kept);
+  list.last = list.recent.empty() ? nullptr : list.recent.back().place;
 }
 
 void SalvageRun::go_on(const Resumption& resumption) {
@@ -137,6 +171,7 @@ void SalvageRun::close_struck(Place behind, bool ends_there) {
   }
   const bool section = !in_header_;
   if (in_header_) result_.header_end = offset(at_);
+  in_header_ = false;
   if (section) set_numbers(top);
   open_.clear();
   if (section) end_section(false);

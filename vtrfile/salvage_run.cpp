@@ -17,6 +17,9 @@ constexpr int kSchemaSection = 0;
 // What a run may cost: steps for each byte of the file, and some for a small one.
 constexpr std::uint64_t kWorkPerByte = 24, kWork = 4 << 20;
 
+// So many items of a list can be given back when it turns out that they aren't any.
+constexpr std::size_t kRecent = 8;
+
 const Layout& header_layout(std::string_view version) { return layout_of(header_of(DocumentSlots()).type(), version); }
 
 }  // namespace
@@ -33,7 +36,8 @@ SalvageRun::SalvageRun(const Image& image, std::span<const FileRange> unreadable
       walk_(begin_, unreadable_),
       allowed_work_(kWork + kWorkPerByte * image.size()),
       at_(begin_),
-      limit_(end_) {
+      limit_(end_),
+      firm_(begin_) {
   result_.unreadable.assign(unreadable.begin(), unreadable.end());
 }
 
@@ -140,7 +144,8 @@ bool SalvageRun::enter_section(const TagPlace& tag) {
     plain.content = tag.at + std::min(name + kCountAndTexts, static_cast<std::size_t>(end_ - tag.at));
     whole = is_whole(plain, end);
     plain.kept = false;
-    if (whole) taken = plain;
+    // Struck texts may seem to lead far behind the section.
+    if (whole || taken.content > sight_->next_tag(plain.content)) taken = plain;
   }
   open_section(tag.section, taken);
   if (!whole) {
@@ -213,7 +218,20 @@ bool SalvageRun::advance() {
   return true;
 }
 
+// Whether a list that has lost items, or got some twice, has another one although it should be at its end.
+bool SalvageRun::goes_on_in_list(const Open& top) {
+  Findings found;
+  const Layout& item = *top.layout->steps[top.step].item;
+  if (!walk_.used_item(item, at_, limit_, found)) return false;
+  std::vector<Spot> spots = spots_to(open_.size() - 1);
+  const bool more = sight_->look(spots, at_, limit_).some();
+  spots.back().in_list = false;
+  ++spots.back().step;
+  return more && !sight_->look(std::move(spots), at_, limit_).some();
+}
+
 bool SalvageRun::advance_list(Open& top) {
+  if (top.left == 0 && top.lists.back().struck && goes_on_in_list(top)) top.left = 1;
   if (top.left == 0) {
     top.lists.back().behind = new_.size();
     top.in_list = false;
@@ -239,19 +257,27 @@ bool SalvageRun::advance_list(Open& top) {
 }
 
 void SalvageRun::take_item(Open& top, Place next, const Findings& found) {
-  OpenList& list = top.lists.back();
-  const bool used = found.has_key || !top.layout->steps[top.step].item->has_key;
-  if (!used && list.used == list.kept) {
-    list.unused_at = new_.size();
-    list.unused = at_;
-  }
-  ++list.kept;
-  if (used) {
-    list.used = list.kept;
-    list.last = at_;
-  }
+  count_item(top, at_, new_.size(), found.has_key, found.texts > 0);
   new_.copy(at_, next);
   at_ = next;
+}
+
+// `item`: one more of the list in which `top` stands; `out`: where it stands in the new file.
+void SalvageRun::count_item(Open& top, Place item, std::size_t out, bool has_key, bool filled) {
+  OpenList& list = top.lists.back();
+  const Layout& layout = *top.layout->steps[list.step].item;
+  if (!filled && list.filled == list.kept) {
+    list.empty_at = out;
+    list.empty = item;
+  }
+  ++list.kept;
+  if (list.recent.size() == kRecent) list.recent.erase(list.recent.begin());
+  list.recent.push_back({item, out});
+  if (filled) list.filled = list.kept;
+  if (!has_key && layout.has_key) return;
+  list.used = list.kept;
+  list.last = item;
+  if (filled) known_.try_emplace(&layout, item);
 }
 
 void SalvageRun::take_steps(Open& top, std::uint32_t behind) {
@@ -260,6 +286,7 @@ void SalvageRun::take_steps(Open& top, std::uint32_t behind) {
     const Place next = walk_.steps(*top.layout, top.step, top.step + 1, at_, end_, found);
     if (top.layout->steps[top.step].role != Role::kNone) top.numbers.emplace_back(top.step, new_.size());
     top.has_key = top.has_key || found.has_key;
+    top.has_text = top.has_text || found.texts > 0;
     if (in_header_ && top.step == kVersionStep && result_.version_guessed) {
       new_.add_text(result_.version);
     } else {
@@ -288,15 +315,9 @@ void SalvageRun::close_top() {
   Open done = std::move(open_.back());
   open_.pop_back();
   set_numbers(done);
-  OpenList& list = open_.back().lists.back();
-  ++list.kept;
-  if (done.has_key || !done.layout->has_key) {
-    list.used = list.kept;
-    list.last = done.begin;
-  } else if (list.used + 1 == list.kept) {
-    list.unused_at = done.out;
-    list.unused = done.begin;
-  }
+  const bool filled =
+      done.has_text || std::ranges::any_of(done.lists, [](const OpenList& list) { return list.filled > 0; });
+  count_item(open_.back(), done.begin, done.out, done.has_key, filled);
 }
 
 void SalvageRun::set_numbers(Open& record) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <optional>
 #include <span>
 #include <string>
@@ -26,16 +27,25 @@ class SalvageRun {
   using Findings = LayoutWalk::Findings;
 
   // A list of an open record, as it is in the new file.
+  struct Taken {
+    Place place;      // in the old file
+    std::size_t out;  // and in the new one
+  };
   struct OpenList {
     std::uint32_t step;
     std::size_t count_at;                    // where the new file has the number of its items
     std::optional<std::uint32_t> announced;  // no value when its descriptor is struck
     std::uint32_t kept = 0, used = 0;
+    std::uint32_t filled = 0;   // of those kept, up to the last that holds a text
     bool struck = false;        // items are missing
-    std::size_t unused_at = 0;  // where the unused slots at its end begin in the new file,
-    Place unused = nullptr;     // and in the old one
+    std::size_t empty_at = 0;   // where the items behind that begin in the new file,
+    Place empty = nullptr;      // and in the old one
     std::size_t behind = 0;     // where the list ends in the new file
     Place last = nullptr;       // the last item in the old one
+    std::vector<Taken> recent;  // the last items
+
+    // Whether it can have so many more items by what it says of itself.
+    bool has_room_for(std::uint32_t items) const { return !announced || std::uint64_t{kept} + items <= *announced; }
   };
   // A record that is gone into.
   static constexpr std::uint32_t kVersionStep = 3;  // of the header
@@ -47,7 +57,7 @@ class SalvageRun {
     std::uint32_t step = 0;  // the one that comes next; the list's while `in_list`
     bool in_list = false;
     std::uint32_t left = 0;  // items to come
-    bool has_key = false;
+    bool has_key = false, has_text = false;
     std::vector<OpenList> lists;
     std::vector<std::pair<std::uint32_t, std::size_t>> numbers;  // steps with a role and their places in the new file
   };
@@ -73,8 +83,10 @@ class SalvageRun {
   void open_section(int section, const TagPlace& tag);
   bool advance();  // false when it breaks off at at_
   bool advance_list(Open& top);
+  bool goes_on_in_list(const Open& top);
   bool goes_on_behind(Place next);
   void take_item(Open& top, Place next, const Findings& found);
+  void count_item(Open& top, Place item, std::size_t out, bool has_key, bool filled);
   void take_steps(Open& top, std::uint32_t behind);
   void open_list(Open& top, const LayoutWalk::Descriptor& items);
   void close_top();
@@ -82,14 +94,23 @@ class SalvageRun {
   void set_number(const Layout::Step& number, std::size_t at, const OpenList& list, SalvagedList& lost);
 
   bool resume();
-  void give_back_unused();
+  void give_back_empty();
+  Resumption behind_zeros(Resumption found);
+  void give_back_strange();
+  bool step_back();
+  void give_back(std::size_t level, Taken from, std::size_t items);
   std::optional<Resumption> find();
-  Resumption most_alike(Resumption found, Place tag);
-  std::uint32_t strangeness(const Resumption& found);
+  std::optional<Resumption> settle(Resumption found);
+  const Layout& item_layout(const Resumption& found) const;
+  std::vector<Place> chain(const Layout& item, Place at, Place limit);
+  std::optional<Resumption> same_at(const Resumption& found, Place at);
+  std::uint32_t strangeness(const Layout& item, Place at, Place like);
   void try_place(Place at, std::optional<Resumption>& best);
   void try_record(const Open& record, const Resumption& like, bool fails_here, std::optional<Resumption>& best);
   void try_sections(Place at, std::optional<Resumption>& best);
-  void try_struck_sections(Place at, std::optional<Resumption>& best);
+  void try_struck_sections(Place at, std::uint32_t least_items, std::optional<Resumption>& best);
+  bool numbers_agree(const Layout& item, Place at);
+  bool number_agrees(const Layout& record, std::uint32_t list, Place at, std::uint32_t items) const;
   bool is_elsewhere(std::size_t section);
   void consider(Resumption resumption, std::vector<Spot> spots, std::optional<Resumption>& best);
   std::vector<Spot> spots_to(std::size_t level) const;
@@ -124,7 +145,9 @@ class SalvageRun {
   Rebuilt new_;
   Place at_;
   Place limit_;  // of the section
+  Place firm_;   // nothing in front of it is given back: so each place is come to only so often
   std::vector<Open> open_;
+  std::map<const Layout*, Place> known_;  // an item of each layout, as far as one was met
   bool in_header_ = false;
   int stalls_ = 0;       // places at which it went on without having come further
   bool broken_ = false;  // reading has broken off somewhere before

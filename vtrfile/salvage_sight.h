@@ -47,15 +47,14 @@ struct Evidence {
   std::uint32_t unused = 0;           // unused slots among them, for which zeros may be taken
   bool exact = false;                 // the record ended where a known tag stands or the file ends
   std::uint32_t list_items = kNoEnd;  // items up to the end of the list in which the walk began; kNoEnd: not reached
-  bool over = false;                  // the list would have more items than it says
   const unsigned char* reached = nullptr;  // where it breaks off, or was enough
 
   static constexpr std::uint32_t kSomeItems = 3, kEnoughItems = 12;
-  bool some() const noexcept { return exact || items >= kSomeItems; }
-  bool enough() const noexcept { return exact ? unused == 0 : items >= kEnoughItems; }
+  // Zeros alone are no evidence of items.
+  bool some() const noexcept { return exact ? items > 0 || unused == 0 : items >= kSomeItems; }
+  bool enough() const noexcept { return exact ? some() : items >= kEnoughItems; }
   bool better_than(const Evidence& other) const noexcept {
     if (exact != other.exact) return exact;
-    if (over != other.over) return other.over;
     return unused != other.unused ? unused < other.unused : items > other.items;
   }
 };

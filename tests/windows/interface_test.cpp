@@ -28,6 +28,12 @@ char letter_of(const ELEMDESC& parameter) {
   return type->vt == VT_PTR ? 'O' : '?';
 }
 
+std::string letters_of(const FUNCDESC& function) {
+  std::string letters;
+  for (SHORT at = 0; at < function.cParams; ++at) letters += letter_of(function.lprgelemdescParam[at]);
+  return letters;
+}
+
 TEST(TypeLibrary, TellsTheOperationsInTheOrderOfTheirSlots) {
   const Utility utility;
   const auto type = utility_interface(utility.object());
@@ -42,9 +48,7 @@ TEST(TypeLibrary, TellsTheOperationsInTheOrderOfTheirSlots) {
     EXPECT_EQ(function->memid, id);
     EXPECT_EQ(documentation(*type.Get(), function->memid, false), operation.name);
     EXPECT_EQ(static_cast<std::size_t>(function->oVft), (7 + slot) * sizeof(void*));
-    std::string letters;
-    for (SHORT at = 0; at < function->cParams; ++at) letters += letter_of(function->lprgelemdescParam[at]);
-    EXPECT_EQ(letters, std::string(operation.parameters) + static_cast<char>(operation.result | 32))
+    EXPECT_EQ(letters_of(*function), std::string(operation.parameters) + static_cast<char>(operation.result | 32))
         << narrow(operation.name);
     const auto flags = function->lprgelemdescParam[function->cParams - 1].paramdesc.wParamFlags;
     EXPECT_EQ(flags & PARAMFLAG_FRETVAL, PARAMFLAG_FRETVAL);
@@ -64,6 +68,28 @@ TEST(TypeLibrary, TellsTheOperationsInTheOrderOfTheirSlots) {
   EXPECT_EQ(std::wstring(help), L"Tarvel Foundry VTR Output utility");
   SysFreeString(name);
   SysFreeString(help);
+}
+
+// A host of 32 bits has a library of its own.
+TEST(TypeLibrary, IsTheSameInTheOtherBuild) {
+  const Utility utility;
+  const auto type = utility_interface(utility.object());
+  ComPtr<ITypeLib> library;
+  ComPtr<ITypeInfo> dispatch;
+  ASSERT_EQ(LoadTypeLibEx(native_path(OTHER_LIBRARY).c_str(), REGKIND_NONE, &library), S_OK);
+  ASSERT_EQ(library->GetTypeInfoOfGuid(id_of(type.Get()), &dispatch), S_OK);
+  const auto other = table_of(dispatch.Get());
+  for (UINT at = 0; at < operations().size(); ++at) {
+    FUNCDESC *one = nullptr, *same = nullptr;
+    ASSERT_EQ(type->GetFuncDesc(at, &one), S_OK);
+    ASSERT_EQ(other->GetFuncDesc(at, &same), S_OK);
+    EXPECT_EQ(letters_of(*same), letters_of(*one));
+    EXPECT_EQ(same->memid, one->memid);
+    for (const bool help : {false, true})
+      EXPECT_EQ(documentation(*other.Get(), same->memid, help), documentation(*type.Get(), one->memid, help));
+    type->ReleaseFuncDesc(one);
+    other->ReleaseFuncDesc(same);
+  }
 }
 
 // A variant for each parameter of an operation, and one for the result, empty texts and zeros.

@@ -71,11 +71,7 @@ TEST(Apartments, CallEachOther) {
   VARIANT_BOOL primary = VARIANT_FALSE;
   Utility utility;
   ASSERT_TRUE(utility.is_true(L"ReadVTR", {&document, &list, &primary}));
-  ComPtr<ITypeInfo> type = utility_interface(utility.object());
-  TYPEATTR* attributes = nullptr;
-  ASSERT_EQ(type->GetTypeAttr(&attributes), S_OK);
-  const IID id = attributes->guid;
-  type->ReleaseTypeAttr(attributes);
+  const IID id = id_of(utility_interface(utility.object()).Get());
   IStream* stream = nullptr;
   ASSERT_EQ(CoMarshalInterThreadInterfaceInStream(id, utility.object(), &stream), S_OK);
   HRESULT called = E_FAIL;

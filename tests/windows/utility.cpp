@@ -67,14 +67,26 @@ CLSID utility_class() {
   return id;
 }
 
-ComPtr<ITypeInfo> utility_interface(IDispatch* object) {
-  ComPtr<ITypeInfo> dispatch, table;
-  require(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, &dispatch), "the type information");
-  // The other side of a dual interface is the table.
+ComPtr<ITypeInfo> table_of(ITypeInfo* dispatch) {
+  ComPtr<ITypeInfo> table;
   HREFTYPE reference;
   require(dispatch->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference), "the interface isn't dual");
   require(dispatch->GetRefTypeInfo(reference, &table), "the interface's table");
   return table;
+}
+
+IID id_of(ITypeInfo* type) {
+  TYPEATTR* attributes = nullptr;
+  require(type->GetTypeAttr(&attributes), "the type's attributes");
+  const IID id = attributes->guid;
+  type->ReleaseTypeAttr(attributes);
+  return id;
+}
+
+ComPtr<ITypeInfo> utility_interface(IDispatch* object) {
+  ComPtr<ITypeInfo> dispatch;
+  require(object->GetTypeInfo(0, LOCALE_USER_DEFAULT, &dispatch), "the type information");
+  return table_of(dispatch.Get());
 }
 
 Utility::Utility(Way way) : way_(way) {

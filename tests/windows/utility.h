@@ -69,6 +69,9 @@ class Utility {
 CLSID utility_class();
 // The interface that is the default of the class, by its type library. Raises CallError.
 ComPtr<ITypeInfo> utility_interface(IDispatch* object);
+// The table behind a dual interface. Raises CallError.
+ComPtr<ITypeInfo> table_of(ITypeInfo* dispatch);
+IID id_of(ITypeInfo* type);
 
 void require(HRESULT result, const std::string& what);
 
