@@ -110,28 +110,28 @@ class Manual(unittest.TestCase):
                 os.execvpe("zsh", ["zsh", "-f", "-i"], {"PATH": os.environ["PATH"], "HOME": home, "TERM": "dumb",
                                                       "COLUMNS": "200", "LINES": "100", "LANG": "C.UTF-8"})
             try:
+                # The shell says when it reads keys: what comes earlier is the terminal's.
                 setup = ("stty rows 100 cols 200; PROMPT=; LISTMAX=0; unsetopt zle_bracketed_paste; fpath=($HOME $fpath); "
                          "autoload -Uz compinit; compinit -u; zstyle ':completion:*' verbose no; bindkey -e; "
-                         # Signs that the terminal takes for nothing else while the shell isn't reading yet.
-                         "bindkey @l list-choices; bindkey @k kill-whole-line")
-                self.ask(terminal, setup + "\n", 0)
-                return [self.ask(terminal, line + "@l@k", number) for number, line in enumerate(lines, 1)]
+                         "bindkey @l list-choices; bindkey @k kill-whole-line; "
+                         "zle-line-init() { print -n '<rea''dy>' }; zle -N zle-line-init")
+                self.ask(terminal, setup)
+                return [self.ask(terminal, line + "@l@k") for line in lines]
             finally:
                 os.kill(shell, signal.SIGKILL)
                 os.close(terminal)
                 os.waitpid(shell, 0)
 
     @staticmethod
-    def ask(terminal, keys, number):
-        """What the shell writes until it has read all the keys."""
-        os.write(terminal, f"{keys}echo done$(({number} * 1000 + 1))\n".encode())
+    def ask(terminal, keys):
+        """What the shell writes until it has done with the keys and reads again."""
+        os.write(terminal, f"{keys}\n".encode())
         written = b""
-        while f"done{number * 1000 + 1}".encode() not in written:
+        while b"<ready>" not in written:
             if not select.select([terminal], [], [], 60)[0]:
                 raise TimeoutError(f"zsh is silent after {keys!r}: {written!r}")
             written += os.read(terminal, 65536)
-        text = re.sub(r"\x1b\[[\d;?]*[A-Za-z]|\r", " ", written.decode(errors="replace"))
-        return text.split("echo done")[0].replace(keys[:-4], " ", 1)
+        return re.sub(r"\x1b\[[\d;?]*[A-Za-z]|\r", " ", written.decode(errors="replace"))
 
 
 if __name__ == "__main__":
