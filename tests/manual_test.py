@@ -6,7 +6,9 @@ Usage: manual_test.py VTROUT FOLDER, where the folder has what the build made of
 import os
 import pty
 import re
+import select
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -109,10 +111,13 @@ class Manual(unittest.TestCase):
                                                       "COLUMNS": "200", "LINES": "100", "LANG": "C.UTF-8"})
             try:
                 setup = ("stty rows 100 cols 200; PROMPT=; LISTMAX=0; unsetopt zle_bracketed_paste; fpath=($HOME $fpath); "
-                         "autoload -Uz compinit; compinit -u; zstyle ':completion:*' verbose no; bindkey -e")
+                         "autoload -Uz compinit; compinit -u; zstyle ':completion:*' verbose no; bindkey -e; "
+                         # Signs that the terminal takes for nothing else while the shell isn't reading yet.
+                         "bindkey @l list-choices; bindkey @k kill-whole-line")
                 self.ask(terminal, setup + "\n", 0)
-                return [self.ask(terminal, line + "\x04\x15", number) for number, line in enumerate(lines, 1)]
+                return [self.ask(terminal, line + "@l@k", number) for number, line in enumerate(lines, 1)]
             finally:
+                os.kill(shell, signal.SIGKILL)
                 os.close(terminal)
                 os.waitpid(shell, 0)
 
@@ -122,9 +127,11 @@ class Manual(unittest.TestCase):
         os.write(terminal, f"{keys}echo done$(({number} * 1000 + 1))\n".encode())
         written = b""
         while f"done{number * 1000 + 1}".encode() not in written:
+            if not select.select([terminal], [], [], 60)[0]:
+                raise TimeoutError(f"zsh is silent after {keys!r}: {written!r}")
             written += os.read(terminal, 65536)
         text = re.sub(r"\x1b\[[\d;?]*[A-Za-z]|\r", " ", written.decode(errors="replace"))
-        return text.split("echo done")[0].replace(keys[:-2], " ", 1)
+        return text.split("echo done")[0].replace(keys[:-4], " ", 1)
 
 
 if __name__ == "__main__":

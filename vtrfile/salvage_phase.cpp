@@ -126,7 +126,7 @@ SalvageRun::Resumption SalvageRun::behind_zeros(Resumption found) {
 // Of all chains around the place the one that is least strange; of two that are alike what they have in common, and
 // nothing when that is nothing.
 std::optional<SalvageRun::Resumption> SalvageRun::settle(Resumption found) {
-  if (found.where == Where::kBehindList) return behind_zeros(std::move(found));
+  if (found.where == Where::kBehindList) return behind_zeros(found);
   if (found.where != Where::kItem) return found;
   if (found.section == TagPlace::kEnd && found.level == 0 && found.evidence.exact) {
     // The items of another section whose tag is struck may be no different from those of this one.
