@@ -75,15 +75,7 @@ void SalvageRun::go_on(const Resumption& resumption) {
   const bool new_section = resumption.section != TagPlace::kEnd;
   if (!in_header_ && !open_.empty()) note_loss(resumption, !new_section && !resumption.new_item);
   if (new_section || resumption.where == Where::kTag) {
-    if (!open_.empty()) {
-      while (open_.size() > 1) close_struck(resumption.at, false);
-      close_struck(resumption.at, true);
-    }
-    at_ = resumption.at;
-    if (new_section) {
-      open_section(resumption.section, {.content = resumption.at});
-      limit_ = sight_->next_tag(at_);
-    }
+    leave_section(resumption);
     if (resumption.where == Where::kTag || resumption.where == Where::kRecord) return;
     note_loss(resumption, true);
   }
@@ -92,47 +84,46 @@ void SalvageRun::go_on(const Resumption& resumption) {
     const bool last = open_.size() == staying + 1;
     close_struck(resumption.at, last && resumption.where == Where::kItem);
   }
-  if (resumption.new_item) {
-    Open& list = open_.back();
-    list.lists.back().struck = true;
-    if (list.left > 0) --list.left;
-    at_ = resumption.at;
-    Open item{list.layout->steps[list.step].item, at_, new_.size(),
-              list.path + '/' + list.layout->steps[list.step].path + "[?]"};
-    open_.push_back(std::move(item));
+  if (resumption.new_item) open_item(resumption.at);
+  go_on_in(open_.back(), resumption);
+}
+
+void SalvageRun::leave_section(const Resumption& resumption) {
+  if (!open_.empty()) {
+    while (open_.size() > 1) close_struck(resumption.at, false);
+    close_struck(resumption.at, true);
   }
-  Open& record = open_.back();
-  const bool same_list = record.in_list && record.step == resumption.step;
+  at_ = resumption.at;
+  if (resumption.section == TagPlace::kEnd) return;
+  open_section(resumption.section, {.content = resumption.at});
+  limit_ = sight_->next_tag(at_);
+}
+
+void SalvageRun::open_item(Place at) {
+  Open& list = open_.back();
+  list.lists.back().struck = true;
+  if (list.left > 0) --list.left;
+  at_ = at;
+  Open item{list.layout->steps[list.step].item, at_, new_.size(),
+            list.path + '/' + list.layout->steps[list.step].path + "[?]"};
+  open_.push_back(std::move(item));
+}
+
+void SalvageRun::go_on_in(Open& record, const Resumption& resumption) {
   if (record.in_list) {
     OpenList& list = record.lists.back();
     list.struck = true;
     list.behind = new_.size();
   }
-  const auto& step = record.layout->steps[resumption.step];
   switch (resumption.where) {
-    case Where::kItem: {
-      const bool reopened = !record.in_list && !record.lists.empty() && record.lists.back().step == resumption.step;
-      if (!same_list && !reopened) {
-        leave_list(record);
-        skip_to(record, resumption.step, resumption.at, false);
-        new_.add_number(std::uint16_t{1});
-        record.lists.push_back({resumption.step, new_.size(), {}});
-        new_.add_number(std::uint32_t{0});
-        new_.add_number(std::int32_t{1});
-      }
-      const std::uint32_t left = record.in_list ? record.left : 0;
-      const std::uint32_t guess = left > 1 ? left - (open_.size() == resumption.level + 1 ? 1 : 0) : 1;
-      record.lists.back().struck = true;
-      record.in_list = true;
-      record.step = resumption.step;
-      record.left = resumption.evidence.list_items != Evidence::kNoEnd ? resumption.evidence.list_items : guess;
+    case Where::kItem:
+      go_on_with_item(record, resumption);
       break;
-    }
     case Where::kList:
       leave_list(record);
       skip_to(record, resumption.step, resumption.at, true);
       at_ = resumption.at;
-      open_list(record, walk_.descriptor(at_, limit_, step.item->least_bytes));
+      open_list(record, walk_.descriptor(at_, limit_, record.layout->steps[resumption.step].item->least_bytes));
       return;
     default:
       leave_list(record);
@@ -145,6 +136,25 @@ void SalvageRun::go_on(const Resumption& resumption) {
       break;
   }
   at_ = resumption.at;
+}
+
+void SalvageRun::go_on_with_item(Open& record, const Resumption& resumption) {
+  const bool same_list = record.in_list && record.step == resumption.step;
+  const bool reopened = !record.in_list && !record.lists.empty() && record.lists.back().step == resumption.step;
+  if (!same_list && !reopened) {
+    leave_list(record);
+    skip_to(record, resumption.step, resumption.at, false);
+    new_.add_number(std::uint16_t{1});
+    record.lists.push_back({resumption.step, new_.size(), {}});
+    new_.add_number(std::uint32_t{0});
+    new_.add_number(std::int32_t{1});
+  }
+  const std::uint32_t left = record.in_list ? record.left : 0;
+  const std::uint32_t guess = left > 1 ? left - (open_.size() == resumption.level + 1 ? 1 : 0) : 1;
+  record.lists.back().struck = true;
+  record.in_list = true;
+  record.step = resumption.step;
+  record.left = resumption.evidence.list_items != Evidence::kNoEnd ? resumption.evidence.list_items : guess;
 }
 
 void SalvageRun::leave_list(Open& record) {

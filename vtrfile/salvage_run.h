@@ -117,6 +117,14 @@ class SalvageRun {
   bool worn_out() const { return walk_.work() > allowed_work_; }
 
   void go_on(const Resumption& resumption);
+  // Ends the section that is open, and begins the one that stands there, if one does.
+  void leave_section(const Resumption& resumption);
+  // Goes into an item that has lost its beginning, of the innermost list.
+  void open_item(Place at);
+  // Goes on in the record that stays open, the innermost one.
+  void go_on_in(Open& record, const Resumption& resumption);
+  // Comes to the next item of the record's list; one of which the descriptor is lost gets a new one.
+  void go_on_with_item(Open& record, const Resumption& resumption);
   // Ends the innermost open record, which breaks off in front of `behind`, or `ends_there` if it must.
   void close_struck(Place behind, bool ends_there);
   static void leave_list(Open& record);
