@@ -98,8 +98,9 @@ struct RecoveryTask {
   std::string output_dir;  // for a name in this folder in place of that one; empty for none
   std::string log;         // empty: none
   bool json = false;
-  bool first_damage = false;  // only what stands in front of it
-  std::string unexplained;    // a folder for the bytes of which nothing can be told; empty: none
+  bool first_damage = false;                   // only what stands in front of it
+  std::string unexplained;                     // a folder for the bytes of which nothing can be told; empty: none
+  const std::vector<Input>* inputs = nullptr;  // all files of the run, none of which is replaced; null: this one alone
 };
 
 // `vtrout recover`: writes what could be read of the file to a new one and tells what became of each section. The file

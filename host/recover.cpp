@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <iomanip>
 #include <iostream>
@@ -141,12 +142,23 @@ struct Targets {
   std::optional<Target> log;  // none when none is asked for
 };
 
+// Whether the path is that of another file that is still to be recovered, of which the user is told then.
+bool is_input(const HostServices& services, const RecoveryTask& task, const std::u16string& path) {
+  const auto is_there = [&](const Input& input) {
+    return platform::has_class_path(input.path) && services.files.SameFile(path, platform::class_path(input.path));
+  };
+  if (!task.inputs || std::ranges::none_of(*task.inputs, is_there)) return false;
+  complain(platform::machine_path(path) + ": that's one of the files to recover, which are never overwritten; give " +
+           task.file + " another place with --output-dir" + kNothingWritten);
+  return true;
+}
+
 // Nothing when one of them can't be written, of which the user has been told.
 std::optional<Targets> targets_of(const HostServices& services, const RecoveryTask& task) {
   constexpr const char* kSourceIs = "the damaged file";
   const auto output = target_for(
       services, {task.file, kSourceIs, task.output, u"Recovered", "; give one with --output", task.output_dir});
-  if (!output) return {};
+  if (!output || (output->replaces && is_input(services, task, output->path))) return {};
   if (task.log.empty()) return Targets{*output, {}};
   const auto log = target_for(services, {task.file, kSourceIs, task.log, u"Log"});
   if (!log) return {};

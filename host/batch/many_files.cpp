@@ -94,7 +94,10 @@ ExitStatus recover_files(const Settings& settings, const InputOptions& given_opt
                         task.file = file.path;
                         task.output_dir = folder_for(given.output_dir, file);
                         task.unexplained = folder_for(given.unexplained, file);
-                        if (!is_one) task.log.clear();
+                        if (!is_one) {
+                          task.log.clear();
+                          task.inputs = &list.files;
+                        }
                         return recover(shared, task);
                       }};
   // Of one file the log has the lists of what was read and recovered.
