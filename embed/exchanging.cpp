@@ -38,7 +38,7 @@ JsonWriter::Sink sink_of(Document& at, trvtrout_write write, void* context) {
   };
 }
 
-exchange::Texts texts_of(int code_page) { return {code_page, std::make_shared<const platform::CodePage>(code_page)}; }
+exchange::Texts texts_of(int code_page) { return {code_page, platform::shared_code_page(code_page)}; }
 
 std::vector<std::string> patterns(const char* const* given, std::size_t count, const char* name) {
   // More than a person or a program would give was never set.
@@ -85,8 +85,7 @@ trvtrout_result diff(Document& at, Document& other, const differences::PathFilte
 trvtrout_result carried(Document& at) {
   for (const vtrfile::PartRead& part : at.utility.LastRead().parts) {
     if (part.carried != vtrfile::Carried::kPart) continue;
-    at.message =
-        at.source + ": it's of the old format, and some of its product's values have no place in the current one";
+    at.message = at.source + ": " + vtrfile::kPartlyCarried;
     return TRVTROUT_INCOMPLETE;
   }
   return TRVTROUT_OK;

@@ -37,12 +37,6 @@ trvtrout_result read(Document& at, std::u16string path, Boolean secondary) {
   return TRVTROUT_DAMAGED;
 }
 
-std::uint64_t explained(const vtrfile::Salvaged& salvaged) {
-  std::uint64_t bytes = salvaged.bytes;
-  for (const vtrfile::FileRange& range : salvaged.unexplained) bytes -= range.size();
-  return bytes;
-}
-
 trvtrout_result salvage(Document& at, std::u16string path, Boolean secondary) {
   const std::string name = platform::machine_path(path);
   if (!at.utility.SalvageVTR(path, secondary)) {
@@ -54,7 +48,7 @@ trvtrout_result salvage(Document& at, std::u16string path, Boolean secondary) {
   at.structure_list.clear();
   at.damaged = false;
   const vtrfile::Salvaged& salvaged = *at.utility.LastSalvage();
-  at.message = name + ": " + std::to_string(explained(salvaged)) + " of " + std::to_string(salvaged.bytes) +
+  at.message = name + ": " + std::to_string(salvaged.explained()) + " of " + std::to_string(salvaged.bytes) +
                " bytes are explained";
   return TRVTROUT_OK;
 }
@@ -81,7 +75,7 @@ trvtrout_salvaged salvaged_of(const TarvelVtrOut_InOut& utility) {
   told.header_whole = salvaged->header_whole;
   told.end_found = salvaged->end_found;
   told.bytes = salvaged->bytes;
-  told.bytes_explained = explained(*salvaged);
+  told.bytes_explained = salvaged->explained();
   for (const vtrfile::SalvagedSection& section : salvaged->sections) {
     if (!section.chosen) continue;
     ++told.sections;

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <map>
-#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -12,14 +10,7 @@
 // Documents as JSON and back, for the targets that put them through it.
 namespace trvtrout::fuzz {
 
-// Making a code page asks the machine for each of its characters, so each is made once.
-inline exchange::Texts texts_of(int code_page) {
-  static std::map<int, std::shared_ptr<const platform::CodePage>> pages;
-  auto& page = pages[code_page];
-  if (!page) page = std::make_shared<const platform::CodePage>(code_page);
-  return {code_page, [page](std::string_view bytes) { return page->decode(bytes); },
-          [page](const std::u16string& text) { return page->encode(text); }};
-}
+inline exchange::Texts texts_of(int code_page) { return {code_page, platform::shared_code_page(code_page)}; }
 
 inline std::string json_of(const vtrfile::DocumentSlots& document) {
   std::string json;

@@ -61,7 +61,7 @@ ExitStatus read_whole(const Export& exported, const std::string& file, Document&
   }
   for (const vtrfile::PartRead& part : utility.LastRead().parts) {
     if (part.carried != vtrfile::Carried::kPart) continue;
-    complain(file + ": it's of the old format, and some of its product's values have no place in the current one");
+    complain(file + ": " + vtrfile::kPartlyCarried);
     status = kRemarkable;
   }
   return status;

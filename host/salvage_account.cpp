@@ -20,12 +20,6 @@ using vtrfile::Salvaged;
 using vtrfile::SalvagedSection;
 using vtrfile::SalvageLoss;
 
-std::uint64_t sum_of(const std::vector<FileRange>& ranges) {
-  std::uint64_t sum = 0;
-  for (const FileRange& range : ranges) sum += range.size();
-  return sum;
-}
-
 // "Schema/Tables/Items[3]/Fields/Items" without its numbers.
 std::string without_numbers(const std::string& path) {
   std::string plain;
@@ -160,9 +154,8 @@ std::string percent(std::uint64_t part, std::uint64_t whole) {
 }
 
 std::string share_text(const Salvaged& salvaged) {
-  const std::uint64_t unexplained = sum_of(salvaged.unexplained);
-  return std::to_string(salvaged.bytes - unexplained) + " of " + std::to_string(salvaged.bytes) +
-         " bytes are explained (" + percent(salvaged.bytes - unexplained, salvaged.bytes) + ")";
+  return std::to_string(salvaged.explained()) + " of " + std::to_string(salvaged.bytes) + " bytes are explained (" +
+         percent(salvaged.explained(), salvaged.bytes) + ")";
 }
 
 void enter_losses(RecoveryAccount& account, const Salvaged& salvaged) {
@@ -198,7 +191,7 @@ Json salvage_json(const Salvaged& salvaged, Locale& locale) {
           {"headerWhole", salvaged.header_whole},
           {"endFound", salvaged.end_found},
           {"bytes", salvaged.bytes},
-          {"bytesExplained", salvaged.bytes - sum_of(salvaged.unexplained)},
+          {"bytesExplained", salvaged.explained()},
           {"unexplained", ranges_json(salvaged.unexplained)},
           {"unreadable", ranges_json(salvaged.unreadable)},
           {"sections", sections}};

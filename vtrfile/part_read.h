@@ -13,6 +13,9 @@ enum class Carried {
   kPart,  // it holds more than the upgrade takes over
   kNone,  // it broke off before the upgrade
 };
+// What kPart means, for people.
+inline constexpr const char* kPartlyCarried =
+    "it's of the old format, and some of its product's values have no place in the current one";
 
 // What a section's tag says beside its name.
 struct TagTexts {

@@ -66,6 +66,13 @@ struct Salvaged {
   std::vector<FileRange> unreadable;   // what the medium didn't give
   std::uint64_t bytes = 0;             // of the file
   std::uint64_t behind_end = 0;        // of them behind the end tag
+
+  // How many of the file's bytes are explained.
+  std::uint64_t explained() const noexcept {
+    std::uint64_t left = bytes;
+    for (const FileRange& range : unexplained) left -= range.size();
+    return left;
+  }
 };
 
 // Reads on behind what broke. `unreadable`: ranges that the medium didn't give, in their order, zeros in `image`.

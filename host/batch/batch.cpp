@@ -10,6 +10,7 @@
 
 #include "host/batch/batch_log.h"
 #include "host/batch/stop_signals.h"
+#include "host/counted.h"
 #include "host/json.h"
 #include "platform/files/path.h"
 #include "services/guard.h"
@@ -18,8 +19,6 @@ namespace trvtrout::host {
 namespace {
 
 using Clock = std::chrono::steady_clock;
-
-std::string count_text(std::size_t count) { return std::to_string(count) + (count == 1 ? " file" : " files"); }
 
 std::string one_place(double number) {
   const auto tenths = std::lround(number * 10);
@@ -42,7 +41,7 @@ class BatchProgress {
     if (Clock::now() - shown_ < std::chrono::milliseconds(100)) return;
     shown_ = Clock::now();
     const double seconds = std::chrono::duration<double>(shown_ - begun_).count();
-    std::string text = std::to_string(done) + " of " + count_text(files_);
+    std::string text = std::to_string(done) + " of " + counted(files_, "file");
     if (done > 0 && seconds > 0) {
       const double rate = static_cast<double>(done) / seconds;
       text +=
@@ -81,7 +80,7 @@ class Tally {
   std::size_t done() const { return counts_[kFine] + counts_[kRemarkable] + counts_[kTrouble]; }
   // "3 files: 1 fine, 1 damaged, 1 in trouble"
   std::string text() const {
-    std::string text = count_text(done());
+    std::string text = counted(done(), "file");
     const char* separator = ": ";
     for (const auto& [count, what] : {std::pair(counts_[kFine], "fine"),
                                       {counts_[kRemarkable], batch_.remark},
@@ -126,7 +125,7 @@ BatchEnd run_batch(const Settings& given, const InputOptions& options, const Bat
                       },
                   .waiting = [&] { progress.show(tally.done()); }});
   const auto stopped_text = [&](std::size_t done) {
-    return "stopped: " + std::to_string(done) + " of " + count_text(batch.files.size()) +
+    return "stopped: " + std::to_string(done) + " of " + counted(batch.files.size(), "file") +
            (done == 1 ? " was done" : " were done");
   };
   StopSignals signals([&] { return run.stop(), !run.is_asking(); }, [&] { complain(stopped_text(run.told())); });

@@ -3,6 +3,7 @@
 #include <array>
 #include <ctime>
 
+#include "host/counted.h"
 #include "platform/console/printable.h"
 #include "text/utf8.h"
 
@@ -29,8 +30,8 @@ BatchLog::BatchLog(const std::string& path, const std::string& subcommand, std::
   const std::time_t now = std::time(nullptr);
   std::tm local{};
   std::strftime(moment.data(), moment.size(), "%Y-%m-%d %H:%M:%S", localtime_r(&now, &local));
-  write(std::string(kBegin) + subcommand + ", " + moment.data() + ", " + std::to_string(files) +
-        (files == 1 ? " file" : " files") + ": exit status, file, why");
+  write(std::string(kBegin) + subcommand + ", " + moment.data() + ", " + counted(files, "file") +
+        ": exit status, file, why");
 }
 
 void BatchLog::add(const std::string& file, const FileOutcome& outcome) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "host/counted.h"
 #include "host/terminal/text_change.h"
 #include "host/terminal/value_lines.h"
 #include "host/terminal/value_text.h"
@@ -16,10 +17,6 @@ namespace {
 using differences::Difference;
 using differences::Kind;
 using vtrfile::Value;
-
-std::string counted(std::size_t count, const std::string& what) {
-  return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
-}
 
 void enumerate(std::string& text, const std::string& more) { (text += text.empty() ? "" : ", ") += more; }
 

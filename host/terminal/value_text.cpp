@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cstdio>
 
+#include "host/counted.h"
 #include "platform/console/printable.h"
 #include "text/utf8.h"
 #include "vtrfile/variant.h"
@@ -23,10 +24,6 @@ std::string number_text(Number number) {
 std::string quoted(Locale& locale, std::string_view bytes) { return '"' + shown(locale, bytes) + '"'; }
 
 std::string array_text(Locale& locale, const VariantValue& value);
-
-std::string count_text(std::int64_t count, const std::string& what) {
-  return std::to_string(count) + ' ' + what + (count == 1 ? "" : "s");
-}
 
 std::string body_text(Locale& locale, const VariantValue& value) {
   const unsigned char* const body = value.body;
@@ -85,7 +82,7 @@ std::string run_text(Locale& locale, Value run) {
 std::string array_text(Value value, const std::string& what) {
   if (!value.array().allocated()) return "none";
   const std::int64_t lower = value.array().lower();
-  return count_text(value.array().size(), what) + (lower == 1 ? "" : " from " + std::to_string(lower) + " on");
+  return counted(value.array().size(), what) + (lower == 1 ? "" : " from " + std::to_string(lower) + " on");
 }
 
 }  // namespace
@@ -134,7 +131,7 @@ std::string value_text(Locale& locale, Value value) {
     case Kind::kArray:
       return array_text(value, value.type().element->kind == Kind::kText ? "text" : "slot");
     case Kind::kRun:
-      return count_text(value.elements(), "value");
+      return counted(value.elements(), "value");
     case Kind::kRecord:
       return value.type().name;
   }
